@@ -1,0 +1,55 @@
+# Settings that every target of this tree shares.
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+find_package(Threads REQUIRED)
+
+# Flags of everything built here; a consumer of the installed package gets none of them.
+add_library(kr_build_flags INTERFACE)
+target_compile_options(kr_build_flags INTERFACE
+    -ffp-contract=off
+    -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
+add_library(kr_warnings INTERFACE)
+target_compile_options(kr_warnings INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+    $<$<BOOL:${KR_WARNINGS_AS_ERRORS}>:-Werror>)
+if(KR_SANITIZE)
+    target_compile_options(kr_build_flags INTERFACE
+        -fsanitize=${KR_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+    target_link_options(kr_build_flags INTERFACE -fsanitize=${KR_SANITIZE})
+endif()
+
+# On Windows programs need the compiler's shared runtime beside them: an exception crosses the DLL
+# boundary only when both sides share one runtime.
+if(WIN32)
+    set(KR_RUNTIME_DLLS)
+    foreach(dll libgcc_s_dw2-1.dll libstdc++-6.dll libwinpthread-1.dll)
+        execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${dll}
+            OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
+        if(NOT IS_ABSOLUTE "${path}" OR NOT EXISTS "${path}")
+            unset(path)
+            find_file(path ${dll} PATHS /usr/i686-w64-mingw32/lib NO_DEFAULT_PATH NO_CACHE REQUIRED)
+        endif()
+        get_filename_component(path ${path} REALPATH)
+        list(APPEND KR_RUNTIME_DLLS ${path})
+    endforeach()
+    file(COPY ${KR_RUNTIME_DLLS} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+endif()
+
+# kr_family(<sources>...): adds one family's sources (paths below src) to the library.
+function(kr_family)
+    list(TRANSFORM ARGN PREPEND ${CMAKE_SOURCE_DIR}/src/)
+    target_sources(base PRIVATE ${ARGN})
+endfunction()
+
+# kr_program(<name> <sources>...): a program of this tree that uses the library.
+function(kr_program name)
+    add_executable(${name} ${ARGN})
+    target_link_libraries(${name} PRIVATE Kr::base kr_build_flags kr_warnings Threads::Threads)
+endfunction()

@@ -1,0 +1,23 @@
+#pragma once
+
+/// @file
+/// Exclusive ownership of an array made with `new T[n]`.
+///
+/// `ArrayPtr<T>` and `ArrayPtrRet<T>` behave as `ObjPtr` and `ObjPtrRet` do, for arrays:
+/// @code
+/// Kr::ArrayPtr<char> text(Kr::DtTimeUtil::getDtStringFromDtTime(time));
+/// std::puts(text.get());
+/// @endcode
+
+#include <base/ownedPtr.h>
+
+namespace Kr
+{
+
+template <class T>
+using ArrayPtr = OwnedPtr<T, DeleteArray>;
+
+template <class T>
+using ArrayPtrRet = OwnedPtrRet<T, DeleteArray>;
+
+} // namespace Kr

@@ -1,0 +1,64 @@
+#include <base/exSysError.h>
+
+#include <platform/platform.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace Kr
+{
+
+ExSysError::ExSysError(const char* file, int line)
+    : ExBase(file, line)
+    , std::runtime_error("")
+{
+}
+
+// The error state is read in the first expression evaluated, and the public constructors delegate
+// so that building the bases cannot change it first.
+
+ExSysErrorANSI::ExSysErrorANSI(const char* file, int line)
+    : ExSysErrorANSI(errno, file, line)
+{
+}
+
+ExSysErrorANSI::ExSysErrorANSI(int error, const char* file, int line)
+    : ExBase(file, line)
+    , ExSysError(file, line)
+    , _error(error)
+{
+    setReason(std::strerror(error));
+}
+
+ExBase* ExSysErrorANSI::clone() const
+{
+    return new ExSysErrorANSI(*this);
+}
+
+ExSysErrorWindows::ExSysErrorWindows(const char* file, int line)
+    : ExSysErrorWindows(GetLastError(), file, line)
+{
+}
+
+ExSysErrorWindows::ExSysErrorWindows(unsigned long errorCode, const char* file, int line)
+    : ExBase(file, line)
+    , ExSysError(file, line)
+    , _errorCode(errorCode)
+{
+    char text[reasonSize];
+    const DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+                                        nullptr, static_cast<DWORD>(errorCode), 0, text,
+                                        static_cast<DWORD>(sizeof text), nullptr);
+    text[length] = '\0';
+    for (DWORD end = length; end > 0 && end + 2 > length; --end)
+        if (text[end - 1] == '\r' || text[end - 1] == '\n')
+            text[end - 1] = '\0';
+    setReason(text);
+}
+
+ExBase* ExSysErrorWindows::clone() const
+{
+    return new ExSysErrorWindows(*this);
+}
+
+} // namespace Kr

@@ -1,0 +1,15 @@
+#pragma once
+
+/// @file
+/// The export macro. `KR_BASE_API` marks a class or function that the library exports; everything
+/// else stays inside it.
+
+#if defined(_WIN32)
+#if defined(KR_BASE_BUILD)
+#define KR_BASE_API __declspec(dllexport)
+#else
+#define KR_BASE_API __declspec(dllimport)
+#endif
+#else
+#define KR_BASE_API __attribute__((visibility("default")))
+#endif
