@@ -10,6 +10,7 @@
 
 #include <base/exBase.h>
 #include <base/krBaseApi.h>
+#include <base/sourcePosition.h>
 
 namespace Kr
 {
