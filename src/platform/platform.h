@@ -19,6 +19,7 @@
 #include <mmsystem.h>
 
 #include <stdlib.h>
+#include <sys/timeb.h>
 
 #else
 
@@ -79,4 +80,59 @@ char** krEnvironment() noexcept;
 /// equals sign.
 int _putenv(const char* assignment) noexcept;
 
+// Clocks (posix/counter.cpp)
+
+union LARGE_INTEGER
+{
+    std::int64_t QuadPart;
+};
+
+/// The high-resolution counter. The processor's own, read without waiting for the instructions
+/// before it, where that is known to run at one rate and alike on every core; the system's
+/// monotonic clock in nanoseconds elsewhere, or when the environment holds
+/// KR_COUNTER_SOURCE=system. Returns 0 with errno set if the clock cannot be read.
+BOOL QueryPerformanceCounter(LARGE_INTEGER* count) noexcept;
+
+/// Its ticks per second, above 0. The processor's counter is measured once, at the first call,
+/// which takes some 2 milliseconds.
+BOOL QueryPerformanceFrequency(LARGE_INTEGER* frequency) noexcept;
+
+struct __timeb64 // NOLINT(bugprone-reserved-identifier): the runtime's name
+{
+    std::int64_t time;      ///< seconds since 1970-01-01 00:00 UTC
+    unsigned short millitm; ///< milliseconds of the second
+};
+
+/// The time of day; the fields for the time zone are left out.
+void _ftime64(__timeb64* now) noexcept;
+
 #endif
+
+// Processor identification, on every system
+
+#if defined(__i386__) || defined(__x86_64__)
+#include <cpuid.h>
+#endif
+
+#include <cstdint>
+
+struct KrProcessorRegisters
+{
+    std::uint32_t eax = 0;
+    std::uint32_t ebx = 0;
+    std::uint32_t ecx = 0;
+    std::uint32_t edx = 0;
+};
+
+/// What the processor identification instruction answers to a leaf; all zero on a processor that
+/// does not have it, so that leaf 0 gives 0 as the maximum leaf.
+inline KrProcessorRegisters krIdentifyProcessor(std::uint32_t leaf) noexcept
+{
+    KrProcessorRegisters answer;
+#if defined(__i386__) || defined(__x86_64__)
+    __cpuid_count(leaf, 0, answer.eax, answer.ebx, answer.ecx, answer.edx);
+#else
+    static_cast<void>(leaf);
+#endif
+    return answer;
+}

@@ -1,0 +1,29 @@
+#include <base/hwCounter.h>
+
+#include <mutex>
+
+namespace Kr
+{
+
+namespace
+{
+
+std::mutex creation;
+
+} // namespace
+
+std::atomic<const HwCounterEng*> HwCounter::_engine{nullptr};
+
+const HwCounterEng& HwCounter::createEngine()
+{
+    const std::lock_guard<std::mutex> lock(creation);
+    const HwCounterEng* engine = _engine.load(std::memory_order_relaxed);
+    if (engine == nullptr)
+    {
+        engine = HwCounterEng::create().release();
+        _engine.store(engine, std::memory_order_release);
+    }
+    return *engine;
+}
+
+} // namespace Kr

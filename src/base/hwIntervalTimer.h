@@ -1,0 +1,27 @@
+#pragma once
+
+/// @file
+/// The stopwatch over the hardware counter: nanoseconds, and cheap to start and stop.
+
+#include <base/intervalTimer.h>
+
+namespace Kr
+{
+
+/// Never started, it measures from tick 0 of `HwCounter`.
+class KR_BASE_API HwIntervalTimer : public IntervalTimer
+{
+public:
+    explicit HwIntervalTimer(const char* name = "anonymous");
+
+    void start() override;
+    void stop() override;
+    double timeInterval() const override;
+    double sinceStart() const override;
+
+private:
+    unsigned long long _start;
+    unsigned long long _stop;
+};
+
+} // namespace Kr

@@ -1,0 +1,40 @@
+#include <base/osCpuInfo.h>
+
+#include <cassert>
+
+namespace Kr
+{
+
+OsCpuInfo::Type OsCpuInfo::_type = OsCpuInfo::UNKNOWN;
+bool OsCpuInfo::_hasMMX = false;
+bool OsCpuInfo::_hasSSE = false;
+std::uint64_t OsCpuInfo::_hwCounterFrequency = 0;
+
+void OsCpuInfo::finalize()
+{
+}
+
+const char* OsCpuInfo::getTypeName()
+{
+    switch (_type)
+    {
+    case MIPS:
+        return "MIPS";
+    case IA32:
+        return "IA32";
+    case IA64:
+        return "IA64";
+    case UNKNOWN:
+        return "UNKNOWN";
+    }
+    assert(!"a processor type");
+    return "UNKNOWN";
+}
+
+unsigned long long OsCpuInfo::getHwCounterFrequency()
+{
+    assert(_hwCounterFrequency != 0);
+    return _hwCounterFrequency;
+}
+
+} // namespace Kr
