@@ -10,20 +10,26 @@ namespace Kr
 namespace
 {
 
-/// Appends `text` to the text of that size; what does not fit is cut.
-void append(char* to, std::size_t size, const char* text) noexcept
+/// Appends to a text of that size and length; what does not fit is cut.
+template <std::size_t Size>
+void append(char (&to)[Size], std::uint16_t& length, const char* text) noexcept
 {
-    const std::size_t used = std::strlen(to);
-    const std::size_t length = std::strlen(text);
-    const std::size_t room = size - 1 - used;
-    const std::size_t taken = length < room ? length : room;
-    std::memcpy(to + used, text, taken);
-    to[used + taken] = '\0';
+    const std::size_t wanted = std::strlen(text);
+    const std::size_t room = Size - 1 - length;
+    const std::size_t taken = wanted < room ? wanted : room;
+    std::memcpy(to + length, text, taken);
+    to[length + taken] = '\0';
+    length = static_cast<std::uint16_t>(length + taken);
 }
 
-void copyText(char* to, const char* from) noexcept
+/// In whole blocks, which is quicker than to the exact end and never leaves the array.
+template <std::size_t Size>
+void copyText(char (&to)[Size], const char (&from)[Size], std::uint16_t length) noexcept
 {
-    std::memcpy(to, from, std::strlen(from) + 1);
+    constexpr std::size_t block = 32;
+    static_assert(Size % block == 0);
+    for (std::size_t i = 0; i <= length; i += block)
+        std::memcpy(to + i, from + i, block);
 }
 
 } // namespace
@@ -38,23 +44,26 @@ ExBase::ExBase(const char* file, int line) noexcept
 }
 
 ExBase::ExBase(const ExBase& other) noexcept
-    : _lineNo(other._lineNo)
 {
-    copyText(_detailedReason, other._detailedReason);
-    copyText(_reason, other._reason);
-    copyText(_fileName, other._fileName);
+    copyTexts(other);
 }
 
 ExBase& ExBase::operator=(const ExBase& other) noexcept
 {
     if (this != &other)
-    {
-        copyText(_detailedReason, other._detailedReason);
-        copyText(_reason, other._reason);
-        copyText(_fileName, other._fileName);
-        _lineNo = other._lineNo;
-    }
+        copyTexts(other);
     return *this;
+}
+
+void ExBase::copyTexts(const ExBase& other) noexcept
+{
+    copyText(_detailedReason, other._detailedReason, other._detailedLength);
+    copyText(_reason, other._reason, other._reasonLength);
+    copyText(_fileName, other._fileName, other._fileNameLength);
+    _lineNo = other._lineNo;
+    _detailedLength = other._detailedLength;
+    _reasonLength = other._reasonLength;
+    _fileNameLength = other._fileNameLength;
 }
 
 ExBase::~ExBase() = default;
@@ -66,11 +75,13 @@ const char* ExBase::getReason() const noexcept
 
 const char* ExBase::getDetailedReason() const noexcept
 {
-    if (_detailedReason[0] == '\0')
+    if (_detailedLength == 0)
     {
-        std::snprintf(_detailedReason, reasonSize, "[Exception Type = %s, File = %s, Line=%d]\n",
+        char position[reasonSize];
+        std::snprintf(position, sizeof position, "[Exception Type = %s, File = %s, Line=%d]\n",
                       typeid(*this).name(), _fileName, static_cast<int>(_lineNo));
-        append(_detailedReason, reasonSize, _reason);
+        append(_detailedReason, _detailedLength, position);
+        append(_detailedReason, _detailedLength, _reason);
     }
     return _detailedReason;
 }
@@ -78,13 +89,13 @@ const char* ExBase::getDetailedReason() const noexcept
 void ExBase::setReason(const char* text) noexcept
 {
     if (text != nullptr)
-        append(_reason, reasonSize, text);
+        append(_reason, _reasonLength, text);
 }
 
 void ExBase::setFileName(const char* name) noexcept
 {
     if (name != nullptr)
-        append(_fileName, fileNameSize, name);
+        append(_fileName, _fileNameLength, name);
 }
 
 ExInternalError::ExInternalError(const char* file, int line, const char* text)

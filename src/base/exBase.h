@@ -66,11 +66,16 @@ protected:
 
 private:
     void setFileName(const char* name) noexcept;
+    void copyTexts(const ExBase& other) noexcept;
 
     mutable char _detailedReason[reasonSize];
     char _reason[reasonSize];
     char _fileName[fileNameSize];
     std::int32_t _lineNo;
+    // The lengths of the texts, so that a copy need not look for their ends.
+    mutable std::uint16_t _detailedLength = 0;
+    std::uint16_t _reasonLength = 0;
+    std::uint16_t _fileNameLength = 0;
 };
 
 /// What every concrete exception adds to its standard base and its family: `what()` gives the

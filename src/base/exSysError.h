@@ -3,11 +3,11 @@
 /// @file
 /// Exceptions that carry an error of the system.
 ///
-/// Build one immediately after the failing call, before anything else can change the thread's error
-/// state:
+/// Build or raise one immediately after the failing call, before anything else can change the
+/// thread's error state:
 /// @code
 /// if (std::rename(from, to) != 0)
-///     Kr::raise(Kr::ExSysErrorANSI(KR_HERE));
+///     Kr::raise<Kr::ExSysErrorANSI>(KR_HERE);
 /// @endcode
 
 #include <base/exBase.h>
@@ -42,7 +42,8 @@ private:
 };
 
 /// An error of the operating system: the calling thread's last error code and the system's message
-/// for it, less at most two trailing line-break characters.
+/// for it, less at most two trailing line-break characters; "Unknown system error %lu." with the
+/// code when the system has none.
 class KR_BASE_API ExSysErrorWindows : public ExSysError
 {
 public:

@@ -21,7 +21,7 @@ void OsEnv::putVariable(const char* assignment)
     KR_ASSERT(assignment != nullptr);
     KR_ASSERT(*assignment != '=' && std::strchr(assignment, '=') != nullptr);
     if (_putenv(assignment) != 0)
-        raise(ExSysErrorANSI(KR_HERE));
+        raise<ExSysErrorANSI>(KR_HERE);
 }
 
 char** OsEnv::getBlock()

@@ -85,8 +85,15 @@ private:
 } // namespace Kr
 
 /// The position of this line, as the two arguments (file, line) that every exception begins with:
-/// `Kr::raise(Kr::InEx::ExDependencyCycle(KR_HERE))`.
+/// `Kr::raise<Kr::InEx::ExDependencyCycle>(KR_HERE)`. The file's name is made by the compiler and
+/// lives as long as the module.
 #define KR_HERE KR_HERE_AT(__LINE__)
 
 /// The same with a line of the caller's, for the raises whose line number is part of the interface.
-#define KR_HERE_AT(line) ::Kr::SourceName(__FILE__).getChars(), (line)
+#define KR_HERE_AT(line)                                                                           \
+    []() noexcept                                                                                  \
+    {                                                                                              \
+        static constexpr ::Kr::SourceName krSourceName(__FILE__);                                  \
+        return krSourceName.getChars();                                                            \
+    }(),                                                                                           \
+        (line)

@@ -1,48 +1,147 @@
 #pragma once
 
 /// @file
-/// The trace: it sees every exception before it is raised.
+/// Raising, and the trace that sees every exception before it is raised.
 ///
-/// Raise with `Kr::raise`, so that no raise forgets the trace:
+/// Raise with `Kr::raise`, so that no raise forgets the trace; it builds the exception from the
+/// position and the exception's own arguments:
 /// @code
-/// Kr::raise(Viewer::ExNoDisplay(KR_HERE));
+/// if (display == nullptr)
+///     Kr::raise<Viewer::ExNoDisplay>(KR_HERE, displayName);
 /// @endcode
+/// What the built-in trace does is set by the environment variable `KR_TRACE_OPTIONS`, which is
+/// read once, at the first raise. It holds words separated by commas:
+///
+/// | word         | effect                                                                       |
+/// |--------------|------------------------------------------------------------------------------|
+/// | `none`       | nothing, as when the variable is not set                                     |
+/// | `exceptions` | prints every exception with its detailed reason on standard error            |
+/// | `history`    | lists the last raises on standard error when the program terminates through  |
+/// |              | `std::terminate`, as it does for an exception that nobody catches            |
+///
+/// An unknown word is reported on standard output and skipped.
+///
+/// Whatever the options, the last 32 raises are kept. A program lists them where it reports that
+/// something went wrong:
+/// @code
+/// catch (const std::exception& error)
+/// {
+///     std::cerr << error.what() << "; before that:\n";
+///     Kr::TraceManager::getInstance().listRaises(std::cerr);
+/// }
+/// @endcode
+/// Nothing here is ever constructed or destroyed at run time, so exceptions can be raised by static
+/// objects too, early and late. Nothing locks, allocates or throws, and any thread may call it.
 
 #include <base/exBase.h>
 #include <base/krBaseApi.h>
 #include <base/sourcePosition.h>
 
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <iosfwd>
+
 namespace Kr
 {
 
-/// Receives every exception, before it is thrown, with the position of the raise. May be called by
-/// any thread at any time, also during static destruction.
+/// Receives every exception, before it is thrown, with the position of the raise. This class is the
+/// built-in trace; a program derives from it to see the exceptions itself:
+/// @code
+/// class CountingTrace : public Kr::Trace
+/// {
+/// public:
+///     void printException(const Kr::ExBase& exception, const char* file,
+///                         int line) noexcept override
+///     {
+///         ++count;
+///         Trace::printException(exception, file, line);
+///     }
+///     std::atomic<int> count{0};
+/// };
+/// @endcode
+/// Pitfalls: it is called by any thread at any time, by several at once, also while static objects
+/// are destroyed. An operation that raises again from within calls itself without end.
 class KR_BASE_API Trace
 {
 public:
+    constexpr Trace() noexcept = default;
+    Trace(const Trace&) = delete;
+    Trace& operator=(const Trace&) = delete;
     virtual ~Trace();
 
-    /// Must return normally.
+    /// Does what `KR_TRACE_OPTIONS` asks for. `errno` is left as it was. Printing formats, and so
+    /// freezes, the exception's detailed reason.
     virtual void printException(const ExBase& exception, const char* file, int line) noexcept;
 };
 
-/// The process's one trace.
+/// The process's one trace, and its memory of the last raises.
 class KR_BASE_API TraceManager
 {
 public:
+    /// How many raises are kept.
+    static constexpr std::size_t historySize = 32;
+    /// The sizes of the texts kept of a raise, their terminators included; longer texts are cut.
+    static constexpr std::size_t typeSize = 128;
+    static constexpr std::size_t fileSize = 128;
+    static constexpr std::size_t reasonSize = 256;
+
+    /// One raise. Its texts hold for as long as the visit of it lasts.
+    struct Raise
+    {
+        const char* type; ///< `type_info::name()` of the exception
+        const char* file; ///< the exception's own position
+        std::int32_t line;
+        const char* reason;
+        std::uint32_t thread; ///< the operating system's number of the raising thread
+        std::chrono::system_clock::time_point time;
+    };
+    using RaiseVisitor = void (*)(const Raise& raise, void* context);
+
     static TraceManager& getInstance() noexcept;
 
-    Trace& getTrace() noexcept;
+    Trace& getTrace() const noexcept;
 
-    /// Installs a trace and returns the previous one. The manager does not own either.
+    /// Installs a trace and returns the previous one. The manager owns neither. Mind that a thread
+    /// that is raising at this moment may still be inside the previous trace.
     Trace& setTrace(Trace& trace) noexcept;
 
-    /// What `raise` does before it throws: keeps the raise in the history, then hands it to the
-    /// trace.
+    /// Visits the last raises, the oldest first, without allocating. A raise that another thread is
+    /// recording at this moment is left out.
+    void visitRaises(RaiseVisitor visitor, void* context) const;
+
+    /// Writes the last raises, the oldest first, one to a line: time (UTC), thread, position, type
+    /// and reason.
+    void listRaises(std::ostream& os) const;
+
+    /// What `raise` does before it throws: keeps the raise in the history, then hands the exception
+    /// to the trace with the given position.
     void reportException(const ExBase& exception, const char* file, int line) noexcept;
+
+private:
+    static std::uint32_t performGetThread() noexcept;
 };
 
-/// Hands the exception to the trace, with the given position, and throws a copy of it.
+/// Builds the exception where the throw wants it, so that nothing has to be copied. For `raise`.
+template <class Exception, class... Arguments>
+Exception buildReported(const char* file, int line, const Arguments&... arguments)
+{
+    Exception exception(file, line, arguments...);
+    TraceManager::getInstance().reportException(exception, file, line);
+    return exception;
+}
+
+/// Builds an exception, hands it to the trace and throws it: `raise<Exception>(KR_HERE, ...)`.
+template <class Exception, class... Arguments>
+[[noreturn, gnu::always_inline]] inline void raise(const char* file, int line,
+                                                   const Arguments&... arguments)
+{
+    // Inline, because each frame that a throw has to leave costs as much as everything above.
+    throw buildReported<Exception>(file, line, arguments...);
+}
+
+/// Hands an exception that exists already to the trace, with the given position, and throws a copy
+/// of it.
 template <class Exception>
 [[noreturn]] void raise(const Exception& exception, const char* file, int line)
 {

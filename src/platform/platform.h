@@ -67,6 +67,9 @@ void SetLastError(DWORD code) noexcept;
 DWORD FormatMessageA(DWORD flags, const void* source, DWORD code, DWORD language, char* buffer,
                      DWORD size, void* arguments) noexcept;
 
+/// The kernel's number of the calling thread.
+DWORD GetCurrentThreadId() noexcept;
+
 /// For the other sources of this folder: the code of the system that an `errno` value stands for.
 DWORD krErrorFromErrno(int error) noexcept;
 

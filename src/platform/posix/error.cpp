@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include <unistd.h>
+
 namespace
 {
 
@@ -82,6 +84,13 @@ DWORD GetLastError() noexcept
 void SetLastError(DWORD code) noexcept
 {
     lastError = code;
+}
+
+DWORD GetCurrentThreadId() noexcept
+{
+    thread_local const auto id =
+        static_cast<DWORD>(::gettid()); // asked for once: it is a system call
+    return id;
 }
 
 DWORD krErrorFromErrno(int error) noexcept
