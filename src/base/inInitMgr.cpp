@@ -1,0 +1,383 @@
+#include <base/inInitMgr.h>
+
+#include <base/assert.h>
+#include <base/inContextAliasMgrBase.h>
+#include <base/inEx.h>
+#include <base/inInitDebug.h>
+#include <base/inInitMgrState.h>
+#include <base/inVariableBase.h>
+#include <base/osEnv.h>
+#include <base/trace.h>
+
+#include <algorithm>
+#include <cassert>
+#include <cstring>
+#include <iostream>
+
+namespace Kr
+{
+
+namespace
+{
+
+/// Appends copies of the arguments to the list, or leaves the list as it is when it raises.
+void copyArguments(int argc, const char* const* argv)
+{
+    KR_ASSERT(argc >= 0);
+    KR_ASSERT(argc == 0 || argv != nullptr);
+    std::vector<std::unique_ptr<char[]>> copies;
+    for (int i = 0; i < argc; ++i)
+    {
+        KR_ASSERT(argv[i] != nullptr);
+        const std::size_t size = std::strlen(argv[i]) + 1;
+        copies.emplace_back(new char[size]);
+        std::memcpy(copies.back().get(), argv[i], size);
+    }
+    Vector<char*>& arguments = InContextAliasMgrBase::args();
+    arguments.reserve(arguments.size() + copies.size());
+    for (std::unique_ptr<char[]>& copy : copies)
+        arguments.push_back(copy.release());
+}
+
+void releaseArguments()
+{
+    Vector<char*>& arguments = InContextAliasMgrBase::args();
+    for (const char* argument : arguments)
+        delete[] argument;
+    arguments.clear();
+    assert(InContextAliasMgrBase::args().size() == 0); // NOLINT(readability-container-size-empty)
+}
+
+/// Sets a flag for its scope.
+class ScopedFlag
+{
+public:
+    explicit ScopedFlag(bool& flag)
+        : _flag(flag)
+        , _previous(flag)
+    {
+        _flag = true;
+    }
+    ScopedFlag(const ScopedFlag&) = delete;
+    ScopedFlag& operator=(const ScopedFlag&) = delete;
+    ~ScopedFlag() { _flag = _previous; }
+
+private:
+    bool& _flag;
+    const bool _previous;
+};
+
+const std::type_info& typeOf(const InPackageInit& package)
+{
+    return typeid(package);
+}
+
+} // namespace
+
+// The manager
+
+InInitMgr& InInitMgr::getInstance()
+{
+    static InInitMgr manager;
+    return manager;
+}
+
+InInitMgr::InInitMgr()
+    : _state(new State)
+{
+}
+
+InInitMgr::~InInitMgr() = default;
+
+void InInitMgr::initialize(int& argc, const char* const*& argv)
+{
+    copyArguments(argc, argv);
+    argc = 0;
+    argv = nullptr;
+    _state->initializeNewPackages();
+}
+
+void InInitMgr::finalize()
+{
+    InVariableBase::clearPendingOverrides();
+    releaseArguments();
+    if (!_state->_initCalled)
+        raise(InEx::ExFinaliseBeforeInit(KR_HERE));
+    if (_state->_finalized)
+        raise(InEx::ExDoubleFinalise(KR_HERE));
+    _state->stopPackages();
+    _state->_finalized = true;
+}
+
+bool InInitMgr::isInitializing() const
+{
+    return _state->_initializing;
+}
+
+bool InInitMgr::isFinalizing() const
+{
+    return _state->_finalizing;
+}
+
+const char* InInitMgr::getEnv(const char* name)
+{
+    return getInstance()._state->_environment.get(name);
+}
+
+void InInitMgr::registerPackage(InPackageInit& package)
+{
+    if (_state->_initCalled && _state->_reinitCount == 0)
+        raise(InEx::ExReinitWithoutGuard(KR_HERE));
+    if (!isInitialized(typeOf(package)))
+        _state->_newPackages.push_back({&package});
+}
+
+void InInitMgr::unregisterPackage(const InPackageInit& package)
+{
+    _state->forgetPackage(package);
+}
+
+bool InInitMgr::isInitialized(const std::type_info& type) const
+{
+    return _state->isInitialized(type);
+}
+
+void InInitMgr::incReinitCount()
+{
+    ++_state->_reinitCount;
+}
+
+void InInitMgr::decReinitCount()
+{
+    std::int32_t& _reinitCount = _state->_reinitCount; // named as the assertion reports it
+#ifdef NDEBUG
+    --_reinitCount;
+#else
+    assert(--_reinitCount >= 0);
+#endif
+    if (_reinitCount == 0)
+        _state->initializeNewPackages();
+}
+
+// Its state
+
+InInitMgr::State::State()
+    : _environment(OsEnv::getBlock(), std::cerr)
+{
+}
+
+void InInitMgr::State::initializeNewPackages()
+{
+    _initCalled = true;
+    while (!_newPackages.empty())
+    {
+        takeUpNewPackages();
+        buildMatrix();
+        closeMatrix();
+        if (_cycle)
+            raise(InEx::ExDependencyCycle(KR_HERE));
+        orderPackages();
+        saveNewPackages();
+        startPackages();
+    }
+}
+
+/// Each type once, in the order of the names.
+void InInitMgr::State::takeUpNewPackages()
+{
+    _packagesToInit = _newPackages;
+    _newPackages.clear();
+    const auto typeBefore = [](const PackageEntry& left, const PackageEntry& right)
+    { return typeOf(*left.package).before(typeOf(*right.package)); };
+    const auto typeEqual = [](const PackageEntry& left, const PackageEntry& right)
+    { return typeOf(*left.package) == typeOf(*right.package); };
+    const auto nameBefore = [](const PackageEntry& left, const PackageEntry& right)
+    { return std::strcmp(left.package->getName(), right.package->getName()) < 0; };
+
+    std::sort(_packagesToInit.begin(), _packagesToInit.end(), typeBefore);
+    _packagesToInit.erase(std::unique(_packagesToInit.begin(), _packagesToInit.end(), typeEqual),
+                          _packagesToInit.end());
+    std::sort(_packagesToInit.begin(), _packagesToInit.end(), nameBefore);
+}
+
+void InInitMgr::State::buildMatrix()
+{
+    _cycle = false;
+    _nbPckgs = static_cast<std::int32_t>(_packagesToInit.size());
+    _dependencyMatrix = InDependencyMatrix(_packagesToInit.size());
+    reportPackagesToInit();
+    std::unordered_map<std::type_index, std::size_t> indices;
+    for (std::size_t i = 0; i < _packagesToInit.size(); ++i)
+        indices.emplace(typeOf(*_packagesToInit[i].package), i);
+    for (std::size_t i = 0; i < _packagesToInit.size(); ++i)
+        setDependencies(i, indices);
+}
+
+void InInitMgr::State::setDependencies(
+    std::size_t index, const std::unordered_map<std::type_index, std::size_t>& indices)
+{
+    PackageEntry& entry = _packagesToInit[index];
+    for (const std::type_info* type : entry.package->getDependencies())
+    {
+        const auto needed = indices.find(*type);
+        if (needed == indices.end())
+            raise(InEx::ExPackageNotRegistered(KR_HERE, type->name()));
+        _dependencyMatrix.set(index, needed->second);
+        ++entry._nbDependencies; // on purpose once for each listing, also of the same package
+    }
+}
+
+void InInitMgr::State::closeMatrix()
+{
+    assert(!_cycle);
+    const std::vector<std::int32_t> indirect = _dependencyMatrix.close();
+    for (std::size_t i = 0; i < _packagesToInit.size(); ++i)
+        _packagesToInit[i]._nbDependencies += indirect[i];
+    _cycle = _dependencyMatrix.hasCycle();
+}
+
+void InInitMgr::State::orderPackages()
+{
+    assert(!_cycle);
+    std::stable_sort(_packagesToInit.begin(), _packagesToInit.end(),
+                     [](const PackageEntry& left, const PackageEntry& right)
+                     { return left._nbDependencies < right._nbDependencies; });
+    _dependencyMatrix = InDependencyMatrix();
+}
+
+void InInitMgr::State::saveNewPackages()
+{
+    for (const PackageEntry& entry : _packagesToInit)
+    {
+        const std::type_info& type = typeOf(*entry.package);
+        const std::int32_t index = indexOfSaved(type);
+        if (index != -1 && _savedPackages[static_cast<std::size_t>(index)].initialized)
+            continue;
+        if (index != -1) // left by a pass that failed: it takes its place in the order anew
+            forgetSaved(static_cast<std::size_t>(index));
+        _savedByType.emplace(type, static_cast<std::int32_t>(_savedPackages.size()));
+        _savedPackages.push_back({entry, &type});
+    }
+}
+
+void InInitMgr::State::startPackages()
+{
+    const ScopedFlag initializing(_initializing);
+    Run run;
+    run.entries = _packagesToInit;
+    _runs.push_back(&run);
+    try
+    {
+        while (run.next < run.entries.size())
+            startPackage(PackageEntry(run.entries[run.next++]));
+    }
+    catch (...)
+    {
+        _runs.pop_back();
+        throw;
+    }
+    _runs.pop_back();
+    // A pass that ran inside a start routine gives way again to the one around it.
+    _packagesToInit = _runs.empty() ? Entries() : _runs.back()->entries;
+}
+
+void InInitMgr::State::startPackage(const PackageEntry& entry)
+{
+    const std::type_info& type = typeOf(*entry.package);
+    if (isInitialized(type)) // by a start routine before this one
+        return;
+    try
+    {
+        entry.package->initialize();
+    }
+    catch (...)
+    {
+        recordStart(entry, true);
+        throw;
+    }
+    recordStart(entry, false);
+    const std::int32_t index = indexOfSaved(type);
+    assert(index != -1);
+    _savedPackages[static_cast<std::size_t>(index)].initialized = true;
+}
+
+void InInitMgr::State::recordStart(const PackageEntry& entry, bool failed)
+{
+    _startRecords.push_back(
+        {entry.package->getName(), entry._nbDependencies, entry.package->getStartTimes(), failed});
+}
+
+/// An entry counts as stopped before its stop routine runs, so that none is stopped twice when a
+/// routine raises and the caller tries again.
+void InInitMgr::State::stopPackages()
+{
+    const ScopedFlag finalizing(_finalizing);
+    for (std::size_t i = _savedPackages.size(); i-- > 0;)
+    {
+        if (i >= _savedPackages.size() || !_savedPackages[i].initialized)
+            continue; // stopping a package may unload libraries, and so shorten the list
+        _savedPackages[i].initialized = false;
+        _savedPackages[i].package->finalize();
+    }
+    _savedPackages.clear();
+    _savedByType.clear();
+}
+
+void InInitMgr::State::forgetPackage(const InPackageInit& package)
+{
+    const auto isIt = [&package](const PackageEntry& entry) { return entry.package == &package; };
+
+    _newPackages.erase(std::remove_if(_newPackages.begin(), _newPackages.end(), isIt),
+                       _newPackages.end());
+    const auto waiting = std::find_if(_packagesToInit.begin(), _packagesToInit.end(), isIt);
+    if (waiting != _packagesToInit.end())
+    {
+        if (_dependencyMatrix.getSize() == _packagesToInit.size())
+            _dependencyMatrix.remove(static_cast<std::size_t>(waiting - _packagesToInit.begin()));
+        _packagesToInit.erase(waiting);
+    }
+    const auto saved = std::find_if(_savedPackages.begin(), _savedPackages.end(), isIt);
+    if (saved != _savedPackages.end())
+        forgetSaved(static_cast<std::size_t>(saved - _savedPackages.begin()));
+    for (Run* run : _runs)
+    {
+        const auto coming = std::find_if(run->entries.begin(), run->entries.end(), isIt);
+        if (coming == run->entries.end())
+            continue;
+        if (static_cast<std::size_t>(coming - run->entries.begin()) < run->next)
+            --run->next;
+        run->entries.erase(coming);
+    }
+}
+
+void InInitMgr::State::forgetSaved(std::size_t index)
+{
+    _savedByType.erase(*_savedPackages[index].type);
+    _savedPackages.erase(_savedPackages.begin() + static_cast<std::ptrdiff_t>(index));
+    for (std::size_t i = index; i < _savedPackages.size(); ++i)
+        _savedByType[*_savedPackages[i].type] = static_cast<std::int32_t>(i);
+}
+
+std::int32_t InInitMgr::State::indexOfSaved(const std::type_info& type) const
+{
+    const auto found = _savedByType.find(type);
+    return found != _savedByType.end() ? found->second : -1;
+}
+
+bool InInitMgr::State::isInitialized(const std::type_info& type) const
+{
+    const std::int32_t index = indexOfSaved(type);
+    return index != -1 && _savedPackages[static_cast<std::size_t>(index)].initialized;
+}
+
+void InInitMgr::State::reportPackagesToInit() const
+{
+    if (!isInitDebugEnabled())
+        return;
+    std::cerr << "-->_nbPckgs:" << _nbPckgs << std::endl;
+    for (std::size_t i = 0; i < _packagesToInit.size(); ++i)
+        std::cerr << "_packagesToInit[" << i << "]: " << _packagesToInit[i].package->getName()
+                  << std::endl;
+}
+
+} // namespace Kr
