@@ -1,0 +1,123 @@
+#pragma once
+
+/// @file
+/// Initialisation variables: the typed settings of a package.
+///
+/// A variable is a static object in the source of its package, below the package's object. It has a
+/// handle that is unique in the process, a default and a line of help:
+/// @code
+/// static Kr::InInit<KrInit::viewer> viewerPackage;
+///
+/// static Kr::InVariable<std::int32_t> samples(viewerPackage, "viewer.samples", 4,
+///                                             "Samples per pixel", {1, 64});
+/// static Kr::InVariable<bool> vsync(viewerPackage, "viewer.vsync", true, "Wait for the display");
+/// static Kr::InVariable<Shading> shading(viewerPackage, "viewer.shading", Shading::Smooth,
+///                                        "How surfaces are shaded",
+///                                        {{"flat", Shading::Flat}, {"smooth", Shading::Smooth}});
+///
+/// void KrInit::viewer::start() { openDisplay(samples.getValue(), vsync.getValue()); }
+/// @endcode
+///
+/// When the package starts, each of its variables takes its value from the first of these that
+/// gives one:
+/// 1. an override that code made beforehand (`setOverride`);
+/// 2. the command line: `--viewer.samples=8` or `--viewer.samples 8`, and for a `bool`
+///    `--viewer.vsync`, `--no-viewer.vsync` or `--viewer.vsync=off`. The value in the next word may
+///    begin with one dash but not with two. When an option is repeated the last one wins;
+/// 3. the environment, as it was when the process began;
+/// 4. the default.
+///
+/// A variable has an environment name and shorter options when a context alias gives them
+/// (inContextAlias.h). The forms of the values are those of `InValueForm`; a number takes an
+/// inclusive range, an enumeration its names.
+///
+/// Pitfalls: a variable must be constructed after its package and destroyed before it, which holds
+/// when it stands below it in the same source; a variable in another source names the package by a
+/// function that holds it as a local static. Variables that are constructed after their package has
+/// started never start. Reading is free of locks and may be done by any thread while the package is
+/// up; everything else is not for use by several threads.
+
+#include <base/inNamedVariable.h>
+#include <base/inValueForm.h>
+#include <base/krBaseApi.h>
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+namespace Kr
+{
+
+/// @tparam T `bool`, `std::int32_t`, `std::uint32_t`, `std::int64_t`, `std::uint64_t`, `double`,
+///         `std::string` or an enumeration
+template <class T>
+class InVariable : public InNamedVariable
+{
+public:
+    /// @param package the package that the variable belongs to
+    /// @param handle a name without "=", such as "viewer.samples"; copied
+    /// @param defaultValue when the form does not allow it, the variable has to be given: without
+    ///        another source, reading it raises
+    /// @param help one line on what the setting means; copied
+    /// @param form what values are valid and how they are written
+    ///
+    /// Raises `InEx::ExHandleAlreadyInUse`, and `ExInternalError` when the handle is null, empty or
+    /// holds "=".
+    InVariable(InPackageInitBase& package, const char* handle, T defaultValue, const char* help,
+               InValueForm<T> form = {})
+        : InNamedVariable(package, handle, help)
+        , _form(std::move(form))
+        , _default(std::move(defaultValue))
+        , _value(_default)
+    {
+    }
+
+    /// The value. Raises `InEx::ExUninitializedObject` unless the package is starting or up, and
+    /// `InEx::ExInvalidObject` when the start found no valid value.
+    const T& getValue() const
+    {
+        checkReadable();
+        return _value;
+    }
+
+    const T& getDefault() const noexcept { return _default; }
+
+    /// Gives the variable its value ahead of every other source. A value that the form does not
+    /// allow raises when the package starts. Raises `InEx::ExVariableAlreadyInitialized` when it
+    /// has started.
+    void setOverride(const T& value)
+    {
+        InVariableBase::setOverride(getHandle(), _form.write(value).c_str());
+    }
+
+private:
+    bool isFlag() const override { return std::is_same_v<T, bool>; }
+    bool isWellFormed(std::string_view text) const override
+    {
+        T ignored{};
+        return _form.parse(text, ignored);
+    }
+    void setValueText(std::string_view text) override { _form.parse(text, _value); }
+    bool setDefault() override
+    {
+        _value = _default;
+        return _form.isValid(_default);
+    }
+    std::string getValueText() const override { return _form.write(_value); }
+    std::string getDefaultText() const override { return _form.write(_default); }
+    std::string getExpectedForm() const override { return _form.getExpected(); }
+
+    InValueForm<T> _form;
+    T _default;
+    T _value;
+};
+
+extern template class KR_BASE_API InVariable<bool>;
+extern template class KR_BASE_API InVariable<std::int32_t>;
+extern template class KR_BASE_API InVariable<std::uint32_t>;
+extern template class KR_BASE_API InVariable<std::int64_t>;
+extern template class KR_BASE_API InVariable<std::uint64_t>;
+extern template class KR_BASE_API InVariable<double>;
+extern template class KR_BASE_API InVariable<std::string>;
+
+} // namespace Kr

@@ -1,0 +1,43 @@
+#include <base/inVariableEx.h>
+
+#include <cstdio>
+
+namespace Kr
+{
+
+namespace
+{
+
+constexpr int cut = 256;
+constexpr std::size_t textSize = 4 * cut + 128; // four texts and the words around them
+
+} // namespace
+
+InVariableEx::InVariableEx(const char* file, int line) noexcept
+    : InEx(file, line)
+{
+}
+
+InVariableEx::ExMalformedValue::ExMalformedValue(const char* file, int line, const char* handle,
+                                                 const char* text, const char* source,
+                                                 const char* expected)
+    : ExConcrete(file, line)
+{
+    char reason[textSize];
+    std::snprintf(reason, sizeof reason,
+                  "Variable '%.*s': the value '%.*s' of %.*s is malformed, expected %.*s.", cut,
+                  handle, cut, text, cut, source, cut, expected);
+    setReason(reason);
+}
+
+InVariableEx::ExMissingValue::ExMissingValue(const char* file, int line, const char* handle,
+                                             const char* source, const char* expected)
+    : ExConcrete(file, line)
+{
+    char reason[textSize];
+    std::snprintf(reason, sizeof reason, "Variable '%.*s': %.*s needs a value, %.*s.", cut, handle,
+                  cut, source, cut, expected);
+    setReason(reason);
+}
+
+} // namespace Kr

@@ -1,0 +1,42 @@
+#pragma once
+
+/// @file
+/// What is wrong with a value that someone gave to an initialisation variable. Every text in a
+/// reason is cut at 256 characters.
+
+#include <base/inEx.h>
+
+namespace Kr
+{
+
+class KR_BASE_API InVariableEx : public InEx
+{
+public:
+    class ExMalformedValue;
+    class ExMissingValue;
+
+protected:
+    InVariableEx(const char* file, int line) noexcept;
+};
+
+/// "Variable '%.*s': the value '%.*s' of %.*s is malformed, expected %.*s.": the handle, the text,
+/// the source and the form that the variable takes.
+class KR_BASE_API InVariableEx::ExMalformedValue
+    : public ExConcrete<InVariableEx::ExMalformedValue, std::runtime_error, InVariableEx>
+{
+public:
+    ExMalformedValue(const char* file, int line, const char* handle, const char* text,
+                     const char* source, const char* expected);
+};
+
+/// "Variable '%.*s': %.*s needs a value, %.*s.": the handle, the option and the form that the
+/// variable takes.
+class KR_BASE_API InVariableEx::ExMissingValue
+    : public ExConcrete<InVariableEx::ExMissingValue, std::runtime_error, InVariableEx>
+{
+public:
+    ExMissingValue(const char* file, int line, const char* handle, const char* source,
+                   const char* expected);
+};
+
+} // namespace Kr
