@@ -1,0 +1,38 @@
+# The installed package: headers below include/libKRbase, the library, a CMake package and a
+# pkg-config file. On Windows the compiler's runtime DLLs go beside the library.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS base EXPORT KRbaseTargets
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/src/base DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/libKRbase
+    FILES_MATCHING PATTERN "*.h" PATTERN "*.imp" PATTERN "*.inline")
+if(WIN32)
+    install(FILES ${KR_RUNTIME_DLLS} DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/KRbase)
+install(EXPORT KRbaseTargets NAMESPACE Kr:: DESTINATION ${package_dir})
+configure_package_config_file(cmake/KRbaseConfig.cmake.in ${CMAKE_BINARY_DIR}/KRbaseConfig.cmake
+    INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/KRbaseConfigVersion.cmake
+    COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/KRbaseConfig.cmake ${CMAKE_BINARY_DIR}/KRbaseConfigVersion.cmake
+    DESTINATION ${package_dir})
+
+# The prefix is relative to the file, so that an unpacked or moved package still works.
+file(RELATIVE_PATH KR_PREFIX_FROM_PC "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+configure_file(cmake/KRbase.pc.in ${CMAKE_BINARY_DIR}/KRbase.pc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/KRbase.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+set(CPACK_PACKAGE_NAME libKRbase)
+set(CPACK_PACKAGE_VENDOR "libKRbase")
+set(CPACK_PACKAGE_DIRECTORY ${CMAKE_SOURCE_DIR}/build/package)
+set(CPACK_GENERATOR TGZ)
+if(WIN32)
+    set(CPACK_GENERATOR ZIP)
+    set(CPACK_SYSTEM_NAME windows-x86)
+endif()
+set(CPACK_STRIP_FILES ON)
+include(CPack)
