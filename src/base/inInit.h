@@ -54,7 +54,7 @@ public:
     InInit();
 
     /// The identity under which other packages need this one.
-    static const std::type_info* getType() { return &typeid(InInit); }
+    static const std::type_info* getType();
 
     /// Whether the package is up.
     static bool isInitialized();
