@@ -26,7 +26,7 @@ file(MAKE_DIRECTORY ${bin})
 set(suffix "")
 if(TOOLCHAIN)
     set(suffix .exe)
-    set(toolchain -DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN} -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=BOTH)
+    set(toolchain -DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN})
 endif()
 
 run("find_package: configure" ${CMAKE_COMMAND} -S ${SOURCE} -B ${SCRATCH}/consumer -G Ninja
