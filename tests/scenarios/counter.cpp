@@ -1,0 +1,79 @@
+// The hardware counter in a process of its own: its first use, and that it allocates nothing.
+
+#include "scenario.h"
+
+#include <base/hwCounter.h>
+#include <base/hwIntervalTimer.h>
+#include <base/osCpuInfo.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+#include <thread>
+#include <vector>
+
+namespace
+{
+
+std::atomic<long> allocations{0};
+
+/// Nothing has started the library; several threads want the counter at once.
+void firstUse()
+{
+    std::atomic<int> waiting{4};
+    std::atomic<int> backwards{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back(
+            [&]
+            {
+                --waiting;
+                while (waiting != 0)
+                    std::this_thread::yield();
+                const unsigned long long first = Kr::HwCounter::timeStamp();
+                if (Kr::HwCounter::timeStamp() < first)
+                    ++backwards;
+            });
+    for (std::thread& thread : threads)
+        thread.join();
+    SCENARIO_CHECK(backwards == 0);
+    SCENARIO_CHECK(Kr::HwCounter::getRateNumerator() > 0);
+    SCENARIO_CHECK(Kr::OsCpuInfo::getHwCounterFrequency() != 0);
+}
+
+void noAllocation()
+{
+    Kr::HwIntervalTimer timer;
+    const long before = allocations;
+    timer.start();
+    timer.stop();
+    const double seconds = timer.timeInterval() + timer.sinceStart() + Kr::HwCounter::seconds();
+    SCENARIO_CHECK(seconds > 0.);
+    SCENARIO_CHECK(allocations == before);
+}
+
+} // namespace
+
+void* operator new(std::size_t size)
+{
+    ++allocations;
+    if (void* memory = std::malloc(size))
+        return memory;
+    throw std::bad_alloc();
+}
+
+void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+int main(int argc, char** argv)
+{
+    const Scenario::Case cases[] = {{"firstUse", firstUse}, {"noAllocation", noAllocation}};
+    return Scenario::run(cases, argc, argv);
+}
