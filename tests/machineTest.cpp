@@ -351,8 +351,8 @@ TEST(Counter, NeverRunsBackwards)
     EXPECT_GT(previous, first);
 }
 
-/// Hands the turn round three threads, which the system spreads over the cores; every stamp is
-/// taken after the one before it was handed over.
+/// Every thread takes its stamp after the one before it has handed its own over, on whatever core the
+/// system puts it.
 TEST(Counter, AgreesAcrossThreads)
 {
     unsigned long long previous = HwCounter::timeStamp();
