@@ -1,7 +1,6 @@
 #include <base/osCpuInfoWinNT.h>
 
 #include <base/exSysError.h>
-#include <base/sourcePosition.h>
 #include <base/trace.h>
 #include <platform/platform.h>
 
@@ -188,7 +187,7 @@ void OsCpuInfo::initialize()
     OsCpuInfoWinNT::getFeatures(processor, &_hasMMX, &_hasSSE);
     LARGE_INTEGER frequency;
     if (QueryPerformanceFrequency(&frequency) == 0)
-        raise(ExSysErrorANSI(KR_HERE_AT(350)));
+        raise<ExSysErrorANSI>(KR_HERE_AT(350));
     _hwCounterFrequency = static_cast<std::uint64_t>(frequency.QuadPart);
     assert(_hwCounterFrequency != 0);
 }
@@ -205,7 +204,7 @@ unsigned long long OsCpuInfo::getHwCounterValue()
 {
     LARGE_INTEGER count;
     if (QueryPerformanceCounter(&count) == 0)
-        raise(ExSysErrorANSI(KR_HERE_AT(457)));
+        raise<ExSysErrorANSI>(KR_HERE_AT(457));
     return static_cast<unsigned long long>(count.QuadPart);
 }
 
