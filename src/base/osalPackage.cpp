@@ -1,5 +1,7 @@
 #include <base/inInit.imp>
 #include <base/krInitPackages.h>
+#include <base/osCpuInfo.h>
+#include <base/osMemoryArch.h>
 
 template class Kr::InInit<KrInit::osal>;
 
@@ -7,8 +9,11 @@ static Kr::InInit<KrInit::osal> package;
 
 void KrInit::osal::start()
 {
+    Kr::OsCpuInfo::initialize();
+    Kr::OsMemoryArch::getInstance();
 }
 
 void KrInit::osal::stop()
 {
+    Kr::OsCpuInfo::finalize();
 }

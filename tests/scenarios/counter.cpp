@@ -1,9 +1,11 @@
-// The hardware counter in a process of its own: its first use, and that it allocates nothing.
+// The hardware counter in a process of its own: its first use, that it allocates nothing,
+// and what start-up finds out about the machine.
 
 #include "scenario.h"
 
 #include <base/hwCounter.h>
 #include <base/hwIntervalTimer.h>
+#include <base/inInitGuard.h>
 #include <base/osCpuInfo.h>
 
 #include <atomic>
@@ -52,6 +54,19 @@ void noAllocation()
     SCENARIO_CHECK(allocations == before);
 }
 
+/// The package of the operating-system layer describes the machine.
+void startUp()
+{
+    SCENARIO_CHECK(!Kr::OsCpuInfo::hasSSE());
+    SCENARIO_CHECK(std::strcmp(Kr::OsCpuInfo::getTypeName(), "UNKNOWN") == 0);
+    int argc = 0;
+    const char* const* argv = nullptr;
+    const Kr::InInitGuard guard(argc, argv);
+    SCENARIO_CHECK(Kr::OsCpuInfo::hasSSE());
+    SCENARIO_CHECK(std::strcmp(Kr::OsCpuInfo::getTypeName(), "IA32") == 0);
+    SCENARIO_CHECK(Kr::OsCpuInfo::getHwCounterFrequency() != 0);
+}
+
 } // namespace
 
 void* operator new(std::size_t size)
@@ -74,6 +89,7 @@ void operator delete(void* memory, std::size_t) noexcept
 
 int main(int argc, char** argv)
 {
-    const Scenario::Case cases[] = {{"firstUse", firstUse}, {"noAllocation", noAllocation}};
+    const Scenario::Case cases[] = {
+        {"firstUse", firstUse}, {"noAllocation", noAllocation}, {"startUp", startUp}};
     return Scenario::run(cases, argc, argv);
 }
