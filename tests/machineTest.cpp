@@ -281,6 +281,11 @@ TEST(Counter, RateFitsIn31Bits)
     }
 }
 
+TEST(Counter, NoEngineWithoutARate)
+{
+    EXPECT_THROW(Kr::HwCounterEng::create(0), Kr::ExInternalError);
+}
+
 TEST(Counter, EngineInTextAndSeconds)
 {
     const Kr::HwCounterIA32 engine(1500000000, 1, 1);
@@ -351,8 +356,8 @@ TEST(Counter, NeverRunsBackwards)
     EXPECT_GT(previous, first);
 }
 
-/// Every thread takes its stamp after the one before it has handed its own over, on whatever core the
-/// system puts it.
+/// Every thread takes its stamp after the one before it has handed its own over, on whatever core
+/// the system puts it.
 TEST(Counter, AgreesAcrossThreads)
 {
     unsigned long long previous = HwCounter::timeStamp();

@@ -19,8 +19,8 @@
 /// it, loads above all, are still under way: some tens of ticks. Stamps that one thread takes do
 /// not run backwards; when one thread compares its stamp to another thread's, a difference below
 /// 100 nanoseconds says nothing about which came first. The rate of a counter that is measured
-/// differs by a few parts per million from one process to the next, so tick counts do not travel between
-/// processes; seconds do. See docs/clocks.md for where the ticks come from.
+/// differs by a few parts per million from one process to the next, so tick counts do not travel
+/// between processes; seconds do. See docs/clocks.md for where the ticks come from.
 
 #include <base/hwCounterEng.h>
 #include <base/krBaseApi.h>

@@ -1,14 +1,12 @@
 #include <base/hwCounterEng.h>
 
+#include <base/assert.h>
 #include <base/hwCounterIA32.h>
 #include <base/osCpuInfo.h>
 
 namespace Kr
 {
 
-HwCounterEng::HwCounterEng() = default;
-HwCounterEng::HwCounterEng(const HwCounterEng&) = default;
-HwCounterEng& HwCounterEng::operator=(const HwCounterEng&) = default;
 HwCounterEng::~HwCounterEng() = default;
 
 ObjPtrRet<HwCounterEng> HwCounterEng::create()
@@ -21,6 +19,7 @@ ObjPtrRet<HwCounterEng> HwCounterEng::create()
 
 ObjPtrRet<HwCounterEng> HwCounterEng::create(unsigned long long frequency)
 {
+    KR_ASSERT(frequency > 0);
     int shift = 0;
     for (; frequency >= 1ULL << 31; frequency >>= 1)
         ++shift;

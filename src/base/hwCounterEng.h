@@ -20,12 +20,12 @@ public:
     /// as it takes to stay below 2^31.
     static ObjPtrRet<HwCounterEng> create();
 
-    /// The same for a counter of `frequency` raw ticks per second.
+    /// The same for a counter of `frequency` raw ticks per second, above 0 (a failed assertion).
     static ObjPtrRet<HwCounterEng> create(unsigned long long frequency);
 
-    HwCounterEng();
-    HwCounterEng(const HwCounterEng&);
-    HwCounterEng& operator=(const HwCounterEng&);
+    HwCounterEng() = default;
+    HwCounterEng(const HwCounterEng&) = default;
+    HwCounterEng& operator=(const HwCounterEng&) = default;
     virtual ~HwCounterEng();
 
     /// The current tick count.

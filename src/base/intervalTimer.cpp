@@ -8,8 +8,6 @@ IntervalTimer::IntervalTimer(const char* name)
 {
 }
 
-IntervalTimer::IntervalTimer(const IntervalTimer&) = default;
-IntervalTimer& IntervalTimer::operator=(const IntervalTimer&) = default;
 IntervalTimer::~IntervalTimer() = default;
 
 const char* IntervalTimer::setName(const char* name)

@@ -19,8 +19,8 @@ namespace Kr
 class KR_BASE_API IntervalTimer
 {
 public:
-    IntervalTimer(const IntervalTimer&);
-    IntervalTimer& operator=(const IntervalTimer&);
+    IntervalTimer(const IntervalTimer&) = default;
+    IntervalTimer& operator=(const IntervalTimer&) = default;
     virtual ~IntervalTimer();
 
     virtual void start() = 0;

@@ -27,7 +27,7 @@ const char* OsCpuInfo::getTypeName()
     case UNKNOWN:
         return "UNKNOWN";
     }
-    assert(!"a processor type");
+    assert(MIPS <= _type && _type <= UNKNOWN);
     return "UNKNOWN";
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -122,7 +123,7 @@ std::uint64_t measureProcessorCounter() noexcept
     }
     const double ticks = static_cast<double>(last.ticks - first.ticks);
     const double nanoseconds = static_cast<double>(last.nanoseconds - first.nanoseconds);
-    return static_cast<std::uint64_t>(ticks * nanosecondsPerSecond / nanoseconds + 0.5);
+    return static_cast<std::uint64_t>(std::llround(ticks * nanosecondsPerSecond / nanoseconds));
 }
 
 // The choice between the two
