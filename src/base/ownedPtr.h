@@ -15,6 +15,7 @@ struct DeleteObject
     template <class T>
     static void destroy(T* object) noexcept
     {
+        static_assert(sizeof(T) != 0, "an incomplete type would be deleted without its destructor");
         delete object;
     }
 };
