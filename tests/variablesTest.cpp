@@ -1,0 +1,616 @@
+// Initialisation variables and context aliases, started by hand: no pass of the manager runs here,
+// so that aliases can be defined by each test. Scenarios of start-up are in
+// scenarios/variables.cpp.
+
+#include <base/inContextAlias.h>
+#include <base/inContextAliasMgrBase.h>
+#include <base/inEx.h>
+#include <base/inPackageInitBase.h>
+#include <base/inVariable.h>
+#include <base/inVariableEx.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <sstream>
+
+namespace
+{
+
+using testing::HasSubstr;
+
+enum class Shading
+{
+    Flat,
+    Smooth,
+    Secret // has no name
+};
+
+const Kr::InValueForm<Shading> shadingForm{
+    {"flat", Shading::Flat}, {"smooth", Shading::Smooth}, {"gouraud", Shading::Smooth}};
+
+class Package : public Kr::InPackageInitBase
+{
+public:
+    void addDependency(Kr::InVariableBase* variable) override { _variables.push_back(variable); }
+    void removeDependency(Kr::InVariableBase* variable) override
+    {
+        _variables.erase(std::find(_variables.begin(), _variables.end(), variable));
+    }
+    void start()
+    {
+        for (Kr::InVariableBase* variable : _variables)
+            variable->initialize();
+    }
+    std::size_t size() const { return _variables.size(); }
+
+private:
+    std::vector<Kr::InVariableBase*> _variables;
+};
+
+/// The command line for the time of its scope, "program" first.
+class CommandLine
+{
+public:
+    explicit CommandLine(const std::vector<std::string>& words)
+    {
+        append("program");
+        for (const std::string& word : words)
+            append(word);
+    }
+    CommandLine(const CommandLine&) = delete;
+    CommandLine& operator=(const CommandLine&) = delete;
+    ~CommandLine()
+    {
+        Kr::InVariableBase::clearPendingOverrides();
+        for (const char* word : Kr::InContextAliasMgrBase::args())
+            delete[] word;
+        Kr::InContextAliasMgrBase::args().clear();
+    }
+
+    static void append(const std::string& word)
+    {
+        char* const copy = new char[word.size() + 1];
+        std::memcpy(copy, word.c_str(), word.size() + 1);
+        Kr::InContextAliasMgrBase::args().push_back(copy);
+    }
+};
+
+std::vector<std::string> remainingWords()
+{
+    const Kr::Vector<char*> words = Kr::InContextAliasMgrBase::getRemainingWords();
+    return {words.begin(), words.end()};
+}
+
+template <class Exception, class Action>
+std::string reasonOf(Action action)
+{
+    try
+    {
+        action();
+    }
+    catch (const Exception& error)
+    {
+        return error.what();
+    }
+    return "nothing raised";
+}
+
+// --- forms --------------------------------------------------------------------------------------
+
+/// A text and what it means; no value for a malformed one.
+template <class T>
+struct Text
+{
+    std::string text;
+    std::optional<T> value;
+};
+
+template <class T>
+void expectParsed(const Kr::InValueForm<T>& form, const std::vector<Text<T>>& table)
+{
+    for (const Text<T>& entry : table)
+    {
+        T value{};
+        const T before = value;
+        EXPECT_EQ(form.parse(entry.text, value), entry.value.has_value()) << entry.text;
+        EXPECT_EQ(value, entry.value.value_or(before)) << entry.text;
+    }
+}
+
+template <class T>
+constexpr T highest = std::numeric_limits<T>::max();
+
+TEST(ValueForm, Parses)
+{
+    const auto none = std::nullopt;
+    expectParsed<bool>({}, {{"true", true},
+                            {"YES", true},
+                            {"On", true},
+                            {"1", true},
+                            {"false", false},
+                            {"no", false},
+                            {"OFF", false},
+                            {"0", false},
+                            {"", none},
+                            {"2", none},
+                            {"true ", none},
+                            {"tru", none},
+                            {std::string("on\0", 3), none}});
+    expectParsed<std::int32_t>({}, {{"0", 0},
+                                    {"-0", 0},
+                                    {"007", 7},
+                                    {"2147483647", highest<std::int32_t>},
+                                    {"-2147483648", -highest<std::int32_t> - 1},
+                                    {"2147483648", none},
+                                    {"-2147483649", none},
+                                    {"", none},
+                                    {"-", none},
+                                    {"+1", none},
+                                    {" 1", none},
+                                    {"1 ", none},
+                                    {"1.0", none},
+                                    {"0x10", none},
+                                    {std::string("1\0", 2), none},
+                                    {std::string(1 << 20, '9'), none}});
+    expectParsed<std::int32_t>({1, 64}, {{"1", 1}, {"64", 64}, {"0", none}, {"65", none}});
+    expectParsed<std::uint32_t>(
+        {},
+        {{"4294967295", highest<std::uint32_t>}, {"4294967296", none}, {"-1", none}, {"-0", none}});
+    expectParsed<std::int64_t>({}, {{"9223372036854775807", highest<std::int64_t>},
+                                    {"-9223372036854775808", -highest<std::int64_t> - 1},
+                                    {"9223372036854775808", none}});
+    expectParsed<std::uint64_t>(
+        {}, {{"18446744073709551615", highest<std::uint64_t>}, {"18446744073709551616", none}});
+    expectParsed<double>({}, {{"0.1", 0.1},
+                              {"-1e3", -1000.},
+                              {".5", .5},
+                              {"5.", 5.},
+                              {"1.7976931348623157e308", highest<double>},
+                              {"4.9406564584124654e-324", 4.9406564584124654e-324},
+                              {"1.8e308", none},
+                              {"inf", none},
+                              {"-infinity", none},
+                              {"nan", none},
+                              {"", none},
+                              {"e5", none},
+                              {"1e", none},
+                              {"1,5", none},
+                              {"+1", none},
+                              {"0x1p3", none},
+                              {"1.5f", none}});
+    expectParsed<double>({0., HUGE_VAL}, {{"inf", HUGE_VAL}, {"-1", none}, {"nan", none}});
+    expectParsed<std::string>({}, {{"", ""}, {" two words ", " two words "}});
+    expectParsed<Shading>(shadingForm, {{"smooth", Shading::Smooth},
+                                        {"gouraud", Shading::Smooth},
+                                        {"Smooth", none},
+                                        {"", none},
+                                        {"2", none},
+                                        {"#2", none}});
+}
+
+template <class T>
+void expectWritten(const Kr::InValueForm<T>& form, T value, const std::string& text)
+{
+    EXPECT_EQ(form.write(value), text);
+    T back{};
+    EXPECT_TRUE(form.parse(text, back)) << text;
+    EXPECT_EQ(back, value) << text;
+}
+
+TEST(ValueForm, WritesWhatItParses)
+{
+    expectWritten<bool>({}, true, "true");
+    expectWritten<std::int32_t>({}, std::numeric_limits<std::int32_t>::min(), "-2147483648");
+    expectWritten<std::uint64_t>({}, highest<std::uint64_t>, "18446744073709551615");
+    expectWritten<double>({}, 0.1, "0.1");
+    expectWritten<double>({}, highest<double>, "1.7976931348623157e+308");
+    expectWritten<double>({}, 4.9406564584124654e-324, "5e-324");
+    expectWritten<double>({0., HUGE_VAL}, HUGE_VAL, "inf");
+    expectWritten<Shading>(shadingForm, Shading::Smooth, "smooth");
+    expectWritten<std::string>({}, "", "");
+}
+
+TEST(ValueForm, SaysWhatItExpects)
+{
+    EXPECT_EQ(Kr::InValueForm<std::int32_t>(1, 64).getExpected(), "an integer from 1 to 64");
+    EXPECT_EQ(Kr::InValueForm<std::uint32_t>().getExpected(), "an integer from 0 to 4294967295");
+    EXPECT_EQ(Kr::InValueForm<double>().getExpected(), "a number");
+    EXPECT_EQ(Kr::InValueForm<double>(.5).getExpected(), "a number of at least 0.5");
+    EXPECT_EQ(Kr::InValueForm<double>(-highest<double>, 2.).getExpected(), "a number of at most 2");
+    EXPECT_EQ(Kr::InValueForm<double>(0., 1.).getExpected(), "a number from 0 to 1");
+    EXPECT_EQ(shadingForm.getExpected(), "one of flat, smooth, gouraud");
+}
+
+// --- the command line ---------------------------------------------------------------------------
+
+/// A package with a variable of every kind.
+struct Settings
+{
+    Package package;
+    Kr::InContextAlias samplesAlias{"t.samples", "--samples", "KR_VARIABLES_TEST_UNSET"};
+    Kr::InContextAlias oldSamplesAlias{"t.samples", "--rays"};
+    Kr::InContextAlias titleAlias{"t.title", "--title"};
+    Kr::InContextAlias vsyncAlias{"t.vsync", "--vsync"};
+    Kr::InVariable<std::int32_t> samples{package, "t.samples", 4, "Samples per pixel", {1, 64}};
+    Kr::InVariable<double> scale{package, "t.scale", 1., "Scale of the scene"};
+    Kr::InVariable<bool> vsync{package, "t.vsync", true, "Wait for the display"};
+    Kr::InVariable<std::string> title{package, "t.title", "untitled", "Title of the window"};
+    Kr::InVariable<Shading> shading{package, "t.shading", Shading::Smooth, "Shading", shadingForm};
+
+    std::string toString() const
+    {
+        std::ostringstream text;
+        text << samples.getValue() << ' ' << scale.getValue() << ' ' << vsync.getValue() << ' '
+             << title.getValue() << ' ' << static_cast<int>(shading.getValue());
+        return text.str();
+    }
+};
+
+using Words = std::vector<std::string>;
+
+TEST(CommandLine, GivesValuesAndLeavesTheOtherWords)
+{
+    const struct
+    {
+        Words words;
+        const char* values;
+        Words remaining;
+    } table[] = {
+        {{}, "4 1 1 untitled 1", {}},
+        {{"--samples=8", "--t.scale", "-2.5", "x"}, "8 -2.5 1 untitled 1", {"x"}},
+        {{"--t.samples", "8", "--t.shading=flat"}, "8 1 1 untitled 0", {}},
+        {{"--samples=8", "--rays=9", "--t.samples=10"}, "10 1 1 untitled 1", {}},
+        {{"--t.samples=10", "--rays=9", "--samples=8"}, "8 1 1 untitled 1", {}},
+        {{"--no-vsync", "off"}, "4 1 0 untitled 1", {"off"}},
+        {{"--no-t.vsync", "--vsync"}, "4 1 1 untitled 1", {}},
+        {{"--vsync", "--t.vsync=No"}, "4 1 0 untitled 1", {}},
+        {{"--title="}, "4 1 1  1", {}},
+        {{"--title=--a=b"}, "4 1 1 --a=b 1", {}},
+        {{"--title", "-"}, "4 1 1 - 1", {}},
+        {{"--sample=8", "-s", "--no-samples", "--Samples=3", "-", ""},
+         "4 1 1 untitled 1",
+         {"--sample=8", "-s", "--no-samples", "--Samples=3", "-", ""}},
+        {{"a", "--samples=8", "b", "--", "--samples=9", "--title"},
+         "8 1 1 untitled 1",
+         {"a", "b", "--", "--samples=9", "--title"}},
+    };
+    for (const auto& row : table)
+    {
+        SCOPED_TRACE(testing::PrintToString(row.words));
+        Settings settings;
+        const CommandLine commandLine(row.words);
+        settings.package.start();
+        EXPECT_EQ(settings.toString(), row.values);
+        Words expected{"program"};
+        expected.insert(expected.end(), row.remaining.begin(), row.remaining.end());
+        EXPECT_EQ(remainingWords(), expected);
+    }
+}
+
+TEST(CommandLine, ProgramNameIsNoOption)
+{
+    Settings settings;
+    const CommandLine commandLine({"--samples=8"});
+    std::strcpy(Kr::InContextAliasMgrBase::args()[0], "--rays"); // as long as its copy allows
+    settings.package.start();
+    EXPECT_EQ(settings.samples.getValue(), 8);
+    EXPECT_EQ(remainingWords(), Words{"--rays"});
+}
+
+TEST(CommandLine, TakesWordsThatAreAppendedLater)
+{
+    Package package;
+    const Kr::InVariable<std::int32_t> first(package, "t.first", 0, "");
+    const CommandLine commandLine({"--t.first=1", "--t.second=2"});
+    package.start();
+    EXPECT_EQ(remainingWords(), (Words{"program", "--t.second=2"}));
+
+    // A library that is loaded later, and a second command line.
+    Package later;
+    const Kr::InVariable<std::int32_t> second(later, "t.second", 0, "");
+    CommandLine::append("--t.second=3");
+    later.start();
+    EXPECT_EQ(second.getValue(), 3);
+    EXPECT_EQ(remainingWords(), Words{"program"});
+}
+
+TEST(CommandLine, RubbishIsAnError)
+{
+    const struct
+    {
+        Words words;
+        const char* reason;
+    } table[] = {
+        {{"--samples=many"},
+         "Variable 't.samples': the value 'many' of option --samples is malformed, expected an "
+         "integer from 1 to 64."},
+        {{"--samples=99", "--samples=8"}, // a mistake, even if a later value hides it
+         "Variable 't.samples': the value '99' of option --samples is malformed, expected an "
+         "integer from 1 to 64."},
+        {{"--t.scale="},
+         "Variable 't.scale': the value '' of option --t.scale is malformed, expected a number."},
+        {{"--no-vsync=1"},
+         "Variable 't.vsync': the value '1' of option --no-vsync (which takes none) is malformed, "
+         "expected true, yes, on, 1, false, no, off or 0."},
+    };
+    for (const auto& row : table)
+    {
+        Settings settings;
+        const CommandLine commandLine(row.words);
+        EXPECT_EQ(reasonOf<Kr::InVariableEx::ExMalformedValue>([&] { settings.package.start(); }),
+                  row.reason);
+    }
+
+    for (const Words& words : {Words{"--samples"}, Words{"--samples", "--vsync"},
+                               Words{"--samples", "--"}, Words{"--samples=8", "--samples"}})
+    {
+        Settings settings;
+        const CommandLine commandLine(words);
+        EXPECT_EQ(reasonOf<Kr::InVariableEx::ExMissingValue>([&] { settings.package.start(); }),
+                  "Variable 't.samples': option --samples needs a value, an integer from 1 to 64.");
+    }
+}
+
+TEST(CommandLine, HelpCanBeAskedFor)
+{
+    EXPECT_FALSE(Kr::InVariableBase::isHelpRequested());
+    {
+        const CommandLine commandLine({"x", "--help"});
+        EXPECT_TRUE(Kr::InVariableBase::isHelpRequested());
+    }
+    const CommandLine commandLine({"--helpless", "--", "--help"});
+    EXPECT_FALSE(Kr::InVariableBase::isHelpRequested());
+}
+
+TEST(CommandLine, LongOnesAreIndexedOnce)
+{
+    // 300 variables that each searched 10,000 words would take seconds under a sanitizer.
+    Package package;
+    std::vector<std::unique_ptr<Kr::InVariable<std::int32_t>>> variables;
+    for (int i = 0; i < 300; ++i)
+        variables.push_back(std::make_unique<Kr::InVariable<std::int32_t>>(
+            package, ("t.many." + std::to_string(i)).c_str(), 0, ""));
+    Words words;
+    for (int i = 0; i < 5000; ++i)
+    {
+        words.push_back("--t.many." + std::to_string(i % 1000) + "=" + std::to_string(i));
+        words.push_back("word" + std::to_string(i));
+    }
+    const std::string megabyte(1 << 20, 'x');
+    words.push_back("--t.text=" + megabyte);
+    const Kr::InVariable<std::string> text(package, "t.text", "", "");
+    const CommandLine commandLine(words);
+    package.start();
+
+    for (int i = 0; i < 300; ++i)
+        EXPECT_EQ(variables[static_cast<std::size_t>(i)]->getValue(), 4000 + i);
+    EXPECT_EQ(text.getValue(), megabyte);
+    EXPECT_EQ(remainingWords().size(), 1 + 10000 - 5 * 300);
+}
+
+TEST(CommandLine, ErrorsCutWhatTheyQuote)
+{
+    Settings settings;
+    const CommandLine commandLine({"--samples=" + std::string(1 << 20, '1')});
+    EXPECT_EQ(reasonOf<Kr::InVariableEx::ExMalformedValue>([&] { settings.package.start(); }),
+              "Variable 't.samples': the value '" + std::string(256, '1') +
+                  "' of option --samples is malformed, expected an integer from 1 to 64.");
+}
+
+// --- access, overrides, names -------------------------------------------------------------------
+
+TEST(Variable, IsReadableWhileItsPackageIsUp)
+{
+    using Uninitialized = Kr::InEx::ExUninitializedObject;
+    const std::string expected =
+        "Trying to access an object that is not fully initialized: 't.samples'.";
+    Settings settings;
+    EXPECT_EQ(reasonOf<Uninitialized>([&] { settings.samples.getValue(); }), expected);
+    EXPECT_EQ(reasonOf<Uninitialized>([&] { settings.samples.getSource(); }), expected);
+    settings.package.start();
+    EXPECT_EQ(settings.samples.getValue(), 4);
+    EXPECT_EQ(settings.samples.getSource(), Kr::InNamedVariable::Source::Default);
+    settings.samples.finalize();
+    EXPECT_EQ(reasonOf<Uninitialized>([&] { settings.samples.getValue(); }), expected);
+}
+
+TEST(Variable, IsInvalidAfterRubbish)
+{
+    Settings settings;
+    const CommandLine commandLine({"--samples=many"});
+    EXPECT_THROW(settings.package.start(), Kr::InVariableEx::ExMalformedValue);
+    EXPECT_EQ(reasonOf<Kr::InEx::ExInvalidObject>([&] { settings.samples.getValue(); }),
+              "Trying to access an object that has an invalid value: 't.samples'.");
+}
+
+TEST(Variable, ThatHasNoValidDefaultMustBeGiven)
+{
+    Package package;
+    const Kr::InVariable<std::uint32_t> seed(package, "t.seed", 0, "", {1u, 9u});
+    const Kr::InVariable<Shading> shading(package, "t.shading", Shading::Secret, "", shadingForm);
+    const CommandLine commandLine({"--t.seed=7"});
+    package.start();
+    EXPECT_EQ(seed.getValue(), 7u);
+    EXPECT_THROW(shading.getValue(), Kr::InEx::ExInvalidObject);
+}
+
+TEST(Override, ComesBeforeEveryOtherSource)
+{
+    Kr::InVariableBase::setOverride("t.samples", "5"); // the variable does not exist yet
+    Kr::InVariableBase::setOverride("t.samples", "16");
+    Settings settings;
+    settings.shading.setOverride(Shading::Flat);
+    settings.title.setOverride("over");
+    const CommandLine commandLine({"--samples=8", "--t.shading=smooth"});
+    settings.package.start();
+    EXPECT_EQ(settings.toString(), "16 1 1 over 0");
+    EXPECT_EQ(settings.samples.getSource(), Kr::InNamedVariable::Source::Override);
+    EXPECT_EQ(remainingWords(), Words{"program"}) << "a word that lost is taken all the same";
+
+    const char* const reason =
+        "Trying to override an InVariable that is already initialized: 't.samples'.";
+    using Initialized = Kr::InEx::ExVariableAlreadyInitialized;
+    EXPECT_EQ(reasonOf<Initialized>([&] { settings.samples.setOverride(1); }), reason);
+    EXPECT_EQ(reasonOf<Initialized>([] { Kr::InVariableBase::setOverride("t.samples", "1"); }),
+              reason);
+    EXPECT_THROW(Kr::InVariableBase::setOverride(nullptr, "1"), Kr::ExInternalError);
+    EXPECT_THROW(Kr::InVariableBase::setOverride("t.samples", nullptr), Kr::ExInternalError);
+}
+
+TEST(Override, IsConsumedOnce)
+{
+    Kr::InVariableBase::setOverride("t.samples", "16");
+    {
+        Settings settings;
+        settings.package.start();
+    }
+    Settings settings;
+    settings.package.start();
+    EXPECT_EQ(settings.samples.getValue(), 4);
+}
+
+TEST(Override, ThatNobodyConsumedCanBeDiscarded)
+{
+    Kr::InVariableBase::setOverride("t.samples", "16");
+    Kr::InVariableBase::clearPendingOverrides();
+    Settings settings;
+    settings.package.start();
+    EXPECT_EQ(settings.samples.getValue(), 4);
+}
+
+TEST(Override, IsCheckedWhenThePackageStarts)
+{
+    Settings settings;
+    settings.samples.setOverride(65);
+    EXPECT_EQ(reasonOf<Kr::InVariableEx::ExMalformedValue>([&] { settings.package.start(); }),
+              "Variable 't.samples': the value '65' of the override is malformed, expected an "
+              "integer from 1 to 64.");
+}
+
+TEST(Handle, BelongsToOneVariable)
+{
+    Package package;
+    const Kr::InVariable<bool> first(package, "t.flag", true, "");
+    using InUse = Kr::InEx::ExHandleAlreadyInUse;
+    EXPECT_EQ(reasonOf<InUse>([&] { Kr::InVariable<bool>(package, "t.flag", false, ""); }),
+              "Trying to register an object with an already used handle: 't.flag'.");
+    EXPECT_EQ(package.size(), 1u);
+
+    const Kr::InContextAlias alias("t.flag", "--t.other");
+    EXPECT_THROW(Kr::InVariable<bool>(package, "t.other", false, ""), InUse);
+    for (const char* handle : {static_cast<const char*>(nullptr), "", "a=b"})
+        EXPECT_THROW(Kr::InVariable<bool>(package, handle, false, ""), Kr::ExInternalError);
+    EXPECT_EQ(package.size(), 1u);
+}
+
+TEST(ContextAlias, BindsANameOnce)
+{
+    using Defined = Kr::InEx::ExContextAliasAlreadyDefined;
+    Package package;
+    const Kr::InVariable<bool> other(package, "t.other", true, "");
+    const Kr::InContextAlias alias("t.samples", "--samples", "T_SAMPLES");
+    EXPECT_EQ(reasonOf<Defined>([] { Kr::InContextAlias("t.samples", "--samples"); }),
+              "Trying to re-create an already existing Context Alias: '--samples'.");
+    EXPECT_EQ(reasonOf<Defined>([] { Kr::InContextAlias("t.x", "--x", "T_SAMPLES"); }),
+              "Trying to re-create an already existing Context Alias: 'T_SAMPLES'.");
+    EXPECT_THROW(Kr::InContextAlias("t.samples", "--t.other"), Defined);
+    EXPECT_EQ(Kr::InContextAliasMgrBase::findOption("--x"), nullptr) << "nothing is half defined";
+    {
+        const Kr::InContextAlias gone("t.samples", "--rays");
+        EXPECT_EQ(Kr::InContextAliasMgrBase::findAliases("t.samples").size(), 2u);
+    }
+    EXPECT_EQ(Kr::InContextAliasMgrBase::findAliases("t.samples"),
+              (Kr::Vector<const Kr::InContextAliasBase*>{&alias}));
+
+    const struct
+    {
+        const char *handle, *option, *environmentName;
+    } bad[] = {{nullptr, "--a", nullptr}, {"", "--a", nullptr}, {"h", nullptr, nullptr},
+               {"h", "a", nullptr},       {"h", "--", nullptr}, {"h", "-a", nullptr},
+               {"h", "--a=", nullptr},    {"h", nullptr, "A=B"}};
+    for (const auto& row : bad)
+        EXPECT_THROW(Kr::InContextAlias(row.handle, row.option, row.environmentName),
+                     Kr::ExInternalError);
+}
+
+TEST(ContextAlias, ComesBeforeTheCommandLine)
+{
+    const CommandLine commandLine({});
+    using TooLate = Kr::InEx::ExNoNewContextAliasAfterInit;
+    EXPECT_EQ(reasonOf<TooLate>([] { Kr::InContextAlias("t.late", "--late", "T_LATE"); }),
+              "Trying to do post initialization registration of context alias instance: 't.late' "
+              "(key: --late).");
+    EXPECT_EQ(reasonOf<TooLate>([] { Kr::InContextAlias("t.late", nullptr, "T_LATE"); }),
+              "Trying to do post initialization registration of context alias instance: 't.late' "
+              "(key: T_LATE).");
+}
+
+TEST(ContextAlias, TakesTheNegatedNameOfAFlag)
+{
+    Package package;
+    const Kr::InVariable<bool> cache(package, "cache", true, "");
+    const Kr::InVariable<std::int32_t> noCache(package, "no-cache", 0, "");
+    const CommandLine commandLine({"--no-cache=3"});
+    package.start();
+    EXPECT_TRUE(cache.getValue());
+    EXPECT_EQ(noCache.getValue(), 3);
+}
+
+// --- what is told -------------------------------------------------------------------------------
+
+TEST(Report, SaysWhereEachValueComesFrom)
+{
+    Settings settings;
+    settings.scale.setOverride(2.);
+    const CommandLine commandLine({"--samples=8", "--rays=9", "--t.scale=3",
+                                   "--title=" + std::string(300, 't'), "--no-vsync",
+                                   "--t.shading=\x1b[31m"});
+    EXPECT_THROW(settings.package.start(), Kr::InVariableEx::ExMalformedValue);
+    std::ostringstream text;
+    Kr::InVariableBase::dumpAll(text);
+    EXPECT_EQ(text.str(), "t.samples = '9', from option --rays\n"
+                          "    not option --samples: '8'\n"
+                          "    not the default: '4'\n"
+                          "t.scale = '2', from the override\n"
+                          "    not option --t.scale: '3'\n"
+                          "    not the default: '1'\n"
+                          "t.shading: invalid\n"
+                          "    not option --t.shading: '?[31m', malformed\n"
+                          "    not the default: 'smooth'\n"
+                          "t.title = '" +
+                              std::string(256, 't') +
+                              "'..., from option --title\n"
+                              "    not the default: 'untitled'\n"
+                              "t.vsync = 'false', from option --no-vsync\n"
+                              "    not the default: 'true'\n");
+}
+
+TEST(Report, ListsTheSettingsForHelp)
+{
+    const Settings settings;
+    std::ostringstream text;
+    Kr::InVariableBase::printHelp(text);
+    EXPECT_EQ(
+        text.str(),
+        "Settings of package '':\n"
+        "  Option                                              Environment              Default   "
+        "Meaning\n"
+        "  --samples=VALUE, --rays=VALUE, --t.samples=VALUE    KR_VARIABLES_TEST_UNSET  4         "
+        "Samples per pixel (an integer from 1 to 64)\n"
+        "  --t.scale=VALUE                                                              1         "
+        "Scale of the scene (a number)\n"
+        "  --t.shading=VALUE                                                            smooth    "
+        "Shading (one of flat, smooth, gouraud)\n"
+        "  --title=VALUE, --t.title=VALUE                                               untitled  "
+        "Title of the window (a text)\n"
+        "  --[no-]vsync, --[no-]t.vsync                                                 true      "
+        "Wait for the display (true, yes, on, 1, false, no, off or 0)\n");
+}
+
+} // namespace
