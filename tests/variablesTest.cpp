@@ -221,7 +221,8 @@ TEST(ValueForm, SaysWhatItExpects)
     EXPECT_EQ(Kr::InValueForm<std::int32_t>(1, 64).getExpected(), "an integer from 1 to 64");
     EXPECT_EQ(Kr::InValueForm<std::uint32_t>().getExpected(), "an integer from 0 to 4294967295");
     EXPECT_EQ(Kr::InValueForm<double>().getExpected(), "a number");
-    EXPECT_EQ(Kr::InValueForm<double>(.5).getExpected(), "a number of at least 0.5");
+    EXPECT_EQ(Kr::InValueForm<double>(.5, highest<double>).getExpected(),
+              "a number of at least 0.5");
     EXPECT_EQ(Kr::InValueForm<double>(-highest<double>, 2.).getExpected(), "a number of at most 2");
     EXPECT_EQ(Kr::InValueForm<double>(0., 1.).getExpected(), "a number from 0 to 1");
     EXPECT_EQ(shadingForm.getExpected(), "one of flat, smooth, gouraud");
@@ -596,21 +597,14 @@ TEST(Report, ListsTheSettingsForHelp)
     const Settings settings;
     std::ostringstream text;
     Kr::InVariableBase::printHelp(text);
-    EXPECT_EQ(
-        text.str(),
-        "Settings of package '':\n"
-        "  Option                                              Environment              Default   "
-        "Meaning\n"
-        "  --samples=VALUE, --rays=VALUE, --t.samples=VALUE    KR_VARIABLES_TEST_UNSET  4         "
-        "Samples per pixel (an integer from 1 to 64)\n"
-        "  --t.scale=VALUE                                                              1         "
-        "Scale of the scene (a number)\n"
-        "  --t.shading=VALUE                                                            smooth    "
-        "Shading (one of flat, smooth, gouraud)\n"
-        "  --title=VALUE, --t.title=VALUE                                               untitled  "
-        "Title of the window (a text)\n"
-        "  --[no-]vsync, --[no-]t.vsync                                                 true      "
-        "Wait for the display (true, yes, on, 1, false, no, off or 0)\n");
+    EXPECT_EQ(text.str(), R"(Settings of package '':
+  Option                         Environment              Default   Meaning
+  --samples=VALUE, --rays=VALUE  KR_VARIABLES_TEST_UNSET  4         Samples per pixel (an integer from 1 to 64)
+  --t.scale=VALUE                                         1         Scale of the scene (a number)
+  --t.shading=VALUE                                       smooth    Shading (one of flat, smooth, gouraud)
+  --title=VALUE                                           untitled  Title of the window (a text)
+  --[no-]vsync                                            true      Wait for the display
+)");
 }
 
 } // namespace

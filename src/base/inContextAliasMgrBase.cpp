@@ -97,12 +97,12 @@ void InContextAliasMgrBase::registerAlias(const InContextAliasBase& alias)
     // A command line that has been handed over means that the first pass has begun, even if it
     // failed before it closed the table.
     if (table.isClosed || !args().empty())
-        raise(InEx::ExNoNewContextAliasAfterInit(KR_HERE, alias.getHandle(),
-                                                 option != nullptr ? option : environmentName));
+        raise<InEx::ExNoNewContextAliasAfterInit>(KR_HERE, alias.getHandle(),
+                                                  option != nullptr ? option : environmentName);
     if (option != nullptr && (table.byOption.count(option) != 0 || isHandleOfOther(alias)))
-        raise(InEx::ExContextAliasAlreadyDefined(KR_HERE, option));
+        raise<InEx::ExContextAliasAlreadyDefined>(KR_HERE, option);
     if (environmentName != nullptr && table.byEnvironmentName.count(environmentName) != 0)
-        raise(InEx::ExContextAliasAlreadyDefined(KR_HERE, environmentName));
+        raise<InEx::ExContextAliasAlreadyDefined>(KR_HERE, environmentName);
 
     try
     {

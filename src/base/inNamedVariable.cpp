@@ -199,12 +199,12 @@ void InNamedVariable::reportMalformed() const
     {
         const char* const origin = candidate.origin.c_str();
         if (candidate.isMissing)
-            raise(InVariableEx::ExMissingValue(KR_HERE, getHandle(), origin, expected.c_str()));
+            raise<InVariableEx::ExMissingValue>(KR_HERE, getHandle(), origin, expected.c_str());
         if (!candidate.isMalformed)
             continue;
         if (candidate.source != Source::Environment)
-            raise(InVariableEx::ExMalformedValue(KR_HERE, getHandle(), candidate.text.c_str(),
-                                                 origin, expected.c_str()));
+            raise<InVariableEx::ExMalformedValue>(KR_HERE, getHandle(), candidate.text.c_str(),
+                                                  origin, expected.c_str());
         std::cout << "Variable " << quote(_handle) << ": the value " << quote(candidate.text)
                   << " of " << origin << " is malformed, expected " << expected << "; skipped."
                   << std::endl;
@@ -229,9 +229,9 @@ void InNamedVariable::takeBest()
 void InNamedVariable::checkReadable() const
 {
     if (_state == State::Uninitialized)
-        raise(InEx::ExUninitializedObject(KR_HERE, getHandle()));
+        raise<InEx::ExUninitializedObject>(KR_HERE, getHandle());
     if (_state == State::Invalid)
-        raise(InEx::ExInvalidObject(KR_HERE, getHandle()));
+        raise<InEx::ExInvalidObject>(KR_HERE, getHandle());
 }
 
 InNamedVariable::Source InNamedVariable::getSource() const
@@ -269,14 +269,23 @@ void InNamedVariable::dump(std::ostream& os) const
 InNamedVariable::HelpLine InNamedVariable::getHelpLine() const
 {
     HelpLine line;
-    for (const std::string& option : getOptions())
-        appendTo(line.options, isFlag() ? "--[no-]" + option.substr(2) : option + "=VALUE");
     for (const InContextAliasBase* alias : InContextAliasMgrBase::findAliases(_handle.c_str()))
+    {
+        if (alias->getOption() != nullptr)
+            appendTo(line.options, describeOption(alias->getOption()));
         if (alias->getEnvironmentName() != nullptr)
             appendTo(line.environmentNames, alias->getEnvironmentName());
+    }
+    if (line.options.empty())
+        line.options = describeOption("--" + _handle);
     line.defaultText = getDefaultText();
-    line.meaning = _help + " (" + getExpectedForm() + ")";
+    line.meaning = isFlag() ? _help : _help + " (" + getExpectedForm() + ")";
     return line;
+}
+
+std::string InNamedVariable::describeOption(const std::string& option) const
+{
+    return isFlag() ? "--[no-]" + option.substr(2) : option + "=VALUE";
 }
 
 } // namespace Kr

@@ -51,7 +51,8 @@ public:
     /// lost, in the order of their precedence. Texts are cut at 256 characters.
     void dump(std::ostream& os) const;
 
-    /// The columns of the help: options, environment variables, default, meaning.
+    /// The columns of the help. A variable that an alias gives an option is listed without the
+    /// option that its handle makes.
     struct HelpLine
     {
         std::string options;
@@ -116,6 +117,7 @@ private:
     Candidate readNegation(std::size_t position) const;
     void addCandidate(Candidate candidate);
     void reportMalformed() const;
+    std::string describeOption(const std::string& option) const;
     void takeBest();
 
     std::string _handle;

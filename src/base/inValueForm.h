@@ -77,8 +77,8 @@ template <class T>
 class InNumberForm
 {
 public:
-    explicit InNumberForm(T minimum = std::numeric_limits<T>::lowest(),
-                          T maximum = std::numeric_limits<T>::max())
+    InNumberForm() = default;
+    InNumberForm(T minimum, T maximum)
         : _minimum(minimum)
         , _maximum(maximum)
     {
@@ -90,8 +90,8 @@ public:
     std::string getExpected() const;
 
 private:
-    T _minimum;
-    T _maximum;
+    T _minimum = std::numeric_limits<T>::lowest();
+    T _maximum = std::numeric_limits<T>::max();
 };
 
 extern template class KR_BASE_API InNumberForm<std::int32_t>;

@@ -70,7 +70,7 @@ void InVariableBase::setOverride(const char* handle, const char* text)
     InVariableRegistry& registry = InVariableRegistry::getInstance();
     const InNamedVariable* const variable = registry.find(handle);
     if (variable != nullptr && variable->isInitialized())
-        raise(InEx::ExVariableAlreadyInitialized(KR_HERE, handle));
+        raise<InEx::ExVariableAlreadyInitialized>(KR_HERE, handle);
     registry.getOverrides()[handle] = text;
 }
 

@@ -43,7 +43,8 @@ public:
     static bool isHelpRequested();
 
     /// A table for each package, by name: each of its variables' options, environment variables,
-    /// default and meaning.
+    /// default and meaning. What a setting answers to besides, "--" and its handle, is shown where
+    /// it has no other option.
     static void printHelp(std::ostream& os);
 
     /// Says of each variable, by handle, its value, the source that won, and the candidates that

@@ -31,7 +31,7 @@ void InVariableRegistry::add(InNamedVariable& variable)
 {
     const char* const handle = variable.getHandle();
     if (find(handle) != nullptr || isOptionOfOther(handle))
-        raise(InEx::ExHandleAlreadyInUse(KR_HERE, handle));
+        raise<InEx::ExHandleAlreadyInUse>(KR_HERE, handle);
     _variables.emplace(handle, &variable);
 }
 

@@ -1,3 +1,4 @@
+#include <base/inContextAliasMgrBase.h>
 #include <base/inInit.imp>
 #include <base/krInitPackages.h>
 
@@ -7,6 +8,7 @@ static Kr::InInit<KrInit::initArg> package;
 
 void KrInit::initArg::start()
 {
+    Kr::InContextAliasMgrBase::closeRegistration();
 }
 
 void KrInit::initArg::stop()
