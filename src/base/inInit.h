@@ -5,8 +5,9 @@
 ///
 /// A package is described by a tag, a struct without data in the namespace `KrInit`, and registers
 /// itself by one static object in a source of its own:
-/// @code
+/// @code{.cpp}
 /// // viewerPackage.h
+/// #include <base/krInitPackages.h>
 /// namespace KrInit
 /// {
 /// struct viewer
@@ -17,22 +18,25 @@
 ///     static void stop();
 /// };
 /// } // namespace KrInit
-/// extern template class VIEWER_API Kr::InInit<KrInit::viewer>; // if others ask isInitialized()
 ///
 /// // viewerPackage.cpp
 /// #include <base/inInit.imp>
-/// template class Kr::InInit<KrInit::viewer>;
 /// static Kr::InInit<KrInit::viewer> viewerPackage;
-/// void KrInit::viewer::start() { Viewer::openDisplays(); }
-/// void KrInit::viewer::stop() { Viewer::closeDisplays(); }
+/// void KrInit::viewer::start() { std::cout << "opens its displays\n"; }
+/// void KrInit::viewer::stop() { std::cout << "closes its displays\n"; }
 /// @endcode
 /// The manager calls `start` when everything that the package needs, directly or not, is up, and
 /// `stop` in the reverse order. A dependency's tag need only be declared.
 ///
-/// Pitfalls: a start routine must not rely on a package that it does not declare; a dependency that
-/// is declared twice counts twice in the package's rank; tags of one name are one package, even in
-/// two libraries, and only one object of theirs is started. The bodies stand in `inInit.imp`, which
-/// only the package's own source includes.
+/// The bodies stand in `inInit.imp`, which only the package's own source includes. Where others ask
+/// `isInitialized()`, the header ends with
+/// `extern template class VIEWER_API Kr::InInit<KrInit::viewer>;` and the source has
+/// `template class Kr::InInit<KrInit::viewer>;` before the object, `VIEWER_API` being the library's
+/// export macro, so that the process has one answer.
+///
+/// Pitfalls: a start routine must not rely on a package that its own does not declare. A dependency
+/// that is declared twice counts twice in the package's rank. Tags of one name are one package,
+/// even in two libraries: only one of their objects is started.
 
 #include <base/inPackageInit.h>
 

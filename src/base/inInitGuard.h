@@ -5,11 +5,14 @@
 
 #include <base/inInitMgr.h>
 
+#include <exception>
+
 namespace Kr
 {
 
 /// Pitfall: the destructor raises what `InInitMgr::finalize` raises, so a program that also calls
-/// `finalize` itself gets `InEx::ExDoubleFinalise` at the end of the scope.
+/// `finalize` itself gets `InEx::ExDoubleFinalise` at the end of the scope. Only while another
+/// exception is on its way does it keep its own back, which the trace has seen.
 class InInitGuard
 {
 public:
@@ -17,7 +20,18 @@ public:
     {
         InInitMgr::getInstance().initialize(argc, argv);
     }
-    ~InInitGuard() noexcept(false) { InInitMgr::getInstance().finalize(); }
+    ~InInitGuard() noexcept(false)
+    {
+        try
+        {
+            InInitMgr::getInstance().finalize();
+        }
+        catch (...)
+        {
+            if (std::uncaught_exceptions() == 0)
+                throw;
+        }
+    }
     InInitGuard(const InInitGuard&) = delete;
 
     /// Does nothing.

@@ -102,9 +102,9 @@ void InInitMgr::finalize()
     InVariableBase::clearPendingOverrides();
     releaseArguments();
     if (!_state->_initCalled)
-        raise(InEx::ExFinaliseBeforeInit(KR_HERE));
+        raise<InEx::ExFinaliseBeforeInit>(KR_HERE);
     if (_state->_finalized)
-        raise(InEx::ExDoubleFinalise(KR_HERE));
+        raise<InEx::ExDoubleFinalise>(KR_HERE);
     _state->stopPackages();
     _state->_finalized = true;
 }
@@ -127,7 +127,7 @@ const char* InInitMgr::getEnv(const char* name)
 void InInitMgr::registerPackage(InPackageInit& package)
 {
     if (_state->_initCalled && _state->_reinitCount == 0)
-        raise(InEx::ExReinitWithoutGuard(KR_HERE));
+        raise<InEx::ExReinitWithoutGuard>(KR_HERE);
     if (!isInitialized(typeOf(package)))
         _state->_newPackages.push_back({&package});
 }
@@ -169,17 +169,23 @@ InInitMgr::State::State()
 void InInitMgr::State::initializeNewPackages()
 {
     _initCalled = true;
+    InContextAliasMgrBase::closeRegistration();
     while (!_newPackages.empty())
     {
         takeUpNewPackages();
         buildMatrix();
         closeMatrix();
         if (_cycle)
-            raise(InEx::ExDependencyCycle(KR_HERE));
+            raise<InEx::ExDependencyCycle>(KR_HERE);
         orderPackages();
         saveNewPackages();
         startPackages();
     }
+}
+
+bool InInitMgr::State::nameBefore(const PackageEntry& left, const PackageEntry& right)
+{
+    return std::strcmp(left.package->getName(), right.package->getName()) < 0;
 }
 
 /// Each type once, in the order of the names.
@@ -191,13 +197,12 @@ void InInitMgr::State::takeUpNewPackages()
     { return typeOf(*left.package).before(typeOf(*right.package)); };
     const auto typeEqual = [](const PackageEntry& left, const PackageEntry& right)
     { return typeOf(*left.package) == typeOf(*right.package); };
-    const auto nameBefore = [](const PackageEntry& left, const PackageEntry& right)
-    { return std::strcmp(left.package->getName(), right.package->getName()) < 0; };
 
-    std::sort(_packagesToInit.begin(), _packagesToInit.end(), typeBefore);
+    // Stable, so that of two packages of one type the one that registered first stays.
+    std::stable_sort(_packagesToInit.begin(), _packagesToInit.end(), typeBefore);
     _packagesToInit.erase(std::unique(_packagesToInit.begin(), _packagesToInit.end(), typeEqual),
                           _packagesToInit.end());
-    std::sort(_packagesToInit.begin(), _packagesToInit.end(), nameBefore);
+    std::sort(_packagesToInit.begin(), _packagesToInit.end(), &nameBefore);
 }
 
 void InInitMgr::State::buildMatrix()
@@ -221,7 +226,7 @@ void InInitMgr::State::setDependencies(
     {
         const auto needed = indices.find(*type);
         if (needed == indices.end())
-            raise(InEx::ExPackageNotRegistered(KR_HERE, type->name()));
+            raise<InEx::ExPackageNotRegistered>(KR_HERE, type->name());
         _dependencyMatrix.set(index, needed->second);
         ++entry._nbDependencies; // on purpose once for each listing, also of the same package
     }
@@ -251,10 +256,14 @@ void InInitMgr::State::saveNewPackages()
     {
         const std::type_info& type = typeOf(*entry.package);
         const std::int32_t index = indexOfSaved(type);
-        if (index != -1 && _savedPackages[static_cast<std::size_t>(index)].initialized)
-            continue;
-        if (index != -1) // left by a pass that failed: it takes its place in the order anew
+        if (index != -1)
+        {
+            const SavedEntry& saved = _savedPackages[static_cast<std::size_t>(index)];
+            if (saved.initialized || saved.isStarting)
+                continue;
+            // Left by a pass that failed: it takes its place in the order anew.
             forgetSaved(static_cast<std::size_t>(index));
+        }
         _savedByType.emplace(type, static_cast<std::int32_t>(_savedPackages.size()));
         _savedPackages.push_back({entry, &type});
     }
@@ -284,27 +293,29 @@ void InInitMgr::State::startPackages()
 void InInitMgr::State::startPackage(const PackageEntry& entry)
 {
     const std::type_info& type = typeOf(*entry.package);
-    if (isInitialized(type)) // by a start routine before this one
+    SavedEntry& saved = getSaved(type);
+    if (saved.initialized || saved.isStarting) // another object of the type, by a pass within
         return;
+    saved.isStarting = true;
     try
     {
         entry.package->initialize();
     }
     catch (...)
     {
-        recordStart(entry, true);
+        endStart(entry, type, false);
         throw;
     }
-    recordStart(entry, false);
-    const std::int32_t index = indexOfSaved(type);
-    assert(index != -1);
-    _savedPackages[static_cast<std::size_t>(index)].initialized = true;
+    endStart(entry, type, true);
 }
 
-void InInitMgr::State::recordStart(const PackageEntry& entry, bool failed)
+void InInitMgr::State::endStart(const PackageEntry& entry, const std::type_info& type, bool isUp)
 {
+    SavedEntry& saved = getSaved(type);
+    saved.isStarting = false;
+    saved.initialized = isUp;
     _startRecords.push_back(
-        {entry.package->getName(), entry._nbDependencies, entry.package->getStartTimes(), failed});
+        {entry.package->getName(), entry._nbDependencies, entry.package->getStartTimes(), !isUp});
 }
 
 /// An entry counts as stopped before its stop routine runs, so that none is stopped twice when a
@@ -362,6 +373,13 @@ std::int32_t InInitMgr::State::indexOfSaved(const std::type_info& type) const
 {
     const auto found = _savedByType.find(type);
     return found != _savedByType.end() ? found->second : -1;
+}
+
+InInitMgr::State::SavedEntry& InInitMgr::State::getSaved(const std::type_info& type)
+{
+    const std::int32_t index = indexOfSaved(type);
+    assert(index != -1);
+    return _savedPackages[static_cast<std::size_t>(index)];
 }
 
 bool InInitMgr::State::isInitialized(const std::type_info& type) const

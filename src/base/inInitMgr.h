@@ -6,13 +6,14 @@
 /// Every library of the program registers its packages (`InInit`) while its static objects are
 /// built; nothing is started then. The program starts them all at the top of `main`, each after
 /// everything that it needs, and stops them in exactly the reverse order:
-/// @code
+/// @code{.cpp}
+/// #include <base/inInitGuard.h>
 /// int main(int argc, char** argv)
 /// {
 ///     const char* const* arguments = argv;
-///     Kr::InInitGuard guard(argc, arguments); // initialize; finalize at the end of main
-///     // argc is 0 now: the command line is read through variables and context aliases
-///     return run();
+///     Kr::InInitGuard guard(argc, arguments); // starts the packages; stops them when main ends
+///     // The command line is the manager's now: it is read through variables and context aliases.
+///     Kr::InInitMgr::getInstance().reportStart(std::cout);
 /// }
 /// @endcode
 /// A start that fails raises: `InEx::ExPackageNotRegistered`, `InEx::ExDependencyCycle` (see

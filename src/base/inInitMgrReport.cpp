@@ -245,7 +245,10 @@ std::ostream& InInitMgr::writeGraph(std::ostream& stream) const
         graph.addNode(*entry.package, entry.initialized);
     for (const State::PackageEntry& entry : _state->_packagesToInit)
         graph.addNode(*entry.package, false);
-    for (const State::PackageEntry& entry : _state->_newPackages)
+    // New packages stand in the order of static initialisation, which is the linker's choice.
+    State::Entries newPackages = _state->_newPackages;
+    std::sort(newPackages.begin(), newPackages.end(), &State::nameBefore);
+    for (const State::PackageEntry& entry : newPackages)
         graph.addNode(*entry.package, false);
     graph.addEdges();
     graph.write(stream);

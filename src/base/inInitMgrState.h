@@ -31,6 +31,7 @@ struct InInitMgr::State
     struct SavedEntry : PackageEntry
     {
         const std::type_info* type;
+        bool isStarting = false;
     };
 
     /// A start, as `reportStart` tells it.
@@ -64,13 +65,15 @@ struct InInitMgr::State
     void saveNewPackages();
     void startPackages();
     void startPackage(const PackageEntry& entry);
-    void recordStart(const PackageEntry& entry, bool failed);
+    void endStart(const PackageEntry& entry, const std::type_info& type, bool isUp);
 
     void stopPackages();
 
     void forgetPackage(const InPackageInit& package);
     void forgetSaved(std::size_t index);
+    static bool nameBefore(const PackageEntry& left, const PackageEntry& right);
     std::int32_t indexOfSaved(const std::type_info& type) const;
+    SavedEntry& getSaved(const std::type_info& type);
     bool isInitialized(const std::type_info& type) const;
 
     void reportPackagesToInit() const;

@@ -1,5 +1,6 @@
 #include <base/inPackageInit.h>
 
+#include <base/assert.h>
 #include <base/inInitDebug.h>
 #include <base/inInitMgr.h>
 #include <base/inVariableBase.h>
@@ -58,6 +59,7 @@ InPackageInit::~InPackageInit()
 
 void InPackageInit::addDependency(InVariableBase* variable)
 {
+    KR_ASSERT(variable != nullptr);
     _variables.push_back(variable);
 }
 
@@ -101,6 +103,7 @@ void InPackageInit::finalize()
 
 void InPackageInit::addDependency(const std::type_info* type)
 {
+    KR_ASSERT(type != nullptr);
     const bool isUp = InInitMgr::getInstance().isInitialized(*type);
     (isUp ? _metDependencies : _dependencies).push_back(type);
 }

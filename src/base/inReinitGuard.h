@@ -2,7 +2,9 @@
 
 /// @file
 /// Admits packages after the first initialisation pass.
-/// @code
+/// @code{.cpp}
+/// void loadLibrary(const char* name);
+/// void loadEffects()
 /// {
 ///     Kr::InReinitGuard guard;
 ///     loadLibrary("effects"); // its packages register
@@ -11,17 +13,31 @@
 
 #include <base/inInitMgr.h>
 
+#include <exception>
+
 namespace Kr
 {
 
 /// Guards may be nested: the packages are started when the last one closes.
 ///
-/// Pitfall: the destructor raises what the start raises.
+/// Pitfall: the destructor raises what the start raises. Only while another exception is on its way
+/// does it keep its own back, which the trace has seen; `InInitMgr::dump` tells what is not up.
 class InReinitGuard
 {
 public:
     InReinitGuard() { InInitMgr::getInstance().incReinitCount(); }
-    ~InReinitGuard() noexcept(false) { InInitMgr::getInstance().decReinitCount(); }
+    ~InReinitGuard() noexcept(false)
+    {
+        try
+        {
+            InInitMgr::getInstance().decReinitCount();
+        }
+        catch (...)
+        {
+            if (std::uncaught_exceptions() == 0)
+                throw;
+        }
+    }
     InReinitGuard(const InReinitGuard&) = delete;
 
     /// Does nothing.
