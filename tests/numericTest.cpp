@@ -1,0 +1,375 @@
+// Numeric helpers: floating point, classification, powers of two, intervals.
+
+#include <base/exBase.h>
+#include <base/floatUtil.h>
+#include <base/interval.h>
+#include <base/ltFPClass.h>
+#include <base/pow2.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <random>
+#include <sstream>
+
+namespace
+{
+
+using Kr::FloatUtil;
+using Kr::Interval;
+using Kr::LtFPClass;
+using Kr::Pow2;
+
+constexpr double inf = std::numeric_limits<double>::infinity();
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+
+void expectAssertion(const std::function<void()>& misuse, const char* file, int line,
+                     const std::string& text)
+{
+    try
+    {
+        misuse();
+        FAIL() << "no failed assertion";
+    }
+    catch (const Kr::ExInternalError& error)
+    {
+        EXPECT_STREQ(error.getFileName(), file);
+        EXPECT_EQ(error.getLineNo(), line);
+        EXPECT_EQ(error.getReason(), "Assertion '" + text + "' failed.");
+    }
+}
+
+template <class T>
+class FloatUtilOf : public testing::Test
+{
+};
+using FloatTypes = testing::Types<float, double>;
+TYPED_TEST_SUITE(FloatUtilOf, FloatTypes, );
+
+TYPED_TEST(FloatUtilOf, comparesStrictlyAtExactlyTheTolerance)
+{
+    // Powers of two, so that every sum is exact.
+    const TypeParam eps = TypeParam(1) / 8;
+    struct
+    {
+        TypeParam a, b;
+        bool equal, smaller, smallerEqual, greater, greaterEqual;
+    } const cases[] = {
+        {1, 1, true, false, true, false, true},
+        {1, 1 + eps, false, false, true, false, false},
+        {1 + eps, 1, false, false, false, false, true},
+        {1, 1 + eps / 2, true, false, true, false, true},
+        {1, 1 + 2 * eps, false, true, true, false, false},
+        {1 + 2 * eps, 1, false, false, false, true, true},
+        {TypeParam(nan), 1, false, false, false, false, false},
+    };
+    for (const auto& c : cases)
+    {
+        SCOPED_TRACE(testing::Message() << c.a << " against " << c.b);
+        EXPECT_EQ(FloatUtil::isEqual(c.a, c.b, eps), c.equal);
+        EXPECT_EQ(FloatUtil::isSmaller(c.a, c.b, eps), c.smaller);
+        EXPECT_EQ(FloatUtil::isSmallerEqual(c.a, c.b, eps), c.smallerEqual);
+        EXPECT_EQ(FloatUtil::isGreater(c.a, c.b, eps), c.greater);
+        EXPECT_EQ(FloatUtil::isGreaterEqual(c.a, c.b, eps), c.greaterEqual);
+    }
+}
+
+TYPED_TEST(FloatUtilOf, roundsHalvesUpAndTakesTheSignOfZeroAsPositive)
+{
+    const TypeParam cases[][2] = {{2.5, 3},       {-2.5, -2},      {TypeParam(-2.6), -3},
+                                  {-0.5, 0},      {0, 0},          {TypeParam(-0.1), 0},
+                                  {1e30F, 1e30F}, {-1e30F, -1e30F}};
+    for (const auto& [x, rounded] : cases)
+        EXPECT_EQ(FloatUtil::round(x), rounded) << x;
+    EXPECT_EQ(FloatUtil::round(TypeParam(inf)), TypeParam(inf));
+    EXPECT_EQ(FloatUtil::round(TypeParam(-inf)), TypeParam(-inf));
+    EXPECT_TRUE(std::isnan(FloatUtil::round(TypeParam(nan))));
+
+    EXPECT_EQ(FloatUtil::sgn(TypeParam(0)), 1);
+    EXPECT_EQ(FloatUtil::sgn(TypeParam(-0.)), 1);
+    EXPECT_EQ(FloatUtil::sgn(TypeParam(-2)), -1);
+    EXPECT_EQ(FloatUtil::sgn(TypeParam(nan)), -1);
+}
+
+TYPED_TEST(FloatUtilOf, passesTheRuntimeLibraryThrough)
+{
+    const TypeParam x = TypeParam(0.75);
+    const TypeParam y = TypeParam(-0.3125);
+    EXPECT_EQ(FloatUtil::abs(y), TypeParam(0.3125));
+    EXPECT_EQ(FloatUtil::floor(y), -1);
+    EXPECT_EQ(FloatUtil::ceil(x), 1);
+    EXPECT_EQ(FloatUtil::mod(TypeParam(-7), TypeParam(3)), -1);
+    EXPECT_EQ(FloatUtil::pow(x, y), std::pow(x, y));
+    EXPECT_EQ(FloatUtil::sqrt(x), std::sqrt(x));
+    EXPECT_EQ(FloatUtil::hypot(TypeParam(3), TypeParam(-4)), 5);
+    EXPECT_EQ(FloatUtil::hypot(std::numeric_limits<TypeParam>::max(), TypeParam(0)),
+              TypeParam(inf));
+    EXPECT_EQ(FloatUtil::sin(x), std::sin(x));
+    EXPECT_EQ(FloatUtil::cos(x), std::cos(x));
+    EXPECT_EQ(FloatUtil::tan(x), std::tan(x));
+    EXPECT_EQ(FloatUtil::asin(x), std::asin(x));
+    EXPECT_EQ(FloatUtil::acos(x), std::acos(x));
+    EXPECT_EQ(FloatUtil::atan(x), std::atan(x));
+    EXPECT_EQ(FloatUtil::atan2(x, y), std::atan2(x, y));
+    EXPECT_EQ(FloatUtil::exp(x), std::exp(x));
+    EXPECT_EQ(FloatUtil::log(x), std::log(x));
+    EXPECT_EQ(FloatUtil::log10(x), std::log10(x));
+    EXPECT_TRUE(std::isnan(FloatUtil::sqrt(TypeParam(-1))));
+    EXPECT_EQ(FloatUtil::radiansToDegrees(TypeParam(3.141592653589793)), TypeParam(180));
+    EXPECT_EQ(FloatUtil::degreesToRadians(TypeParam(90)), TypeParam(1.5707963267948966));
+}
+
+TYPED_TEST(FloatUtilOf, classifies)
+{
+    struct
+    {
+        TypeParam x;
+        bool isNaN, isPositive, isNegative;
+    } const cases[] = {{TypeParam(nan), true, false, false},
+                       {TypeParam(inf), false, true, false},
+                       {TypeParam(-inf), false, false, true},
+                       {std::numeric_limits<TypeParam>::max(), false, false, false},
+                       {std::numeric_limits<TypeParam>::denorm_min(), false, false, false},
+                       {0, false, false, false}};
+    for (const auto& c : cases)
+    {
+        SCOPED_TRACE(c.x);
+        EXPECT_EQ(LtFPClass::isNaN(c.x), c.isNaN);
+        EXPECT_EQ(LtFPClass::isPositiveInfinity(c.x), c.isPositive);
+        EXPECT_EQ(LtFPClass::isNegativeInfinity(c.x), c.isNegative);
+        EXPECT_EQ(FloatUtil::isnan(c.x), c.isNaN);
+        EXPECT_EQ(FloatUtil::isinf(c.x), c.isPositive || c.isNegative);
+        EXPECT_EQ(FloatUtil::isfinite(c.x), !(c.isNaN || c.isPositive || c.isNegative));
+    }
+}
+
+TEST(FloatUtil, hasATolerancePerType)
+{
+    EXPECT_EQ(FloatUtil::getCompareEps(0.F), 1e-4F);
+    EXPECT_EQ(FloatUtil::getCompareEps(0.), 1e-7);
+    EXPECT_EQ(FloatUtil::getCompareEpsPrecision(0.F), 5);
+    EXPECT_EQ(FloatUtil::getCompareEpsPrecision(0.), 8);
+    EXPECT_FALSE(FloatUtil::isEqual(1., 1.0000002));
+    EXPECT_TRUE(FloatUtil::isEqual(1., 1.00000005));
+    EXPECT_TRUE(FloatUtil::isEqual(1.F, 1.00005F));
+    EXPECT_FALSE(FloatUtil::isSmaller(1., 1.));
+    EXPECT_TRUE(FloatUtil::isSmaller(1.F, 1.0002F));
+    EXPECT_TRUE(FloatUtil::isSmallerEqual(1., 1.));
+    EXPECT_FALSE(FloatUtil::isGreaterEqual(1., 1. + 2e-7));
+    EXPECT_TRUE(FloatUtil::isGreater(1. + 2e-7, 1.));
+}
+
+TEST(FloatUtil, roundsAsFloorOfTheSumForEveryMagnitude)
+{
+    std::mt19937_64 random(1);
+    const auto check = [](double x)
+    {
+        const double expected = std::floor(x + 0.5);
+        const double rounded = FloatUtil::round(x);
+        ASSERT_TRUE(rounded == expected || (std::isnan(rounded) && std::isnan(expected))) << x;
+        ASSERT_EQ(std::signbit(rounded), std::signbit(expected)) << x;
+        const float narrow = static_cast<float>(x);
+        const double exact = std::floor(static_cast<double>(narrow) + 0.5);
+        ASSERT_EQ(FloatUtil::round(narrow), static_cast<float>(exact)) << narrow;
+    };
+    for (double edge : {0.5, 2147483647.5, 2147483648., 4503599627370496., 9007199254740993.})
+        for (double x : {std::nextafter(edge, 0.), edge, std::nextafter(edge, inf)})
+        {
+            check(x);
+            check(-x);
+        }
+    for (int i = 0; i < 1000000; ++i)
+    {
+        const int exponent = static_cast<int>(random() % 80) - 10;
+        check(std::ldexp(static_cast<double>(static_cast<std::int64_t>(random())), exponent - 63));
+    }
+}
+
+TEST(FloatUtil, stepsSmoothly)
+{
+    EXPECT_EQ(FloatUtil::smoothStep(0, 1, 0.5F, 10, 20), 15);
+    EXPECT_EQ(FloatUtil::smoothStep(0, 1, -1, 10, 20), 10);
+    EXPECT_EQ(FloatUtil::smoothStep(0, 1, 0, 10, 20), 10);
+    EXPECT_EQ(FloatUtil::smoothStep(0, 0.1F, 0.1F, 10, 20.3F), 20.3F);
+    EXPECT_EQ(FloatUtil::smoothStep(2, 4, 2.5F, 0, 1), 0.15625F); // 3/16 - 2/64
+    EXPECT_EQ(FloatUtil::smoothStep(1, 1, 1, 10, 20), 20);
+}
+
+TEST(Pow2, agreesWithTheDefinitionAroundEveryPower)
+{
+    for (std::uint32_t n = 0; n < 32; ++n)
+    {
+        SCOPED_TRACE(n);
+        const std::uint32_t power = Pow2::exp(n);
+        EXPECT_EQ(power, static_cast<std::uint32_t>(std::ldexp(1., static_cast<int>(n))));
+        EXPECT_EQ(Pow2::exp(n + 32), power);
+        EXPECT_EQ(Pow2::log2Floor(power), n);
+        EXPECT_EQ(Pow2::log2Ceil(power), n);
+        EXPECT_EQ(Pow2::ceil(power), power);
+        if (n < 2)
+            continue;
+        EXPECT_EQ(Pow2::log2Floor(power - 1), n - 1);
+        EXPECT_EQ(Pow2::log2Floor(power + 1), n);
+        EXPECT_EQ(Pow2::log2Ceil(power - 1), n);
+        EXPECT_EQ(Pow2::log2Ceil(power + 1), n + 1);
+        EXPECT_EQ(Pow2::ceil(power - 1), power);
+        EXPECT_EQ(Pow2::ceil(power + 1), n == 31 ? 1 : 2 * power);
+    }
+    EXPECT_EQ(Pow2::ceil(0), 0U);
+    EXPECT_EQ(Pow2::ceil(0xC0000000U), 1U);
+    EXPECT_EQ(Pow2::ceil(0xFFFFFFFFU), 1U);
+    static_assert(Pow2::ceil(640) == 1024, "usable in constant expressions");
+}
+
+TEST(Pow2, refusesTheLogarithmOfZero)
+{
+    expectAssertion([] { Pow2::log2Floor(0); }, "src/base/pow2.inline", 40, "a > 0");
+    expectAssertion([] { Pow2::log2Ceil(0); }, "src/base/pow2.inline", 57, "a > 0");
+}
+
+using IntervalD = Interval<double>;
+
+TEST(Interval, tellsHowOneLiesAgainstAnother)
+{
+    constexpr auto disjoint = IntervalD::Disjoint;
+    constexpr auto inside = IntervalD::Inside;
+    constexpr auto overlapping = IntervalD::Overlapping;
+    constexpr auto enclosing = IntervalD::Enclosing;
+    struct
+    {
+        IntervalD a, b;
+        IntervalD::Containment inclusive, exclusive;
+    } const cases[] = {
+        {{1, 2}, {2, 3}, overlapping, disjoint},
+        {{2, 3}, {1, 2}, overlapping, disjoint},
+        {{1, 2}, {0, 5}, inside, inside},
+        {{0, 5}, {1, 2}, enclosing, enclosing},
+        {{1, 2}, {1, 2}, inside, inside},
+        {{1, 2}, {1, 5}, inside, inside},
+        {{1, 5}, {1, 2}, enclosing, enclosing},
+        {{1, 3}, {2, 5}, overlapping, overlapping},
+        {{1, 2}, {3, 4}, disjoint, disjoint},
+        {{3, 4}, {1, 2}, disjoint, disjoint},
+        // A single value at the end of another interval: open intervals do not meet there.
+        {{2, 2}, {2, 3}, inside, disjoint},
+        {{2, 3}, {2, 2}, enclosing, disjoint},
+        {{2, 2}, {1, 3}, inside, inside},
+        {IntervalD::getEmpty(), {1, 2}, disjoint, disjoint},
+        {{1, 2}, IntervalD::getEmpty(), disjoint, disjoint},
+        {IntervalD::getEmpty(), IntervalD::getEmpty(), disjoint, disjoint},
+    };
+    for (const auto& c : cases)
+    {
+        SCOPED_TRACE(testing::Message() << c.a << " against " << c.b);
+        EXPECT_EQ(c.a.getInclusiveContainment(c.b), c.inclusive);
+        EXPECT_EQ(c.a.getExclusiveContainment(c.b), c.exclusive);
+    }
+}
+
+TEST(Interval, calculates)
+{
+    const IntervalD a(1, 3), b(-2, 4), empty = IntervalD::getEmpty();
+    EXPECT_EQ(a + b, IntervalD(-1, 7));
+    EXPECT_EQ(a - b, IntervalD(-3, 5));
+    EXPECT_EQ(a * b, IntervalD(-6, 12));
+    EXPECT_EQ(b * b, IntervalD(-8, 16));
+    EXPECT_EQ(b / a, IntervalD(-2, 4));
+    EXPECT_EQ(b / -a, IntervalD(-4, 2));
+    EXPECT_EQ(-b, IntervalD(-4, 2));
+    EXPECT_EQ(a / -2., IntervalD(-1.5, -0.5));
+    EXPECT_EQ(a / 2., IntervalD(0.5, 1.5));
+    EXPECT_EQ(a * -2., IntervalD(-6, -2));
+    EXPECT_EQ(1. - a, IntervalD(-2, 0));
+    EXPECT_EQ(6. / a, IntervalD(2, 6));
+    EXPECT_EQ(IntervalD(2, 4).reciprocal(), IntervalD(0.25, 0.5));
+    EXPECT_EQ(IntervalD(-4, -2).reciprocal(), IntervalD(-0.5, -0.25));
+    IntervalD c = a;
+    EXPECT_EQ((((c += b) *= 2.) -= a) /= 2., IntervalD(-2.5, 6.5));
+
+    for (const IntervalD& result : {a + empty, empty - a, a * empty, empty / a, a / empty, -empty,
+                                    empty / -2., empty * -1., empty.reciprocal()})
+        EXPECT_TRUE(result == empty) << result;
+    // Infinite ends are limits: zero times infinity is zero, infinity over infinity meets zero.
+    EXPECT_EQ(IntervalD(0, 1) * IntervalD(2, inf), IntervalD(0, inf));
+    EXPECT_EQ(IntervalD(1, inf) / IntervalD(1, inf), IntervalD(0, inf));
+    const IntervalD undefined = a * IntervalD(nan, 1);
+    EXPECT_TRUE(std::isnan(undefined.getLower()) && std::isnan(undefined.getUpper()));
+}
+
+TEST(Interval, refusesToDivideByZero)
+{
+    const char* const file = "src/base/interval.inline";
+    const char* const holdsZero = "val.getLower() > 0. || val.getUpper() < 0.";
+    const IntervalD a(1, 3);
+    for (double zero : {0., -0., nan})
+        expectAssertion([&] { a / zero; }, file, 221, "val != 0");
+    for (const IntervalD& zero : {IntervalD(-1, 1), IntervalD(0, 1), IntervalD(-1, 0), IntervalD()})
+    {
+        expectAssertion([&] { zero.reciprocal(); }, file, 566, holdsZero);
+        expectAssertion([&] { a / zero; }, file, 566, holdsZero);
+    }
+}
+
+TEST(Interval, keepsItsEndsInOrderAndKnowsItsValues)
+{
+    const IntervalD a(3, 1);
+    EXPECT_EQ(a.getLower(), 1);
+    EXPECT_EQ(a.getUpper(), 3);
+    EXPECT_EQ(a.getWidth(), 2);
+    EXPECT_EQ(a.getCentre(), 2);
+    EXPECT_TRUE(a.contains(1.) && a.contains(3.) && !a.contains(3.5) && !a.contains(nan));
+    EXPECT_TRUE(a.contains(IntervalD(1, 2)) && !a.contains(IntervalD(0, 2)));
+    EXPECT_TRUE(a.contains(IntervalD::getEmpty()));
+    EXPECT_TRUE(a.intersects(IntervalD(3, 4)) && !a.intersects(IntervalD(4, 5)));
+    EXPECT_FALSE(a.isEmpty() || IntervalD(2.).isEmpty() || IntervalD(nan, 1).isEmpty());
+
+    const double greatest = std::numeric_limits<double>::max();
+    EXPECT_EQ(IntervalD(greatest / 2, greatest).getCentre(), greatest * 0.75);
+    EXPECT_EQ(IntervalD(-inf, inf).getCentre(), 0);
+    const double least = std::numeric_limits<double>::denorm_min();
+    EXPECT_EQ(IntervalD(least, least).getCentre(), least);
+}
+
+TEST(Interval, meetsAndJoins)
+{
+    const IntervalD a(1, 3), b(2, 5), far(7, 8), empty = IntervalD::getEmpty();
+    EXPECT_EQ(a.getIntersection(b), IntervalD(2, 3));
+    EXPECT_EQ(a.getIntersection(IntervalD(3, 4)), IntervalD(3.));
+    EXPECT_EQ(a.getIntersection(far), empty);
+    EXPECT_EQ(a.getIntersection(empty), empty);
+    EXPECT_EQ(a.getUnion(far), IntervalD(1, 8));
+    EXPECT_EQ(a.getUnion(empty), a);
+    EXPECT_EQ(empty.getWidth(), 0);
+    EXPECT_FALSE(empty.contains(0.) || empty.intersects(a));
+    IntervalD grown = empty;
+    for (double value : {2., -1., 1.})
+        grown.extend(value);
+    EXPECT_EQ(grown, IntervalD(-1, 2));
+
+    std::ostringstream text;
+    text << a << ' ' << empty << ' ' << Interval<float>(-1.5F, 2.F);
+    EXPECT_EQ(text.str(), "[1, 3] [] [-1.5, 2]");
+}
+
+TEST(Interval, holdsEveryResultOfItsValues)
+{
+    std::mt19937 random(7);
+    const auto pick = [&](double low, double high)
+    { return std::uniform_real_distribution<double>(low, high)(random); };
+    for (int i = 0; i < 100000; ++i)
+    {
+        const IntervalD a(pick(-9, 9), pick(-9, 9)), b(pick(-9, 9), pick(-9, 9));
+        const double x = pick(a.getLower(), a.getUpper()), y = pick(b.getLower(), b.getUpper());
+        ASSERT_TRUE((a + b).contains(x + y) && (a - b).contains(x - y) && (a * b).contains(x * y))
+            << a << ' ' << b << ' ' << x << ' ' << y;
+        if (!b.contains(0.))
+        {
+            ASSERT_TRUE((a / b).contains(x / y)) << a << ' ' << b << ' ' << x << ' ' << y;
+        }
+    }
+}
+
+} // namespace
