@@ -1,3 +1,5 @@
+#include "allocationCount.h"
+
 #include <base/hwCounter.h>
 #include <base/hwCounterIA32.h>
 #include <base/hwIntervalTimer.h>
@@ -413,6 +415,18 @@ TEST(IntervalTimer, HardwareTimerMeasuresBetweenItsStamps)
     neverStarted.stop();
     EXPECT_GE(neverStarted.timeInterval(), before);
     EXPECT_LE(neverStarted.timeInterval(), HwCounter::seconds());
+}
+
+TEST(IntervalTimer, MeasuringAllocatesNothing)
+{
+    Kr::HwIntervalTimer timer;
+    const int before = getAllocationCount();
+    timer.start();
+    timer.stop();
+    const double seconds = timer.timeInterval() + timer.sinceStart() + HwCounter::seconds();
+    const int after = getAllocationCount();
+    EXPECT_GT(seconds, 0.);
+    EXPECT_EQ(before, after);
 }
 
 TEST(IntervalTimer, TimeOfDayDifferences)

@@ -1,23 +1,18 @@
-// The hardware counter in a process of its own: its first use, that it allocates nothing,
-// and what start-up finds out about the machine.
+// What needs a process of its own: the counter's first use, and what start-up finds out about the
+// machine.
 
 #include "scenario.h"
 
 #include <base/hwCounter.h>
-#include <base/hwIntervalTimer.h>
 #include <base/inInitGuard.h>
 #include <base/osCpuInfo.h>
 
 #include <atomic>
-#include <cstdlib>
-#include <new>
 #include <thread>
 #include <vector>
 
 namespace
 {
-
-std::atomic<long> allocations{0};
 
 /// Nothing has started the library; several threads want the counter at once.
 void firstUse()
@@ -43,17 +38,6 @@ void firstUse()
     SCENARIO_CHECK(Kr::OsCpuInfo::getHwCounterFrequency() != 0);
 }
 
-void noAllocation()
-{
-    Kr::HwIntervalTimer timer;
-    const long before = allocations;
-    timer.start();
-    timer.stop();
-    const double seconds = timer.timeInterval() + timer.sinceStart() + Kr::HwCounter::seconds();
-    SCENARIO_CHECK(seconds > 0.);
-    SCENARIO_CHECK(allocations == before);
-}
-
 /// The package of the operating-system layer describes the machine.
 void startUp()
 {
@@ -69,27 +53,8 @@ void startUp()
 
 } // namespace
 
-void* operator new(std::size_t size)
-{
-    ++allocations;
-    if (void* memory = std::malloc(size))
-        return memory;
-    throw std::bad_alloc();
-}
-
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
-
 int main(int argc, char** argv)
 {
-    const Scenario::Case cases[] = {
-        {"firstUse", firstUse}, {"noAllocation", noAllocation}, {"startUp", startUp}};
+    const Scenario::Case cases[] = {{"firstUse", firstUse}, {"startUp", startUp}};
     return Scenario::run(cases, argc, argv);
 }
