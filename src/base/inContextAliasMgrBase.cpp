@@ -60,8 +60,18 @@ void eraseAlias(Table& table, const char* key, const InContextAliasBase& alias)
 
 Vector<char*>& InContextAliasMgrBase::args()
 {
-    static Vector<char*> arguments;
-    return arguments;
+    // The copies of a program that exits without finalize.
+    struct Arguments
+    {
+        ~Arguments()
+        {
+            for (const char* word : words)
+                delete[] word;
+        }
+        Vector<char*> words;
+    };
+    static Arguments arguments;
+    return arguments.words;
 }
 
 Vector<char*> InContextAliasMgrBase::getRemainingWords()

@@ -1,0 +1,18 @@
+#pragma once
+
+// The viewer: a package with a setting of every kind.
+
+#include <base/inInit.h>
+
+namespace KrInit
+{
+
+struct viewer
+{
+    static constexpr const char* name = "viewer";
+    using Dependencies = Kr::InDependencies<struct base, struct scene>;
+    static void start();
+    static void stop();
+};
+
+} // namespace KrInit
