@@ -1,0 +1,43 @@
+#pragma once
+
+/// @file
+/// Stream insertion of 64-bit integers as plain decimal, whatever base, sign or grouping the
+/// stream is set to. The digits are inserted as one C string, so a field width applies to them as
+/// to any text.
+/// @code
+/// Kr::operator<<(std::cout << std::hex, count) << '\n'; // decimal all the same
+/// @endcode
+///
+/// Pitfall: `std::cout << count` takes the standard's own inserter, which obeys the stream's
+/// settings. The two would be ambiguous inside the namespace `Kr` and under `using namespace Kr`;
+/// these are templates so that the standard's one is preferred there. Tick counts (`DtTimeIndex`)
+/// always print through these.
+
+#include <base/krBaseApi.h>
+
+#include <iosfwd>
+#include <type_traits>
+
+namespace Kr
+{
+
+/// What the operators below do.
+KR_BASE_API std::ostream& insertDecimal(std::ostream& stream, long long value);
+KR_BASE_API std::ostream& insertDecimal(std::ostream& stream, unsigned long long value);
+
+/// Inserts a `long long`: a minus sign if negative, and the digits.
+template <class Integer, std::enable_if_t<std::is_same_v<Integer, long long>, int> = 0>
+std::ostream& operator<<(std::ostream& stream, const Integer& value)
+{
+    return insertDecimal(stream, value);
+}
+
+/// Inserts an `unsigned long long`.
+template <class Integer, std::enable_if_t<std::is_same_v<Integer, unsigned long long>, int> = 0,
+          class = void>
+std::ostream& operator<<(std::ostream& stream, const Integer& value)
+{
+    return insertDecimal(stream, value);
+}
+
+} // namespace Kr
