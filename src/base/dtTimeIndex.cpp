@@ -71,7 +71,7 @@ DtTimeIndex::Conversion DtTimeIndex::convertChecked(const Rational& fromRate,
     const bool isTowardZero = style == std::round_toward_zero;
     const double rounded = isTowardZero ? 0. : convertDouble(fromRate, toRate, style);
     if (!scaled.fits || !TwosComplement::canTruncate(rounded))
-        raise(DtEx::CountOverflow(KR_HERE));
+        raise<DtEx::CountOverflow>(KR_HERE);
     const long long count = isTowardZero ? scaled.quotient : TwosComplement::truncate(rounded);
     return {count, scaled.isExact && count == scaled.quotient};
 }

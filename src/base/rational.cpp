@@ -15,7 +15,7 @@ namespace Kr
 void Rational::setValue(std::int32_t numerator, std::int32_t denominator)
 {
     if (denominator == 0)
-        raise(RationalEx::ExDenominatorZero(KR_HERE_AT(63)));
+        raise<RationalEx::ExDenominatorZero>(KR_HERE_AT(63));
     _numerator = denominator > 0 ? numerator : TwosComplement::negate(numerator);
     _denominator = denominator > 0 ? denominator : TwosComplement::negate(denominator);
     if (_numerator == 0)
