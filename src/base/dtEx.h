@@ -44,7 +44,7 @@ class KR_BASE_API DtEx::DtStringError
     : public ExConcrete<DtEx::DtStringError, std::logic_error, DtEx>
 {
 public:
-    enum ErrorCode
+    enum ErrorCode : std::int32_t
     {
         NumeratorMalformed = 0,
         NumeratorOverflow = 1,

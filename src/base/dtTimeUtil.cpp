@@ -8,6 +8,7 @@
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 #include <string_view>
 #include <system_error>
 
@@ -48,6 +49,26 @@ float getSeconds(float count, const Rational& rate) noexcept
     return count * rate.getReciprocalFloat();
 }
 
+/// Truncated toward zero, to the nearest 64-bit integer.
+DtTimeIndex saturate(double count) noexcept
+{
+    if (TwosComplement::canTruncate(count))
+        return TwosComplement::truncate(count);
+    using Limits = std::numeric_limits<std::int64_t>;
+    return count > 0. ? Limits::max() : Limits::min();
+}
+
+template <class Float>
+Interval<DtTimeIndex> getTicks(const Interval<Float>& seconds, Float rate)
+{
+    const Interval<Float> ticks = seconds * rate;
+    const DtTimeIndex first = saturate(FloatUtil::ceil(ticks.getLower()));
+    const DtTimeIndex last = saturate(ticks.getUpper());
+    // An interval would take ends in the wrong order for an oversight, and exchange them.
+    const bool isEmpty = !(ticks.getLower() <= ticks.getUpper()) || first > last;
+    return isEmpty ? Interval<DtTimeIndex>::getEmpty() : Interval<DtTimeIndex>(first, last);
+}
+
 } // namespace
 
 double DtTimeUtil::getSecondsDouble(const DtTime& time) noexcept
@@ -73,31 +94,31 @@ DtTime DtTimeUtil::getDtTimeFromSeconds(const Rational& rate, float seconds)
 Interval<DtTimeIndex> DtTimeUtil::getInclusiveDtTimeIndexInterval(const DtTime& time,
                                                                   const Interval<double>& seconds)
 {
-    const double rate = time.getRate().getDouble();
-    return {TwosComplement::truncate(FloatUtil::ceil(seconds.getLower() * rate)),
-            TwosComplement::truncate(seconds.getUpper() * rate)};
+    return getTicks(seconds, time.getRate().getDouble());
 }
 
 Interval<DtTimeIndex> DtTimeUtil::getInclusiveDtTimeIndexInterval(const DtTime& time,
                                                                   const Interval<float>& seconds)
 {
-    const float rate = time.getRate().getFloat();
-    return {TwosComplement::truncate(FloatUtil::ceil(seconds.getLower() * rate)),
-            TwosComplement::truncate(seconds.getUpper() * rate)};
+    return getTicks(seconds, time.getRate().getFloat());
 }
 
 Interval<double> DtTimeUtil::getSecondsIntervalDouble(const DtTime& time,
                                                       const Interval<DtTimeIndex>& indices)
 {
-    return {getSeconds(indices.getLower().getDouble(), time.getRate()),
-            getSeconds(indices.getUpper().getDouble(), time.getRate())};
+    if (indices.isEmpty())
+        return Interval<double>::getEmpty();
+    return Interval<double>(getSeconds(indices.getLower().getDouble(), time.getRate()),
+                            getSeconds(indices.getUpper().getDouble(), time.getRate()));
 }
 
 Interval<float> DtTimeUtil::getSecondsIntervalFloat(const DtTime& time,
                                                     const Interval<DtTimeIndex>& indices)
 {
-    return {getSeconds(indices.getLower().getFloat(), time.getRate()),
-            getSeconds(indices.getUpper().getFloat(), time.getRate())};
+    if (indices.isEmpty())
+        return Interval<float>::getEmpty();
+    return Interval<float>(getSeconds(indices.getLower().getFloat(), time.getRate()),
+                           getSeconds(indices.getUpper().getFloat(), time.getRate()));
 }
 
 ArrayPtrRet<char> DtTimeUtil::getDtStringFromDtTime(const DtTime& time)

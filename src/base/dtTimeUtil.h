@@ -41,8 +41,8 @@ public:
     /// @{
 
     /// The ticks at `time`'s rate that lie in an interval of seconds: [0.51, 0.99] at 24/1 holds
-    /// the ticks [13, 23]. The upper bound is truncated toward zero, so below zero it is rounded
-    /// up: that is kept.
+    /// the ticks [13, 23]. Empty when there is none; ends that do not fit in 64 bits saturate.
+    /// The upper end is truncated toward zero, so below zero it is rounded up: that is kept.
     static Interval<DtTimeIndex> getInclusiveDtTimeIndexInterval(const DtTime& time,
                                                                  const Interval<double>& seconds);
     static Interval<DtTimeIndex> getInclusiveDtTimeIndexInterval(const DtTime& time,
