@@ -42,11 +42,11 @@ void run(benchmark::State& state, const std::vector<T>& values, Function functio
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(values.size()));
 }
 
-// Builtin counterparts with the same results, as one would write them by hand.
-
+/// With the same results, as one would write it by hand.
 std::uint32_t ceilBuiltin(std::uint32_t a)
 {
-    return a <= 1 ? a : std::uint32_t{1} << (32 - __builtin_clz(a - 1)) % 32;
+    return a <= 1 ? a
+                  : std::uint32_t{1} << (32U - static_cast<unsigned>(__builtin_clz(a - 1))) % 32;
 }
 
 void BM_log2Floor(benchmark::State& state)
