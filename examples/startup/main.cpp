@@ -5,7 +5,7 @@
 //   startup --cycle                          what a start-up that cannot work looks like
 
 #include "plugins.h"
-#include "scene.h"
+#include "viewer.h"
 
 #include <base/inContextAlias.h>
 #include <base/inContextAliasMgrBase.h>
@@ -28,7 +28,7 @@ namespace KrInit
 struct application
 {
     static constexpr const char* name = "application";
-    using Dependencies = Kr::InDependencies<struct viewer>;
+    using Dependencies = Kr::InDependencies<viewer>;
     static void start() {}
     static void stop() {}
 };

@@ -6,10 +6,12 @@
 namespace KrInit
 {
 
+struct egg;
+
 struct hen
 {
     static constexpr const char* name = "hen";
-    using Dependencies = Kr::InDependencies<struct egg>;
+    using Dependencies = Kr::InDependencies<egg>;
     static void start() {}
     static void stop() {}
 };

@@ -4,7 +4,6 @@
 #include <base/inInit.imp>
 #include <base/inSingleton.imp>
 #include <base/inVariable.h>
-#include <base/krInitPackages.h>
 #include <base/trace.h>
 
 #include <algorithm>

@@ -3,8 +3,8 @@
 // The scene: a service that exists exactly while its package is up.
 
 #include <base/exBase.h>
-#include <base/inInit.h>
 #include <base/inSingleton.h>
+#include <base/krInitPackages.h>
 
 #include <string>
 #include <vector>
@@ -15,7 +15,7 @@ namespace KrInit
 struct scene
 {
     static constexpr const char* name = "scene";
-    using Dependencies = Kr::InDependencies<struct base>;
+    using Dependencies = Kr::InDependencies<base>;
     static void start();
     static void stop();
 };

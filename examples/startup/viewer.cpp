@@ -1,11 +1,8 @@
 #include "viewer.h"
 
-#include "scene.h"
-
 #include <base/inContextAlias.h>
 #include <base/inInit.imp>
 #include <base/inVariable.h>
-#include <base/krInitPackages.h>
 
 #include <iostream>
 

@@ -2,7 +2,7 @@
 
 // The viewer: a package with a setting of every kind.
 
-#include <base/inInit.h>
+#include "scene.h"
 
 namespace KrInit
 {
@@ -10,7 +10,7 @@ namespace KrInit
 struct viewer
 {
     static constexpr const char* name = "viewer";
-    using Dependencies = Kr::InDependencies<struct base, struct scene>;
+    using Dependencies = Kr::InDependencies<base, scene>;
     static void start();
     static void stop();
 };

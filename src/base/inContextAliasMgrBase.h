@@ -19,8 +19,6 @@
 #include <base/krBaseApi.h>
 #include <base/vector.h>
 
-#include <cstddef>
-
 namespace Kr
 {
 

@@ -52,6 +52,7 @@ class InValueForm
                                      "std::string or an enumeration");
 
 public:
+    InValueForm() = delete; // a variable of an enumeration cannot do without its names
     InValueForm(std::initializer_list<InEnumName<E>> names)
         : _names(names)
     {

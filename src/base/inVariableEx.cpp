@@ -8,6 +8,11 @@ namespace Kr
 namespace
 {
 
+const char* orEmpty(const char* text)
+{
+    return text != nullptr ? text : "";
+}
+
 constexpr int cut = 256;
 constexpr std::size_t textSize = 4 * cut + 128; // four texts and the words around them
 
@@ -26,7 +31,8 @@ InVariableEx::ExMalformedValue::ExMalformedValue(const char* file, int line, con
     char reason[textSize];
     std::snprintf(reason, sizeof reason,
                   "Variable '%.*s': the value '%.*s' of %.*s is malformed, expected %.*s.", cut,
-                  handle, cut, text, cut, source, cut, expected);
+                  orEmpty(handle), cut, orEmpty(text), cut, orEmpty(source), cut,
+                  orEmpty(expected));
     setReason(reason);
 }
 
@@ -35,8 +41,8 @@ InVariableEx::ExMissingValue::ExMissingValue(const char* file, int line, const c
     : ExConcrete(file, line)
 {
     char reason[textSize];
-    std::snprintf(reason, sizeof reason, "Variable '%.*s': %.*s needs a value, %.*s.", cut, handle,
-                  cut, source, cut, expected);
+    std::snprintf(reason, sizeof reason, "Variable '%.*s': %.*s needs a value, %.*s.", cut,
+                  orEmpty(handle), cut, orEmpty(source), cut, orEmpty(expected));
     setReason(reason);
 }
 

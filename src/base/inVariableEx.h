@@ -2,7 +2,7 @@
 
 /// @file
 /// What is wrong with a value that someone gave to an initialisation variable. Every text in a
-/// reason is cut at 256 characters.
+/// reason is cut at 256 characters; a null one counts as empty.
 
 #include <base/inEx.h>
 
