@@ -104,9 +104,7 @@ void InContextAliasMgrBase::registerAlias(const InContextAliasBase& alias)
     AliasTable& table = aliases();
     const char* const option = alias.getOption();
     const char* const environmentName = alias.getEnvironmentName();
-    // A command line that has been handed over means that the first pass has begun, even if it
-    // failed before it closed the table.
-    if (table.isClosed || !args().empty())
+    if (table.isClosed)
         raise<InEx::ExNoNewContextAliasAfterInit>(KR_HERE, alias.getHandle(),
                                                   option != nullptr ? option : environmentName);
     if (option != nullptr && (table.byOption.count(option) != 0 || isHandleOfOther(alias)))

@@ -35,7 +35,7 @@ public:
     /// into `args()`.
     static Vector<char*> getRemainingWords();
 
-    /// No alias can be defined from now on. The manager calls this when its first pass begins.
+    /// No alias can be defined from now on. The manager calls this when a pass begins.
     static void closeRegistration() noexcept;
 
     /// The aliases of a handle, in the order of their definition.

@@ -1,4 +1,3 @@
-#include <base/inContextAliasMgrBase.h>
 #include <base/inInit.imp>
 #include <base/krInitPackages.h>
 
@@ -8,7 +7,6 @@ static Kr::InInit<KrInit::initArg> package;
 
 void KrInit::initArg::start()
 {
-    Kr::InContextAliasMgrBase::closeRegistration();
 }
 
 void KrInit::initArg::stop()
