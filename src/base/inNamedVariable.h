@@ -42,6 +42,7 @@ public:
     const char* getHandle() const noexcept { return _handle.c_str(); }
     const char* getHelp() const noexcept { return _help.c_str(); }
     const InPackageInitBase& getPackage() const noexcept { return *_package; }
+    /// Whether the package has started the variable, be it with a valid value or not.
     bool isInitialized() const noexcept { return _state != State::Uninitialized; }
 
     /// Where the value came from. Raises like `InVariable::getValue`.
