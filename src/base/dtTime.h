@@ -58,11 +58,11 @@ public:
 
     /// @name Arithmetic on the count; the rate stays
     /// @{
-    DtTime& operator+=(const DtTimeIndex& other) noexcept;
-    DtTime& operator-=(const DtTimeIndex& other) noexcept;
-    DtTime& operator*=(const DtTimeIndex& other) noexcept;
-    DtTime& operator/=(const DtTimeIndex& divisor);
-    DtTime& operator%=(const DtTimeIndex& divisor);
+    inline DtTime& operator+=(const DtTimeIndex& other) noexcept;
+    inline DtTime& operator-=(const DtTimeIndex& other) noexcept;
+    inline DtTime& operator*=(const DtTimeIndex& other) noexcept;
+    inline DtTime& operator/=(const DtTimeIndex& divisor);
+    inline DtTime& operator%=(const DtTimeIndex& divisor);
 
     DtTime operator+(const DtTimeIndex& other) const noexcept { return DtTime(*this) += other; }
     DtTime operator-(const DtTimeIndex& other) const noexcept { return DtTime(*this) -= other; }
@@ -72,8 +72,8 @@ public:
 
     DtTime& operator++() noexcept { return *this += 1; }
     DtTime& operator--() noexcept { return *this -= 1; }
-    DtTime operator++(int) noexcept;
-    DtTime operator--(int) noexcept;
+    inline DtTime operator++(int) noexcept;
+    inline DtTime operator--(int) noexcept;
     /// @}
 
     /// @name Arithmetic between times

@@ -50,11 +50,11 @@ public:
 
     /// @name Arithmetic
     /// @{
-    DtTimeIndex& operator+=(long long other) noexcept;
-    DtTimeIndex& operator-=(long long other) noexcept;
-    DtTimeIndex& operator*=(long long other) noexcept;
-    DtTimeIndex& operator/=(long long divisor);
-    DtTimeIndex& operator%=(long long divisor);
+    inline DtTimeIndex& operator+=(long long other) noexcept;
+    inline DtTimeIndex& operator-=(long long other) noexcept;
+    inline DtTimeIndex& operator*=(long long other) noexcept;
+    inline DtTimeIndex& operator/=(long long divisor);
+    inline DtTimeIndex& operator%=(long long divisor);
 
     DtTimeIndex operator+(DtTimeIndex other) const noexcept { return other += _count; }
     DtTimeIndex operator-(DtTimeIndex other) const noexcept { return DtTimeIndex(*this) -= other; }
@@ -65,8 +65,8 @@ public:
 
     DtTimeIndex& operator++() noexcept { return *this += 1; }
     DtTimeIndex& operator--() noexcept { return *this -= 1; }
-    DtTimeIndex operator++(int) noexcept;
-    DtTimeIndex operator--(int) noexcept;
+    inline DtTimeIndex operator++(int) noexcept;
+    inline DtTimeIndex operator--(int) noexcept;
     /// @}
 
     /// @name The count as a time of day
