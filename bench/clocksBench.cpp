@@ -1,5 +1,6 @@
 // Taking a time stamp and measuring an interval, beside the other ways of doing so.
 
+#include <base/dtRefTime.h>
 #include <base/hwCounter.h>
 #include <base/hwIntervalTimer.h>
 #include <base/todIntervalTimer.h>
@@ -21,6 +22,14 @@ void stampHwCounter(benchmark::State& state)
         benchmark::DoNotOptimize(Kr::HwCounter::timeStamp());
 }
 BENCHMARK(stampHwCounter);
+
+void stampReferenceTime(benchmark::State& state)
+{
+    const Kr::DtRefTimeFactory& clock = Kr::DtRefTimeFactory::getInstance();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(clock.create());
+}
+BENCHMARK(stampReferenceTime);
 
 void stampSteadyClock(benchmark::State& state)
 {

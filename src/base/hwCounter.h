@@ -12,15 +12,15 @@
 /// arbitrary moment: only differences mean something.
 ///
 /// Taking a stamp reads a counter and shifts it: no lock, no allocation, no division. The first
-/// call of any operation builds the engine, which may take some milliseconds; the library does so
-/// when it starts. Every operation may be called by any thread.
+/// call of any operation builds the engine; before the library has started that includes measuring
+/// the counter, some milliseconds. Every operation may be called by any thread.
 ///
 /// Pitfalls: a stamp is not a fence. The processor may read the counter while instructions before
 /// it, loads above all, are still under way: some tens of ticks. Stamps that one thread takes do
 /// not run backwards; when one thread compares its stamp to another thread's, a difference below
 /// 100 nanoseconds says nothing about which came first. The rate of a counter that is measured
 /// differs by a few parts per million from one process to the next, so tick counts do not travel
-/// between processes; seconds do. See docs/clocks.md for where the ticks come from.
+/// between processes; differences in seconds do. See docs/clocks.md for where the ticks come from.
 
 #include <base/hwCounterEng.h>
 #include <base/krBaseApi.h>
