@@ -60,10 +60,17 @@ bool isProcessorCounterKeptByKernel()
     return static_cast<bool>(file >> name) && name == "tsc";
 }
 
+/// The clock that the counter's rate is measured against.
+bool isRawClockReadable() noexcept
+{
+    timespec now{};
+    return ::clock_gettime(CLOCK_MONOTONIC_RAW, &now) == 0;
+}
+
 bool isProcessorCounterTrusted()
 {
     return isProcessorCounterInvariant() && isProcessorCounterReadable() &&
-           isProcessorCounterKeptByKernel();
+           isProcessorCounterKeptByKernel() && isRawClockReadable();
 }
 
 #else
