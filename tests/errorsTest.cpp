@@ -218,6 +218,11 @@ TEST(Trace, AProgramsOwnSeesEveryRaise)
     EXPECT_EQ(&trace, &TraceManager::getInstance().setTrace(previous));
     EXPECT_THROW(Kr::raise(ExText("not seen")), ExText);
     EXPECT_EQ("Assertion '1 > 2' failed.", trace.reason);
+    {
+        RecordingTrace forgotten;
+        TraceManager::getInstance().setTrace(forgotten);
+    }
+    EXPECT_EQ(&previous, &TraceManager::getInstance().getTrace());
 }
 
 TEST(Trace, ListsTheLastRaisesOldestFirst)

@@ -5,8 +5,8 @@
 ///
 /// `ArrayPtr<T>` and `ArrayPtrRet<T>` behave as `ObjPtr` and `ObjPtrRet` do, for arrays:
 /// @code
-/// Kr::ArrayPtr<char> text(Kr::DtTimeUtil::getDtStringFromDtTime(time));
-/// std::puts(text.get());
+/// Kr::ArrayPtr<int> histogram(new int[256]());
+/// ++histogram[17];
 /// @endcode
 
 #include <base/ownedPtr.h>

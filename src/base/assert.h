@@ -2,8 +2,8 @@
 
 /// @file
 /// Checks of a caller's misuse, always on: a failed check raises `ExInternalError`.
-/// @code
-/// void Camera::setFieldOfView(double degrees)
+/// @code{.cpp}
+/// void setFieldOfView(double degrees)
 /// {
 ///     KR_ASSERT(degrees > 0. && degrees < 180.);
 ///     // ...

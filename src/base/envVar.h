@@ -2,10 +2,10 @@
 
 /// @file
 /// Environment variables with a default, declared where they are used.
-/// @code
+/// @code{.cpp}
 /// static Kr::EnvIntVar gridLines("VIEWER_GRID_LINES", 10);
 ///
-/// void drawGrid() { drawLines(gridLines.getValue()); }
+/// int getGridSpacing(int width) { return width / gridLines.getValue(); }
 ///
 /// void reportSettings() { std::cout << Kr::EnvVar::getRegistry() << '\n'; }
 /// @endcode

@@ -8,7 +8,7 @@
 /// @code
 /// try
 /// {
-///     Kr::InInitMgr::getInstance().finalize();
+///     throw Kr::ExInternalError("viewer/scene", 12, "The scene is empty.");
 /// }
 /// catch (const Kr::ExBase& error)
 /// {

@@ -5,9 +5,14 @@
 ///
 /// Build or raise one immediately after the failing call, before anything else can change the
 /// thread's error state:
-/// @code
-/// if (std::rename(from, to) != 0)
-///     Kr::raise<Kr::ExSysErrorANSI>(KR_HERE);
+/// @code{.cpp}
+/// #include <base/trace.h>
+///
+/// void renameFile(const char* from, const char* to)
+/// {
+///     if (std::rename(from, to) != 0)
+///         Kr::raise<Kr::ExSysErrorANSI>(KR_HERE);
+/// }
 /// @endcode
 
 #include <base/exBase.h>

@@ -2,17 +2,22 @@
 
 /// @file
 /// Command lines of single-letter options, in the classic style.
-/// @code
-/// Kr::InOptionParser parser(argc, argv, "vo:");
-/// for (int option = parser.getOption(); option != -1; option = parser.getOption())
-///     switch (option)
-///     {
-///     case 'v': verbose = true; break;
-///     case 'o': output = parser.getValue(); break; // null when the value is missing
-///     default: return usage();
-///     }
-/// for (int i = parser.getArgumentIndex(); i < argc; ++i)
-///     open(argv[i]);
+/// @code{.cpp}
+/// int main(int argc, char** argv)
+/// {
+///     bool verbose = false;
+///     const char* output = nullptr;
+///     Kr::InOptionParser parser(argc, argv, "vo:");
+///     for (int option = parser.getOption(); option != -1; option = parser.getOption())
+///         switch (option)
+///         {
+///         case 'v': verbose = true; break;
+///         case 'o': output = parser.getValue(); break; // null when the value is missing
+///         default: std::cerr << "usage: convert [-v] [-o FILE] FILE...\n"; return 2;
+///         }
+///     for (int i = parser.getArgumentIndex(); i < argc; ++i)
+///         std::cout << argv[i] << (verbose ? " to " : " ") << (output ? output : "") << '\n';
+/// }
 /// @endcode
 /// Options may be clustered (`-vo file` is `-v -o file`), a value may be attached (`-ofile`) or
 /// follow (`-o file`), and several values may follow one option (`gotoNextValue`). All state is in
@@ -63,8 +68,8 @@ public:
     /// for (char* value = nullptr; *text != '\0';)
     ///     switch (Kr::InOptionParser::getSubOption(&text, keys, &value))
     ///     {
-    ///     case 0: mode = ReadOnly; break;
-    ///     case 1: length = value != nullptr ? std::atoi(value) : 0; break;
+    ///     case 0: std::cout << "read only\n"; break;
+    ///     case 1: std::cout << "size " << (value != nullptr ? value : "missing") << '\n'; break;
     ///     default: std::cerr << "unknown: " << value << '\n';
     ///     }
     /// @endcode

@@ -5,7 +5,9 @@
 ///
 /// The package creates the object and hands it over in its start routine, and has it destroyed in
 /// its stop routine; the service's own `getInstance()` forwards to the singleton:
-/// @code
+/// @code{.cpp}
+/// #define VIEWER_API // the export macro of the library that owns the service
+///
 /// // camera.h
 /// class VIEWER_API Camera
 /// {
@@ -20,11 +22,10 @@
 /// template class Kr::InSingleton<Camera>;
 ///
 /// // the package's start and stop routines
-/// Kr::InSingleton<Camera>::initialize(new Camera);
-/// Kr::InSingleton<Camera>::destroy();
+/// void start() { Kr::InSingleton<Camera>::initialize(new Camera); }
+/// void stop() { Kr::InSingleton<Camera>::destroy(); }
 /// @endcode
-/// `VIEWER_API` is the export macro of the library that owns the service, as `KR_BASE_API` is this
-/// one's. The bodies stand in `inSingleton.imp`, which only that one source includes, so that a
+/// The bodies stand in `inSingleton.imp`, which only that one source includes, so that a
 /// process has one instance whatever libraries it is made of: a singleton that no source
 /// instantiates does not link, rather than exist once in each library.
 ///

@@ -265,7 +265,11 @@ TraceManager manager;
 
 } // namespace
 
-Trace::~Trace() = default;
+Trace::~Trace()
+{
+    Trace* self = this;
+    installed.compare_exchange_strong(self, &builtIn.trace);
+}
 
 void Trace::printException(const ExBase& exception, const char* file, int line) noexcept
 {

@@ -6,8 +6,9 @@
 /// Raise with `Kr::raise`, so that no raise forgets the trace; it builds the exception from the
 /// position and the exception's own arguments:
 /// @code
-/// if (display == nullptr)
-///     Kr::raise<Viewer::ExNoDisplay>(KR_HERE, displayName);
+/// const char* file = std::getenv("SCENE");
+/// if (file == nullptr)
+///     Kr::raise<Kr::ExInternalError>(KR_HERE, "There is no scene to show.");
 /// @endcode
 /// What the built-in trace does is set by the environment variable `KR_TRACE_OPTIONS`, which is
 /// read once, at the first raise. It holds words separated by commas:
@@ -24,6 +25,10 @@
 /// Whatever the options, the last 32 raises are kept. A program lists them where it reports that
 /// something went wrong:
 /// @code
+/// try
+/// {
+///     std::stoi("no number");
+/// }
 /// catch (const std::exception& error)
 /// {
 ///     std::cerr << error.what() << "; before that:\n";
@@ -47,7 +52,9 @@ namespace Kr
 
 /// Receives every exception, before it is thrown, with the position of the raise. This class is the
 /// built-in trace; a program derives from it to see the exceptions itself:
-/// @code
+/// @code{.cpp}
+/// #include <atomic>
+///
 /// class CountingTrace : public Kr::Trace
 /// {
 /// public:
@@ -68,6 +75,7 @@ public:
     constexpr Trace() noexcept = default;
     Trace(const Trace&) = delete;
     Trace& operator=(const Trace&) = delete;
+    /// Destroying the installed trace puts the built-in one back.
     virtual ~Trace();
 
     /// Does what `KR_TRACE_OPTIONS` asks for. `errno` is left as it was. Printing formats, and so
