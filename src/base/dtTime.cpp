@@ -3,6 +3,7 @@
 #include <base/dtEx.h>
 #include <base/trace.h>
 #include <base/twosComplement.h>
+#include <base/wideRatio.h>
 
 #include <ostream>
 
@@ -15,17 +16,33 @@ namespace
 /// The most ticks per second, and seconds per tick, of a common rate.
 constexpr std::int32_t greatestCommonTerm = 1000000;
 
-/// The product of both rates, whose ticks divide those of either: 24/1 and 25/1 meet at 600/1.
-Rational getCommonRate(const Rational& a, const Rational& b)
+struct CommonRate
 {
-    const Rational product(TwosComplement::multiply(a.getNumerator(), b.getNumerator()),
-                           TwosComplement::multiply(a.getDenominator(), b.getDenominator()));
+    Rational rate;
+    bool isProduct; ///< neither wrapped around nor clamped
+};
+
+/// The product of both rates, whose ticks divide those of either: 24/1 and 25/1 meet at 600/1.
+CommonRate getCommonRate(const Rational& a, const Rational& b)
+{
+    const std::int64_t numerator = std::int64_t{a.getNumerator()} * b.getNumerator();
+    const std::int64_t denominator = std::int64_t{a.getDenominator()} * b.getDenominator();
+    const auto wrappedNumerator = static_cast<std::int32_t>(numerator);
+    const auto wrappedDenominator = static_cast<std::int32_t>(denominator);
+    const Rational product(wrappedNumerator, wrappedDenominator);
     const std::int32_t sign = product.getNumerator() > 0 ? 1 : -1;
     if (TwosComplement::magnitude(product.getNumerator()) > greatestCommonTerm)
-        return Rational(sign * greatestCommonTerm, 1);
+        return {Rational(sign * greatestCommonTerm, 1), false};
     if (product.getDenominator() > greatestCommonTerm)
-        return Rational(sign, greatestCommonTerm);
-    return product;
+        return {Rational(sign, greatestCommonTerm), false};
+    return {product, numerator == wrappedNumerator && denominator == wrappedDenominator &&
+                         product.getDenominator() > 0};
+}
+
+/// `DtTimeIndex::convert` from a rate to its product with another, whose factor is the other rate.
+DtTimeIndex scale(const DtTimeIndex& count, const Rational& rate)
+{
+    return WideRatio(rate.getNumerator(), rate.getDenominator()).scale(count);
 }
 
 } // namespace
@@ -53,42 +70,55 @@ DtTime DtTime::convertRate(const Rational& rate) const
     return DtTime(_count.convert(_rate, rate, std::round_toward_zero), rate);
 }
 
-DtTime& DtTime::operator+=(const DtTime& other)
-{
-    return combine(other, &DtTimeIndex::operator+=);
-}
-
-DtTime& DtTime::operator-=(const DtTime& other)
-{
-    return combine(other, &DtTimeIndex::operator-=);
-}
-
-DtTime& DtTime::operator*=(const DtTime& other)
-{
-    return combine(other, &DtTimeIndex::operator*=);
-}
-
-DtTime& DtTime::operator/=(const DtTime& divisor)
-{
-    return combine(divisor, &DtTimeIndex::operator/=);
-}
-
-DtTime& DtTime::operator%=(const DtTime& divisor)
-{
-    return combine(divisor, &DtTimeIndex::operator%=);
-}
-
+template <class Operation>
 DtTime& DtTime::combine(const DtTime& other, Operation operation)
 {
     if (isRateEqual(other))
     {
-        (_count.*operation)(other._count);
+        operation(_count, other._count);
         return *this;
     }
-    const Rational rate = getCommonRate(_rate, other._rate);
-    DtTime result = convertRate(rate);
-    (result._count.*operation)(other.convertRate(rate)._count);
-    return *this = result;
+    const CommonRate common = getCommonRate(_rate, other._rate);
+    DtTimeIndex count, otherCount;
+    if (common.isProduct)
+    {
+        count = scale(_count, other._rate);
+        otherCount = scale(other._count, _rate);
+    }
+    else
+    {
+        count = convertRate(common.rate)._count;
+        otherCount = other.convertRate(common.rate)._count;
+    }
+    operation(count, otherCount);
+    _count = count;
+    _rate = common.rate;
+    return *this;
+}
+
+DtTime& DtTime::operator+=(const DtTime& other)
+{
+    return combine(other, [](DtTimeIndex& a, DtTimeIndex b) { a += b; });
+}
+
+DtTime& DtTime::operator-=(const DtTime& other)
+{
+    return combine(other, [](DtTimeIndex& a, DtTimeIndex b) { a -= b; });
+}
+
+DtTime& DtTime::operator*=(const DtTime& other)
+{
+    return combine(other, [](DtTimeIndex& a, DtTimeIndex b) { a *= b; });
+}
+
+DtTime& DtTime::operator/=(const DtTime& divisor)
+{
+    return combine(divisor, [](DtTimeIndex& a, DtTimeIndex b) { a /= b; });
+}
+
+DtTime& DtTime::operator%=(const DtTime& divisor)
+{
+    return combine(divisor, [](DtTimeIndex& a, DtTimeIndex b) { a %= b; });
 }
 
 void DtTime::dump(std::ostream& stream) const

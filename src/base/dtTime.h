@@ -99,8 +99,7 @@ public:
     void dump(std::ostream& stream) const;
 
 private:
-    using Operation = DtTimeIndex& (DtTimeIndex::*)(long long);
-
+    template <class Operation>
     DtTime& combine(const DtTime& other, Operation operation);
 
     DtTimeIndex _count;

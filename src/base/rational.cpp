@@ -29,7 +29,11 @@ void Rational::lowestTerms() noexcept
     constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
     if (_numerator == least || _denominator == least)
         return; // neither has an absolute value in 32 bits: such fractions stay as they are
-    const std::int32_t divisor = std::gcd(_numerator, _denominator);
+    // One division first: it is all that whole rates need, and evens out terms of unlike size.
+    const std::int32_t remainder = _numerator % _denominator;
+    const std::int32_t divisor = remainder == 0 ? _denominator : std::gcd(remainder, _denominator);
+    if (divisor == 1)
+        return;
     _numerator /= divisor;
     _denominator /= divisor;
 }

@@ -1,7 +1,5 @@
 #include <base/wideRatio.h>
 
-#include <base/twosComplement.h>
-
 #include <limits>
 #include <numeric>
 
@@ -54,19 +52,10 @@ Division divide(const Unsigned128& dividend, std::uint64_t divisor) noexcept
     return result;
 }
 
-/// Tells whether the product is a 64-bit integer; if so, stores it.
-bool multiplyFits(std::int64_t a, std::int64_t b, std::int64_t& product) noexcept
-{
-    return !__builtin_mul_overflow(a, b, &product);
-}
-
 } // namespace
 
-std::int64_t WideRatio::scale(std::int64_t count) const noexcept
+std::int64_t WideRatio::scaleWide(std::int64_t count) const noexcept
 {
-    std::int64_t product = 0;
-    if (multiplyFits(count, _numerator, product))
-        return TwosComplement::divide(product, _denominator);
     const Scaled scaled = scaleExactly(count);
     return scaled.fits ? scaled.quotient : scaleWrapping(count);
 }

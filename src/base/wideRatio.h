@@ -5,6 +5,8 @@
 /// the 128-bit product is formed and divided in 64-bit arithmetic, so it works alike on 32-bit
 /// machines. Used by `DtTimeIndex::convert`; not exported.
 
+#include <base/twosComplement.h>
+
 #include <cstdint>
 
 namespace Kr
@@ -25,12 +27,19 @@ public:
 
     /// count * numerator / denominator, truncated toward zero. When that does not fit in 64 bits
     /// the terms are reduced and the product wraps around before the division.
-    std::int64_t scale(std::int64_t count) const noexcept;
+    std::int64_t scale(std::int64_t count) const noexcept
+    {
+        std::int64_t product = 0;
+        if (__builtin_mul_overflow(count, _numerator, &product))
+            return scaleWide(count);
+        return _denominator == 1 ? product : TwosComplement::divide(product, _denominator);
+    }
 
     /// The same, saying what happened.
     Scaled scaleExactly(std::int64_t count) const noexcept;
 
 private:
+    std::int64_t scaleWide(std::int64_t count) const noexcept;
     std::int64_t scaleWrapping(std::int64_t count) const noexcept;
 
     std::int64_t _numerator;
