@@ -164,6 +164,13 @@ void InInitMgr::decReinitCount()
 InInitMgr::State::State()
     : _environment(OsEnv::getBlock(), std::cerr)
 {
+    InContextAliasMgrBase::args(); // built before the manager, so that it also outlives it
+}
+
+/// Releases what a program that never came to finalize has left.
+InInitMgr::State::~State()
+{
+    releaseArguments();
 }
 
 void InInitMgr::State::initializeNewPackages()

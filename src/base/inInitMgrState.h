@@ -53,6 +53,9 @@ struct InInitMgr::State
     };
 
     State();
+    ~State();
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
 
     // An initialisation pass, and its steps in their order
     void initializeNewPackages();

@@ -322,7 +322,7 @@ void takesTheArgumentsOver()
     SCENARIO_CHECK_THROWS(manager().initialize(argc, argv), ExInternalError,
                           "Assertion 'argv[i] != nullptr' failed.");
     SCENARIO_CHECK(argc == 2 && argv == more && taken.size() == 10001);
-    manager().finalize();
+    // No finalize: what was taken is released at the end all the same, as the leak check tells.
 }
 
 void missingDependencyStartsNothing()
