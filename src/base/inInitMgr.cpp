@@ -105,6 +105,7 @@ void InInitMgr::finalize()
         raise<InEx::ExFinaliseBeforeInit>(KR_HERE);
     if (_state->_finalized)
         raise<InEx::ExDoubleFinalise>(KR_HERE);
+    KR_ASSERT(!_state->_initializing);
     _state->stopPackages();
     _state->_finalized = true;
 }
@@ -330,12 +331,17 @@ void InInitMgr::State::endStart(const PackageEntry& entry, const std::type_info&
 void InInitMgr::State::stopPackages()
 {
     const ScopedFlag finalizing(_finalizing);
-    for (std::size_t i = _savedPackages.size(); i-- > 0;)
+    std::size_t rest = _savedPackages.size();
+    while (rest != 0)
     {
-        if (i >= _savedPackages.size() || !_savedPackages[i].initialized)
-            continue; // stopping a package may unload libraries, and so shorten the list
-        _savedPackages[i].initialized = false;
-        _savedPackages[i].package->finalize();
+        SavedEntry& entry = _savedPackages[--rest];
+        if (!entry.initialized)
+            continue;
+        entry.initialized = false;
+        const std::size_t size = _savedPackages.size();
+        entry.package->finalize();
+        if (_savedPackages.size() != size) // it loaded or unloaded a library
+            rest = _savedPackages.size();
     }
     _savedPackages.clear();
     _savedByType.clear();

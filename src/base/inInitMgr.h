@@ -60,8 +60,9 @@ public:
     void initialize(int& argc, const char* const*& argv);
 
     /// Discards overrides that no variable has taken and the arguments, then stops the packages.
-    /// Raises `InEx::ExFinaliseBeforeInit`, `InEx::ExDoubleFinalise`, or what a stop routine
-    /// raised; in that case a further call stops the remaining packages.
+    /// Raises `InEx::ExFinaliseBeforeInit`, `InEx::ExDoubleFinalise`, `ExInternalError` when a
+    /// start routine calls it, or what a stop routine raised; in that case a further call stops the
+    /// remaining packages.
     void finalize();
 
     /// Whether start routines, or stop routines, are being run.

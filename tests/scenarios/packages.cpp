@@ -220,8 +220,23 @@ void libraryStartsInOrderAndStopsInReverse()
     }
 }
 
+/// Raises after it has registered.
+struct Unfinished : InPackageInit
+{
+    Unfinished()
+        : InPackageInit("unfinished")
+    {
+        registerPackage();
+        throw std::runtime_error("unfinished");
+    }
+    void performInitialize() override {}
+    void performFinalize() override {}
+    void setInitialized(bool /*initialized*/) override {}
+};
+
 void programPackagesFollowTheirDependencies()
 {
+    SCENARIO_CHECK_THROWS(Unfinished(), std::runtime_error, "unfinished");
     const InInit<needsLibrary> e;
     const InInit<blue> d;
     const InInit<alpha> c; // lists one package three times, and so ranks behind blue
@@ -439,6 +454,8 @@ void failureInTheMiddleKeepsWhatIsUp()
     Recorded<green>::onStart = []
     {
         SCENARIO_CHECK(manager().isInitializing());
+        SCENARIO_CHECK_THROWS(manager().finalize(), ExInternalError,
+                              "Assertion '!_state->_initializing' failed.");
         raise<InEx::ExPackageInitError>(KR_HERE, green::name);
     };
     SCENARIO_CHECK_THROWS(initialize(), InEx::ExPackageInitError,
@@ -553,6 +570,23 @@ void openGuardPutsOffToTheSameCall()
     manager().finalize();
     SCENARIO_CHECK(events == "+red+alpha+green-green-alpha-red");
     b.reset();
+}
+
+void packagesStartedByAStopRoutineAreStopped()
+{
+    const InInit<red> a;
+    const InInit<alpha> b;
+    static std::unique_ptr<InInit<green>> late;
+    Recorded<alpha>::onStop = []
+    {
+        const InReinitGuard guard;
+        late = std::make_unique<InInit<green>>();
+    };
+    initialize();
+    events.clear();
+    manager().finalize();
+    SCENARIO_CHECK(events == "-alpha+green-green-red");
+    late.reset();
 }
 
 void failingStopCanBeContinued()
@@ -699,6 +733,7 @@ const Scenario::Case cases[] = {
     {"guards", guardsAdmitLaterPackages},
     {"nestedPass", registersInTheMiddleOfAPass},
     {"openGuard", openGuardPutsOffToTheSameCall},
+    {"startWhileStopping", packagesStartedByAStopRoutineAreStopped},
     {"failingStop", failingStopCanBeContinued},
     {"environment", environmentIsASnapshot},
     {"plugin", libraryLoadedAtRunTime},
