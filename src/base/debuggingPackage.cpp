@@ -1,14 +1,26 @@
+#include <base/assert.h>
 #include <base/inInit.imp>
 #include <base/krInitPackages.h>
+#include <base/lgGroups.h>
 
 template class Kr::InInit<KrInit::debugging>;
 
 static Kr::InInit<KrInit::debugging> package;
 
+Kr::LgMinorGroup* LgGroups::KR_XGLUE(MinorLevel, BuildInfo) = nullptr;
+
+// clang-format off: the spacing of the checks is part of their texts
 void KrInit::debugging::start()
 {
+    KR_ASSERT_AT(LgGroups::KR_XGLUE(MinorLevel, BuildInfo) == 0, __LINE__);
+    LgGroups::KR_XGLUE(MinorLevel, BuildInfo) =
+        new Kr::LgMinorGroup(Kr::LgMajorGroup::getInstanceForName("Base"), "BuildInfo");
 }
 
 void KrInit::debugging::stop()
 {
+    KR_ASSERT_AT(LgGroups::KR_XGLUE(MinorLevel, BuildInfo) != 0, __LINE__);
+    delete LgGroups::KR_XGLUE(MinorLevel, BuildInfo);
+    LgGroups::KR_XGLUE(MinorLevel, BuildInfo) = nullptr;
 }
+// clang-format on

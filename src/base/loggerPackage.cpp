@@ -1,5 +1,6 @@
 #include <base/inInit.imp>
 #include <base/krInitPackages.h>
+#include <base/lgGroups.h>
 
 template class Kr::InInit<KrInit::logger>;
 
@@ -7,8 +8,10 @@ static Kr::InInit<KrInit::logger> package;
 
 void KrInit::logger::start()
 {
+    Kr::LgMajorGroup::initializeFromEnvironment();
 }
 
 void KrInit::logger::stop()
 {
+    Kr::LgMajorGroup::finalize();
 }

@@ -1,0 +1,181 @@
+#include <base/lgGroups.h>
+
+#include <base/assert.h>
+#include <base/lgEx.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+#include <list>
+#include <map>
+#include <string>
+
+namespace Kr
+{
+
+namespace
+{
+
+struct NameOrder
+{
+    bool operator()(const char* left, const char* right) const
+    {
+        return std::strcmp(left, right) < 0;
+    }
+};
+
+using Names = std::list<std::string>;
+using MajorGroups = std::map<const char*, LgMajorGroup, NameOrder>; // keys: the texts of `names`
+
+Names* names = nullptr;
+MajorGroups* majorGroups = nullptr;
+
+const char* storeName(const char* name)
+{
+    const auto found = std::find(names->begin(), names->end(), name);
+    return found != names->end() ? found->c_str() : names->emplace_back(name).c_str();
+}
+
+/// Cuts the text at the next of `end` and returns what stands before it, leading characters of
+/// `skip` left out; null if nothing is left. Moves `text` behind the cut.
+char* takeToken(char*& text, const char* skip, char end)
+{
+    char* token = text + std::strspn(text, skip);
+    if (*token == '\0')
+        return nullptr;
+    text = token;
+    while (*text != '\0' && *text != end)
+        ++text;
+    if (*text != '\0')
+        *text++ = '\0';
+    return token;
+}
+
+} // namespace
+
+const std::uint32_t LgMajorGroup::_levelMask[] = {0x80, 0xC0, 0xE0, 0xF0, 0xF8, 0xFC, 0x02};
+
+LgTypes::Level LgMajorGroup::_defaultThreshold = LgTypes::Warning;
+
+LgMajorGroup::LgMajorGroup()
+    : _logLevels(_levelMask[_defaultThreshold])
+{
+}
+
+LgMajorGroup& LgMajorGroup::getInstanceForName(const char* name)
+{
+    KR_ASSERT_AT(names, 129);
+    KR_ASSERT_AT(majorGroups, 130);
+    return (*majorGroups)[storeName(name)];
+}
+
+void LgMajorGroup::initialize(const char* settings)
+{
+    KR_ASSERT_AT(!names, 166);
+    KR_ASSERT_AT(!majorGroups, 167);
+    names = new Names;
+    majorGroups = new MajorGroups;
+    if (settings != nullptr)
+        parse(settings);
+}
+
+void LgMajorGroup::initializeFromEnvironment()
+{
+    if (const char* level = std::getenv("KR_LOG_DEFAULT_LEVEL"))
+        for (unsigned int l = 0; l < LgTypes::NUM_LEVELS; ++l)
+            if (std::strcmp(level, LgTypes::getLevelName(static_cast<LgTypes::Level>(l))) == 0)
+                setDefaultThreshold(static_cast<LgTypes::Level>(l));
+    initialize(std::getenv("KR_LOG_GROUPS"));
+}
+
+void LgMajorGroup::parse(const char* settings)
+{
+    KR_ASSERT_AT(names, 183);
+    KR_ASSERT_AT(majorGroups, 184);
+    std::string copy(settings);
+    char* rest = copy.data();
+    while (const char* group = takeToken(rest, "=,", '='))
+    {
+        try
+        {
+            // The level first: a misspelt one creates no group.
+            const LgTypes::Level level = LgTypes::getLevelFromString(takeToken(rest, ",", ','));
+            getInstanceForName(group).setLogThreshold(level, false);
+        }
+        catch (const LgEx::InvalidLevelString& error)
+        {
+            std::cout << error.getReason() << std::endl;
+        }
+    }
+}
+
+void LgMajorGroup::finalize()
+{
+    KR_ASSERT_AT(names, 216);
+    KR_ASSERT_AT(majorGroups, 217);
+    delete majorGroups;
+    majorGroups = nullptr;
+    delete names;
+    names = nullptr;
+}
+
+void LgMajorGroup::setDefaultThreshold(LgTypes::Level l)
+{
+    constexpr auto NUM_LEVELS = LgTypes::NUM_LEVELS;
+    KR_ASSERT_AT(l < NUM_LEVELS, 239);
+    _defaultThreshold = std::max(l, LgTypes::FatalError);
+}
+
+void LgMajorGroup::setLogThreshold(LgTypes::Level l, bool replaceAll)
+{
+    constexpr auto NUM_LEVELS = LgTypes::NUM_LEVELS;
+    KR_ASSERT_AT(l < NUM_LEVELS, 256);
+    const std::uint32_t profiling = _levelMask[LgTypes::Profiling];
+    const std::uint32_t old = getLogLevels();
+    std::uint32_t levels = old | profiling;
+    if (l != LgTypes::Profiling)
+        levels = (replaceAll ? 0 : old & profiling) | _levelMask[std::max(l, LgTypes::FatalError)];
+    _logLevels.store(levels, std::memory_order_relaxed);
+}
+
+void LgMajorGroup::printLevels(std::ostream& os) const
+{
+    // By the masks, not the bits, on purpose: see printAll.
+    for (unsigned int l = LgTypes::Tracing; l >= LgTypes::FatalError; --l)
+        if ((getLogLevels() & _levelMask[l]) != 0)
+        {
+            os << LgTypes::getLevelName(static_cast<LgTypes::Level>(l));
+            break;
+        }
+    if ((getLogLevels() & _levelMask[LgTypes::Profiling]) != 0)
+        os << ", " << LgTypes::getLevelName(LgTypes::Profiling);
+}
+
+void LgMajorGroup::printAll(std::ostream& os)
+{
+    constexpr std::size_t width = 24;
+    os << "Major Groups:\n";
+    for (const auto& [name, group] : *majorGroups)
+    {
+        const std::size_t length = std::strlen(name);
+        os << std::string(width - std::min(length, width), ' ') << name << ' ';
+        group.printLevels(os);
+        os << '\n';
+    }
+}
+
+const char* LgMajorGroup::getUsage() noexcept
+{
+    return "setenv KR_LOG_GROUPS Database=Warning,UI=Informational,Radiosity=Profiling\n"
+           "setenv KR_LOG_DEFAULT_LEVEL Tracing\n";
+}
+
+LgMinorGroup::LgMinorGroup(const LgMajorGroup& major, const char* n)
+    : _major(&major)
+    , _name(n)
+{
+    KR_ASSERT_AT(n, 314);
+}
+
+} // namespace Kr

@@ -1,0 +1,174 @@
+#include <base/lgQueue.h>
+
+#include <exception>
+
+namespace Kr
+{
+
+static_assert(sizeof(LgQueue::Entry) == 16);
+
+namespace
+{
+
+/// The texts of these checks are part of the interface, so they are not left to the expressions.
+void check(bool holds, const char* expression, int line)
+{
+    if (!holds)
+        Assertions::throwAssertionFailed(KR_HERE_AT(line), expression);
+}
+
+} // namespace
+
+LgQueue::LgQueue(unsigned long threadId)
+    : LgQueue(threadId, defaultNumEntries, LgStream::defaultRingSize)
+{
+}
+
+LgQueue::LgQueue(unsigned long threadId, unsigned int numEntries, unsigned int numCharacters)
+    : _stream(numCharacters)
+    , _entries(new Entry[numEntries])
+    , _mask(numEntries - 1)
+    , _threadId(threadId)
+{
+    KR_ASSERT(numEntries >= 4 && (numEntries & _mask) == 0);
+}
+
+LgQueue::~LgQueue() noexcept(false)
+{
+    if (std::uncaught_exceptions() == 0)
+        check(isEmpty(), "_beg == _end", 155);
+}
+
+// The producer's side
+
+/// Looks at the consumer's position again. Returns whether there is room for a message: the last
+/// free slot is kept for an overflow entry.
+bool LgQueue::updateRoom(unsigned int end) noexcept
+{
+    _knownBeg = _beg.load(std::memory_order_acquire);
+    return getRoom(_knownBeg, end) >= 2;
+}
+
+void LgQueue::checkRoom(unsigned int end)
+{
+    updateRoom(end);
+    check(getRoom(_knownBeg, end) != 0, "_end+1U != _beg", 234);
+    check(getRoom(_knownBeg, end) != 1, "_end+2U != _beg", 235);
+}
+
+/// Counts a refused message in the newest entry, or in a new one if that is a message or is already
+/// in the consumer's hands.
+void LgQueue::countLoss() noexcept
+{
+    const unsigned int end = _end.load(std::memory_order_relaxed);
+    if (_entries[(end - 1) & _mask].countIfOpen())
+        return;
+    // There is a free slot: one is kept for the first overflow entry, and a consumer that closed it
+    // has taken all entries before it.
+    updateRoom(end);
+    const unsigned int next = (end + 1) & _mask;
+    if (_entryReserved)
+        _entries[next].setMessage(_entries[end].getLevel(), _entries[end].getTimeStamp());
+    _entries[end].setFirstLoss(HwCounter::timeStamp());
+    _end.store(next, std::memory_order_release);
+}
+
+void LgQueue::waitForSpace(int amount) const
+{
+    if (!_observer.isNull())
+        _observer->waitForSpace(const_cast<LgQueue*>(this), amount);
+}
+
+// The consumer's side
+
+const LgQueue::Entry& LgQueue::readEntry() const
+{
+    check(!isEmpty(), "_beg != _end", 254);
+    Entry& entry = _entries[_beg.load(std::memory_order_relaxed)];
+    entry.close();
+    return entry;
+}
+
+void LgQueue::removeEntry()
+{
+    check(!isEmpty(), "_beg != _end", 262);
+    const unsigned int beg = _beg.load(std::memory_order_relaxed);
+    _entries[beg].close(); // it may not have been read
+    _beg.store((beg + 1) & _mask, std::memory_order_release);
+    if (!_observer.isNull())
+        _observer->entryRemoved(this);
+}
+
+ObjPtrRet<LgQueue::Observer> LgQueue::changeObserver(ObjPtr<Observer> observer)
+{
+    KR_ASSERT_AT(_observer.isNull(), 312);
+    ObjPtr<Observer> previous(_observer);
+    _observer = observer;
+    return previous;
+}
+
+LgQueue::Observer::~Observer() = default;
+
+// Entries
+
+int LgQueue::Entry::getOverflowCount() const
+{
+    KR_ASSERT_AT(_oflow, 49);
+    return static_cast<int>(_word.load(std::memory_order_relaxed) & ~closedBit);
+}
+
+LgTypes::Level LgQueue::Entry::getLevel() const
+{
+    KR_ASSERT_AT(!_oflow, 57);
+    return static_cast<LgTypes::Level>(_word.load(std::memory_order_relaxed));
+}
+
+void LgQueue::Entry::setOverflowEntry(bool overflow) noexcept
+{
+    if (overflow == _oflow)
+        return;
+    _oflow = overflow;
+    _word.store(overflow ? 1U : std::uint32_t{LgTypes::Tracing}, std::memory_order_relaxed);
+}
+
+void LgQueue::Entry::incOverflowCount()
+{
+    KR_ASSERT_AT(_oflow, 87);
+    countIfOpen();
+}
+
+void LgQueue::Entry::setLevel(LgTypes::Level level)
+{
+    KR_ASSERT_AT(!_oflow, 95);
+    _word.store(level, std::memory_order_relaxed);
+}
+
+void LgQueue::Entry::setFirstLoss(std::uint64_t ticks) noexcept
+{
+    _timeStamp = ticks;
+    _oflow = true;
+    _word.store(1, std::memory_order_relaxed);
+}
+
+/// Counts one more loss, unless this is no overflow entry or the consumer has closed it. A count
+/// that can grow no more stays where it is.
+bool LgQueue::Entry::countIfOpen() noexcept
+{
+    if (!_oflow)
+        return false;
+    std::uint32_t word = _word.load(std::memory_order_acquire);
+    while ((word & closedBit) == 0)
+        if (word == ~closedBit ||
+            _word.compare_exchange_weak(word, word + 1, std::memory_order_acquire))
+            return true;
+    return false;
+}
+
+/// The consumer's look at an overflow entry: from now on its count stands.
+void LgQueue::Entry::close() noexcept
+{
+    if (_oflow)
+        _word.fetch_or(closedBit, std::memory_order_acq_rel);
+}
+
+} // namespace Kr

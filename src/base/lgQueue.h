@@ -1,0 +1,291 @@
+#pragma once
+
+/// @file
+/// The queue of messages through which one thread logs: a ring of entries beside a ring of texts.
+///
+/// A thread that logs writes to its own queue and never waits, locks or allocates; a reader drains
+/// the queues:
+/// @code
+/// Kr::LgQueue queue(1);
+///
+/// if (queue.reserveEntry(Kr::LgTypes::Warning)) // the producer
+/// {
+///     queue.getStream() << "low on memory: " << 12 << " pages left";
+///     queue.addEntry();
+/// }
+///
+/// while (!queue.isEmpty()) // the consumer
+/// {
+///     const Kr::LgQueue::Entry& entry = queue.readEntry();
+///     if (entry.isOverflowEntry())
+///     {
+///         std::cout << entry.getOverflowCount() << " messages lost\n";
+///     }
+///     else
+///     {
+///         std::string text(queue.getStream().getNextSize() + 1, '\0');
+///         queue.getStream() >> text.data();
+///         std::cout << Kr::LgTypes::getLevelName(entry.getLevel()) << ": " << text.data() << '\n';
+///     }
+///     queue.removeEntry();
+/// }
+/// @endcode
+/// When a ring is full the message is refused, and an overflow entry takes its place in the queue.
+/// It counts this message and the ones refused after it, until the consumer reads it or a message
+/// is accepted again; a refused message costs one counter increment. So nothing is lost without
+/// being counted.
+///
+/// Exactly one thread produces and one consumes. The producer fills an entry before it advances the
+/// end of the ring with release order; the consumer reads the end with acquire order before it
+/// reads what it covers. An overflow entry that is already published still counts: each increment
+/// and the consumer's look at the count are one atomic step on one word, and the look closes the
+/// entry, so that a later loss opens another one.
+///
+/// Pitfalls: drain a queue before its destruction, which otherwise raises. Once reserved, an entry
+/// should be added: whatever was appended for an abandoned one becomes the beginning of the next
+/// message.
+
+#include <base/assert.h>
+#include <base/hwCounter.h>
+#include <base/krBaseApi.h>
+#include <base/lgStream.h>
+#include <base/lgTypes.h>
+#include <base/objPtr.h>
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+
+namespace Kr
+{
+
+class KR_BASE_API LgQueue
+{
+public:
+    class Entry;
+    class Observer;
+    class SuppressGuard;
+
+    /// @param threadId the producing thread
+    explicit LgQueue(unsigned long threadId);
+
+    /// With rings of other sizes than the logger's, each a power of two from 4 up.
+    LgQueue(unsigned long threadId, unsigned int numEntries, unsigned int numCharacters);
+
+    LgQueue(const LgQueue&) = delete;
+    LgQueue& operator=(const LgQueue&) = delete;
+
+    /// Raises `ExInternalError`, and frees everything all the same, if the queue is not empty,
+    /// unless the stack is being unwound.
+    ~LgQueue() noexcept(false);
+
+    // The producer's side
+
+    /// Takes the next entry, with the time of now, for a message of that level, whose text is then
+    /// appended to the stream. If it returns false the message is refused, because a ring is full
+    /// or the queue is suppressed: append nothing.
+    bool reserveEntry(LgTypes::Level level);
+
+    /// Hands the message to the consumer. A message without text is dropped.
+    void addEntry();
+
+    /// Asks the observer to wait for room; returns at once if there is none. What the amount counts
+    /// is between the caller and its observer.
+    void waitForSpace(int amount) const;
+
+    /// To be called when the producing thread ends.
+    void creatorExit() noexcept { _creatorAlive.store(false, std::memory_order_release); }
+
+    // The consumer's side
+
+    /// The oldest entry. Raises `ExInternalError` if there is none.
+    const Entry& readEntry() const;
+
+    /// Done with the oldest entry. Raises `ExInternalError` if there is none.
+    void removeEntry();
+
+    /// Once this is false the producer adds nothing more: what is in the queue now is the rest.
+    bool isCreatorAlive() const noexcept { return _creatorAlive.load(std::memory_order_acquire); }
+
+    // For either side
+
+    LgStream& getStream() noexcept { return _stream; }
+    const LgStream& getStream() const noexcept { return _stream; }
+
+    bool isEmpty() const noexcept;
+
+    /// Whether there is no room for a message. There may still be for an overflow entry.
+    bool isFull() const noexcept;
+
+    unsigned long getThreadId() const noexcept { return _threadId; }
+    static constexpr unsigned int getMaxSize() noexcept { return defaultNumEntries - 1; }
+
+    /// Installs an observer, before the queue is in use, and returns the previous one. Raises
+    /// `ExInternalError` if there is one already: so what it returns is always null.
+    ObjPtrRet<Observer> changeObserver(ObjPtr<Observer> observer);
+
+private:
+    static constexpr unsigned int defaultNumEntries = 1024;
+
+    /// Which slots of the ring are free from the producer's end up to the consumer's beginning, one
+    /// apart: 0 when only that one is left.
+    unsigned int getRoom(unsigned int beg, unsigned int end) const noexcept
+    {
+        return (beg - end - 1) & _mask;
+    }
+    bool updateRoom(unsigned int end) noexcept;
+    bool hasRoom(unsigned int end) noexcept
+    {
+        return (getRoom(_knownBeg, end) >= 2 || updateRoom(end)) && _stream.hasRoom();
+    }
+    void countLoss() noexcept;
+    void checkRoom(unsigned int end);
+
+    LgStream _stream;
+    const std::unique_ptr<Entry[]> _entries;
+    const unsigned int _mask; // the ring's size less 1
+
+    // Positions count modulo the ring's size. The consumer writes this one ...
+    alignas(LgStream::cacheLineSize) std::atomic<unsigned int> _beg{0}; // the next entry to read
+
+    // ... and the producer these.
+    alignas(LgStream::cacheLineSize) std::atomic<unsigned int> _end{0}; // the next entry to fill
+    unsigned int _knownBeg = 0;                                         // `_beg` as last seen
+    int _suppressCount = 0;
+    bool _entryReserved = false;
+
+    std::atomic<bool> _creatorAlive{true};
+    const unsigned long _threadId;
+    ObjPtr<Observer> _observer;
+};
+
+/// A message's level and time, or a number of lost messages and the time of the first.
+class KR_BASE_API LgQueue::Entry
+{
+public:
+    constexpr Entry() noexcept = default;
+
+    bool isOverflowEntry() const noexcept { return _oflow; }
+
+    /// How many messages were lost. Raises `ExInternalError` if this is a message.
+    int getOverflowCount() const;
+
+    /// Raises `ExInternalError` if this is an overflow entry.
+    LgTypes::Level getLevel() const;
+
+    /// In ticks of `HwCounter`.
+    std::uint64_t getTimeStamp() const noexcept { return _timeStamp; }
+
+    /// Makes this an overflow entry that counts one loss, or a message of level "Tracing"; nothing
+    /// if it is one already.
+    void setOverflowEntry(bool overflow) noexcept;
+
+    /// Raises `ExInternalError` if this is a message.
+    void incOverflowCount();
+
+    /// Raises `ExInternalError` if this is an overflow entry.
+    void setLevel(LgTypes::Level level);
+
+    void setTimeStamp(std::uint64_t ticks) noexcept { _timeStamp = ticks; }
+
+private:
+    friend class LgQueue;
+
+    /// Set in the word of an overflow entry that the consumer has seen: it counts no more.
+    static constexpr std::uint32_t closedBit = 0x80000000;
+
+    void setMessage(LgTypes::Level level, std::uint64_t ticks) noexcept;
+    void setFirstLoss(std::uint64_t ticks) noexcept;
+    bool countIfOpen() noexcept;
+    void close() noexcept;
+
+    bool _oflow = false;
+    std::atomic<std::uint32_t> _word{0}; // the level or the count
+    std::uint64_t _timeStamp = 0;
+};
+
+/// Is told when entries come and go. The queue owns it.
+class KR_BASE_API LgQueue::Observer
+{
+public:
+    virtual ~Observer();
+
+    /// On the producing thread, after it added a message.
+    virtual void entryAdded(LgQueue* queue) = 0;
+
+    /// On the consuming thread, after it removed an entry.
+    virtual void entryRemoved(LgQueue* queue) = 0;
+
+    /// On the producing thread, which asks to wait for that much room.
+    virtual void waitForSpace(LgQueue* queue, int amount) = 0;
+};
+
+/// While it exists, the producing thread's messages are dropped, uncounted: for code that must not
+/// log, such as the logger's own output. For the producing thread.
+class KR_BASE_API LgQueue::SuppressGuard
+{
+public:
+    explicit SuppressGuard(LgQueue& queue) noexcept
+        : _queue(queue)
+    {
+        ++_queue._suppressCount;
+    }
+    ~SuppressGuard() { --_queue._suppressCount; }
+    SuppressGuard(const SuppressGuard&) = delete;
+    SuppressGuard& operator=(const SuppressGuard&) = delete;
+
+private:
+    LgQueue& _queue;
+};
+
+inline void LgQueue::Entry::setMessage(LgTypes::Level level, std::uint64_t ticks) noexcept
+{
+    _timeStamp = ticks;
+    _oflow = false;
+    _word.store(level, std::memory_order_relaxed);
+}
+
+inline bool LgQueue::reserveEntry(LgTypes::Level level)
+{
+    if (_suppressCount > 0)
+        return false;
+    const unsigned int end = _end.load(std::memory_order_relaxed);
+    if (!hasRoom(end))
+    {
+        countLoss();
+        return false;
+    }
+    _entries[end].setMessage(level, HwCounter::timeStamp());
+    _stream.beginMessage();
+    _entryReserved = true;
+    return true;
+}
+
+inline void LgQueue::addEntry()
+{
+    if (!_entryReserved)
+        return;
+    _entryReserved = false;
+    if ((_stream.getOutputFlags() & LgStream::TextWritten) == 0)
+        return;
+    const unsigned int end = _end.load(std::memory_order_relaxed);
+    if (getRoom(_knownBeg, end) < 2)
+        checkRoom(end);
+    _stream.endMessage();
+    _end.store((end + 1) & _mask, std::memory_order_release);
+    if (!_observer.isNull())
+        _observer->entryAdded(this);
+}
+
+inline bool LgQueue::isEmpty() const noexcept
+{
+    return _beg.load(std::memory_order_acquire) == _end.load(std::memory_order_acquire);
+}
+
+inline bool LgQueue::isFull() const noexcept
+{
+    const unsigned int beg = _beg.load(std::memory_order_acquire);
+    return getRoom(beg, _end.load(std::memory_order_acquire)) < 2;
+}
+
+} // namespace Kr

@@ -1,0 +1,235 @@
+#include <base/lgStream.h>
+
+#include <base/assert.h>
+#include <base/lgFormat.h>
+
+#include <charconv>
+#include <cstdio>
+#include <limits>
+
+namespace Kr
+{
+
+LgStream::LgStream(unsigned int ringSize)
+    : _mask(ringSize - 1)
+    , _room(ringSize - 1)
+{
+    KR_ASSERT(ringSize >= 4 && (ringSize & (ringSize - 1)) == 0);
+    _buffer.reset(new char[ringSize]);
+    _buffer[0] = '\0';
+}
+
+// The producer's side
+
+/// The free room as the consumer's position leaves it. A terminator that waits in the last free
+/// place takes one more.
+unsigned int LgStream::getRoom(unsigned int readPosition) const noexcept
+{
+    const unsigned int room = (readPosition - 1 - _writePosition) & _mask;
+    return _pendingAdvance && room != 0 ? room - 1 : room;
+}
+
+unsigned int LgStream::getNumCharacters() const noexcept
+{
+    return getRoom(_readPosition.load(std::memory_order_acquire));
+}
+
+bool LgStream::isFull() const noexcept
+{
+    return ((_writePosition + 1) & _mask) == _readPosition.load(std::memory_order_acquire);
+}
+
+/// Looks at the consumer's position again, and steps over a waiting terminator once there is room
+/// behind it. Returns whether there is any room.
+bool LgStream::updateRoom() noexcept
+{
+    _room = getNumCharacters();
+    if (_room != 0 && _pendingAdvance)
+    {
+        _writePosition = (_writePosition + 1) & _mask;
+        _pendingAdvance = false;
+    }
+    return _room != 0;
+}
+
+/// For a text that may not fit in the room last seen.
+void LgStream::appendTight(const char* text, std::size_t length) noexcept
+{
+    if (_message == Message::Closed || !updateRoom())
+    {
+        _overflowed.store(true, std::memory_order_relaxed);
+        _outputFlags |= StringCompleted;
+        if (_message == Message::Open)
+            _message = Message::Closed; // no hole in a message should room come back meanwhile
+    }
+    else if (length <= _room)
+    {
+        copyIn(text, static_cast<unsigned int>(length));
+    }
+    else
+    {
+        _overflowed.store(true, std::memory_order_relaxed);
+        copyIn("#", 1);
+    }
+}
+
+void LgStream::completeString()
+{
+    if (_message == Message::None)
+    {
+        publish();
+    }
+    else if (_message == Message::Open)
+    {
+        // An empty message gets no entry, so it must not make a text either.
+        _outputFlags |= StringCompleted;
+        if ((_outputFlags & TextWritten) == 0)
+            return;
+        publish();
+        _message = Message::Closed;
+        _room = 0; // what is appended now takes the long way, and is refused there
+    }
+}
+
+/// The terminator may have taken the last free place.
+void LgStream::publishTight() noexcept
+{
+    if (updateRoom())
+        stepOverTerminator();
+    else
+        _pendingAdvance = true;
+}
+
+LgStream& LgStream::operator<<(std::string_view text)
+{
+    while (const void* nul = std::memchr(text.data(), '\0', text.size()))
+    {
+        const auto length = static_cast<std::size_t>(static_cast<const char*>(nul) - text.data());
+        append(text.data(), length);
+        text.remove_prefix(length + 1);
+    }
+    return append(text.data(), text.size());
+}
+
+/// Writes straight into the ring where it has room for any number, else by way of a copy.
+template <class Value>
+LgStream& LgStream::appendNumber(Value value)
+{
+    if (_room >= numberRoom && _writePosition + numberRoom <= _mask)
+    {
+        char* const to = _buffer.get() + _writePosition;
+        const auto length = static_cast<unsigned int>(LgFormat::write(to, value) - to);
+        _writePosition += length;
+        _room -= length;
+        _outputFlags |= TextWritten;
+        return *this;
+    }
+    char text[numberRoom];
+    return append(text, static_cast<std::size_t>(LgFormat::write(text, value) - text));
+}
+
+LgStream& LgStream::operator<<(int value)
+{
+    return appendNumber(value);
+}
+
+LgStream& LgStream::operator<<(unsigned int value)
+{
+    return appendNumber(value);
+}
+
+LgStream& LgStream::operator<<(long value)
+{
+    return appendNumber(value);
+}
+
+LgStream& LgStream::operator<<(unsigned long value)
+{
+    return appendNumber(value);
+}
+
+LgStream& LgStream::operator<<(long long value)
+{
+    return appendNumber(value);
+}
+
+LgStream& LgStream::operator<<(unsigned long long value)
+{
+    return appendNumber(value);
+}
+
+LgStream& LgStream::operator<<(double value)
+{
+    if (LgFormat::isEveryday(value))
+        return appendNumber(value);
+    char text[400]; // the longest has 317 characters
+    const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, 6);
+    return append(text, static_cast<std::size_t>(end.ptr - text));
+}
+
+LgStream& LgStream::operator<<(long double value)
+{
+    char text[std::numeric_limits<long double>::max_exponent10 + 16];
+    const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, 6);
+    return append(text, static_cast<std::size_t>(end.ptr - text));
+}
+
+LgStream& LgStream::operator<<(const void* pointer)
+{
+    char text[numberRoom];
+    std::snprintf(text, sizeof text, "%p", pointer);
+    return *this << static_cast<const char*>(text);
+}
+
+// The consumer's side
+
+/// Where the next text begins: behind the terminator of the text read last, if one was read.
+unsigned int LgStream::findStart(unsigned int readPosition) const noexcept
+{
+    const bool onTerminator = _stringRead && _buffer[readPosition] == '\0';
+    return onTerminator ? (readPosition + 1) & _mask : readPosition;
+}
+
+/// Where the text that begins at `start` ends. There is a terminator at `committed` at the latest.
+unsigned int LgStream::findEnd(unsigned int start, unsigned int committed) const noexcept
+{
+    const char* const ring = _buffer.get();
+    const unsigned int last = start <= committed ? committed : _mask;
+    const void* end = std::memchr(ring + start, '\0', last - start + 1);
+    if (end == nullptr)
+        end = std::memchr(ring, '\0', committed + 1);
+    return static_cast<unsigned int>(static_cast<const char*>(end) - ring);
+}
+
+unsigned int LgStream::getNextSize() const noexcept
+{
+    const unsigned int committed = _committedPosition.load(std::memory_order_acquire);
+    const unsigned int read = _readPosition.load(std::memory_order_relaxed);
+    if (read == committed)
+        return 0;
+    const unsigned int start = findStart(read);
+    return (findEnd(start, committed) - start) & _mask;
+}
+
+LgStream& LgStream::operator>>(char* buffer) noexcept
+{
+    const unsigned int committed = _committedPosition.load(std::memory_order_acquire);
+    const unsigned int read = _readPosition.load(std::memory_order_relaxed);
+    unsigned int size = 0;
+    if (read != committed)
+    {
+        const unsigned int start = findStart(read);
+        const unsigned int end = findEnd(start, committed);
+        size = (end - start) & _mask;
+        const unsigned int head = end < start ? _mask + 1 - start : size;
+        std::memcpy(buffer, _buffer.get() + start, head);
+        std::memcpy(buffer + head, _buffer.get(), size - head);
+        _readPosition.store(end, std::memory_order_release);
+        _overflowed.store(false, std::memory_order_relaxed);
+    }
+    buffer[size] = '\0';
+    _stringRead = true;
+    return *this;
+}
+
+} // namespace Kr

@@ -1,0 +1,240 @@
+#pragma once
+
+/// @file
+/// The ring of characters through which one thread hands texts to another, without a lock.
+///
+/// The producer appends values and ends each text; the consumer takes the texts in that order:
+/// @code
+/// Kr::LgStream stream;
+/// stream << "took " << 3 << " steps of " << 0.25 << " m" << Kr::ends; // producer
+///
+/// std::string text(stream.getNextSize() + 1, '\0'); // consumer
+/// stream >> text.data();                             // "took 3 steps of 0.250000 m"
+/// @endcode
+/// Nothing ever waits or allocates. What does not fit is cut: a value whose text is longer than the
+/// free room becomes "#", and nothing more is taken while the ring is full. `hasOverflowed` tells.
+///
+/// Exactly one thread produces and one consumes. A text becomes visible to the consumer when it is
+/// ended: the producer stores the position of its terminator with release order, after the
+/// characters, and the consumer reads that position with acquire order, before them; the consumer's
+/// own position takes the same road back (Lamport, "Proving the Correctness of Multiprocess
+/// Programs", 1977).
+///
+/// Pitfalls: formatting is fixed, so numbers look the same whatever the locale; "%f" means six
+/// decimals, also for 1e-9. A text cannot hold a NUL, which would end it: NULs are left out. In a
+/// message of an `LgQueue`, nothing is appended after `ends` or once a full ring has cut it.
+
+#include <base/krBaseApi.h>
+
+#include <atomic>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <string_view>
+
+namespace Kr
+{
+
+class KR_BASE_API LgStream
+{
+public:
+    /// What `getOutputFlags` returns.
+    enum OutputFlags : unsigned int
+    {
+        TextWritten = 1,     ///< something was appended since the reset
+        StringCompleted = 2, ///< the text was ended, or cut by the ring being full
+    };
+
+    /// @param ringSize the size of the ring in characters, a power of two from 4 up. The default is
+    /// what the logger uses; small rings are for those who want to see them fill.
+    explicit LgStream(unsigned int ringSize = defaultRingSize);
+    LgStream(const LgStream&) = delete;
+    LgStream& operator=(const LgStream&) = delete;
+
+    // The producer's side
+
+    LgStream& operator<<(const char* text)
+    {
+        return append(text != nullptr ? text : "(null)",
+                      std::strlen(text != nullptr ? text : "(null)"));
+    }
+    LgStream& operator<<(char* text) { return *this << static_cast<const char*>(text); }
+    LgStream& operator<<(std::string_view text);
+    LgStream& operator<<(char character)
+    {
+        return character != '\0' ? append(&character, 1) : append("", 0);
+    }
+    LgStream& operator<<(signed char character) { return *this << static_cast<char>(character); }
+    LgStream& operator<<(unsigned char character) { return *this << static_cast<char>(character); }
+    LgStream& operator<<(bool value) { return *this << (value ? "true" : "false"); }
+
+    // The text that the format beside it gives in the "C" locale.
+    LgStream& operator<<(short value) { return *this << static_cast<int>(value); }    ///< "%hd"
+    LgStream& operator<<(unsigned short value) { return *this << unsigned{value}; }   ///< "%hu"
+    LgStream& operator<<(int value);                                                  ///< "%d"
+    LgStream& operator<<(unsigned int value);                                         ///< "%u"
+    LgStream& operator<<(long value);                                                 ///< "%ld"
+    LgStream& operator<<(unsigned long value);                                        ///< "%lu"
+    LgStream& operator<<(long long value);                                            ///< "%lld"
+    LgStream& operator<<(unsigned long long value);                                   ///< "%llu"
+    LgStream& operator<<(float value) { return *this << static_cast<double>(value); } ///< "%f"
+    LgStream& operator<<(double value);                                               ///< "%f"
+    LgStream& operator<<(long double value);                                          ///< "%Lf"
+    /// "%p", in the form of the platform's runtime library.
+    LgStream& operator<<(const void* pointer);
+    LgStream& operator<<(void* pointer) { return *this << static_cast<const void*>(pointer); }
+
+    LgStream& operator<<(LgStream& (*manipulator)(LgStream&)) { return manipulator(*this); }
+
+    /// Ends the text and makes it visible to the consumer. `ends` calls it.
+    void completeString();
+
+    /// Whether there is no room for another character.
+    bool isFull() const noexcept;
+
+    /// The free room in characters.
+    unsigned int getNumCharacters() const noexcept;
+
+    /// The longest text that fits with its terminator whatever the state of an emptied ring.
+    static constexpr unsigned int getMaxSize() noexcept { return defaultRingSize - 2; }
+
+    void resetOutputFlags() noexcept { _outputFlags = 0; }
+    unsigned int getOutputFlags() const noexcept { return _outputFlags; }
+
+    // The consumer's side
+
+    /// The length of the next text, without its terminator; 0 if there is none.
+    unsigned int getNextSize() const noexcept;
+
+    /// Takes the next text: copies it, with a terminator, to a buffer of at least
+    /// `getNextSize() + 1` characters. An empty text if there is none.
+    LgStream& operator>>(char* buffer) noexcept;
+
+    // For either side
+
+    /// Whether anything was cut since the consumer last took a text.
+    bool hasOverflowed() const noexcept { return _overflowed.load(std::memory_order_relaxed); }
+
+private:
+    friend class LgQueue;
+
+    static constexpr unsigned int defaultRingSize = 32768;
+    static constexpr std::size_t cacheLineSize = 64;
+    /// Room in which every integer, and every double below 2^64, can be written.
+    static constexpr unsigned int numberRoom = 32;
+
+    /// A message is a text that an entry of a queue announces. Texts and entries must agree in
+    /// number, so a message never makes more than one text.
+    enum class Message
+    {
+        None,
+        Open,
+        Closed
+    };
+
+    LgStream& append(const char* text, std::size_t length)
+    {
+        // An empty text takes the long way, as does every text that may not fit.
+        if (length - 1 < _room)
+            copyIn(text, static_cast<unsigned int>(length));
+        else
+            appendTight(text, length);
+        return *this;
+    }
+    void copyIn(const char* text, unsigned int length) noexcept;
+    void appendTight(const char* text, std::size_t length) noexcept;
+    template <class Value>
+    LgStream& appendNumber(Value value);
+
+    void publish() noexcept;
+    void publishTight() noexcept;
+    void stepOverTerminator() noexcept;
+
+    /// What `LgQueue` calls around a message.
+    bool hasRoom() noexcept { return _room != 0 || updateRoom(); }
+    void beginMessage() noexcept;
+    void endMessage() noexcept;
+
+    bool updateRoom() noexcept;
+    unsigned int getRoom(unsigned int readPosition) const noexcept;
+    unsigned int findStart(unsigned int readPosition) const noexcept;
+    unsigned int findEnd(unsigned int start, unsigned int committed) const noexcept;
+
+    // Both sides read these: positions count modulo the ring's size.
+    std::unique_ptr<char[]> _buffer;
+    unsigned int _mask; // the ring's size less 1
+
+    // The consumer writes these ...
+    alignas(cacheLineSize) std::atomic<unsigned int> _readPosition{0};
+    bool _stringRead = false; // the read position stands on the terminator of a text
+
+    // ... and the producer these.
+    alignas(cacheLineSize) std::atomic<unsigned int> _committedPosition{0};
+    unsigned int _writePosition = 0;
+    unsigned int _room; // what may be stored without another look at the read position
+    unsigned int _outputFlags = 0;
+    bool _pendingAdvance = false;
+    bool _completed = false; // since the flags were reset for a message
+    Message _message = Message::None;
+
+    std::atomic<bool> _overflowed{false};
+};
+
+/// Ends the current text: `stream << "done" << Kr::ends`.
+inline LgStream& ends(LgStream& stream)
+{
+    stream.completeString();
+    return stream;
+}
+
+inline void LgStream::copyIn(const char* text, unsigned int length) noexcept
+{
+    const unsigned int toEnd = _mask + 1 - _writePosition;
+    char* const to = _buffer.get() + _writePosition;
+    if (length < toEnd)
+    {
+        std::memcpy(to, text, length);
+    }
+    else
+    {
+        std::memcpy(to, text, toEnd);
+        std::memcpy(_buffer.get(), text + toEnd, length - toEnd);
+    }
+    _writePosition = (_writePosition + length) & _mask;
+    _room -= length;
+    _outputFlags |= TextWritten;
+}
+
+inline void LgStream::publish() noexcept
+{
+    _buffer[_writePosition] = '\0';
+    _committedPosition.store(_writePosition, std::memory_order_release);
+    _outputFlags |= StringCompleted;
+    _completed = true;
+    if (_room != 0)
+        stepOverTerminator();
+    else
+        publishTight();
+}
+
+inline void LgStream::stepOverTerminator() noexcept
+{
+    _writePosition = (_writePosition + 1) & _mask;
+    --_room;
+}
+
+inline void LgStream::beginMessage() noexcept
+{
+    resetOutputFlags();
+    _completed = false;
+    _message = Message::Open;
+}
+
+inline void LgStream::endMessage() noexcept
+{
+    if (!_completed)
+        publish();
+    _message = Message::None;
+}
+
+} // namespace Kr
