@@ -12,6 +12,8 @@ function(check expected_status expected_output error_expression)
     endif()
 endfunction()
 
+set(ENV{KR_WINE_INPUT} ${FOLDER}/timecode.txt)
+
 set(heading "\
         rate                ticks             seconds               time code  conversion\n")
 

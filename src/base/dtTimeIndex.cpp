@@ -2,6 +2,7 @@
 
 #include <base/dtEx.h>
 #include <base/floatUtil.h>
+#include <base/rationalEx.h>
 #include <base/streamInserters.h>
 #include <base/trace.h>
 #include <base/wideRatio.h>
@@ -22,8 +23,8 @@ constexpr long long secondsPerMinute = 60;
 /// @throws RationalEx::ExDenominatorZero if `fromRate` is zero
 WideRatio getFactor(const Rational& fromRate, const Rational& toRate)
 {
-    if (fromRate.getNumerator() == 0)
-        Rational(fromRate.getDenominator(), fromRate.getNumerator()); // raises: no reciprocal
+    if (fromRate.getNumerator() == 0) // as the fraction of these terms would be refused
+        raise<RationalEx::ExDenominatorZero>("src/base/rational", 63);
     const std::int64_t numerator = fromRate.getDenominator();
     const std::int64_t denominator = fromRate.getNumerator();
     return WideRatio(numerator * toRate.getNumerator(), denominator * toRate.getDenominator());
