@@ -1,5 +1,6 @@
 // Numeric helpers: floating point, classification, powers of two, intervals.
 
+#include <base/dtTimeIndexInterval.h>
 #include <base/exBase.h>
 #include <base/floatUtil.h>
 #include <base/interval.h>
@@ -370,6 +371,41 @@ TEST(Interval, holdsEveryResultOfItsValues)
             ASSERT_TRUE((a / b).contains(x / y)) << a << ' ' << b << ' ' << x << ' ' << y;
         }
     }
+}
+
+TEST(Interval, saturatesTickCounts)
+{
+    using Ticks = Kr::DtTimeIndexInterval;
+    const long long most = std::numeric_limits<long long>::max();
+    const long long least = std::numeric_limits<long long>::min();
+    const Ticks a(-3, 7), all(least, most), empty = Ticks::getEmpty();
+    EXPECT_EQ(a + Ticks(1, 2), Ticks(-2, 9));
+    EXPECT_EQ(a * Ticks(-2, 3), Ticks(-14, 21));
+    EXPECT_EQ(a * Kr::DtTimeIndex(-1), Ticks(-7, 3));
+    EXPECT_EQ(a / Kr::DtTimeIndex(2), Ticks(-1, 3));
+    EXPECT_EQ(a / Kr::DtTimeIndex(-2), Ticks(-3, 1));
+    EXPECT_EQ(Ticks(10, 21) / Ticks(-5, -2), Ticks(-10, -2));
+    EXPECT_EQ(Ticks(1, 5).reciprocal(), Ticks(0, 1));
+    expectAssertion([&] { a.reciprocal(); }, "src/base/interval.inline", 566,
+                    "val.getLower() > 0. || val.getUpper() < 0.");
+    expectAssertion([&] { a / Kr::DtTimeIndex(0); }, "src/base/interval.inline", 221, "val != 0");
+
+    EXPECT_EQ(all + all, all);
+    EXPECT_EQ(all - all, all);
+    EXPECT_EQ(all * all, all);
+    EXPECT_EQ(-all, Ticks(least + 1, most));
+    EXPECT_EQ(all / Kr::DtTimeIndex(-1), Ticks(least + 1, most));
+    EXPECT_EQ(Ticks(most) + Ticks(0, 1), Ticks(most));
+    EXPECT_EQ(Ticks(least) - Ticks(0, 1), Ticks(least));
+    EXPECT_EQ(all.getWidth(), most);
+    EXPECT_EQ(all.getCentre(), -1);
+    EXPECT_EQ(Ticks(-4, -1).getCentre(), -3);
+    EXPECT_EQ(Ticks(most - 1, most).getCentre(), most - 1);
+    EXPECT_EQ(empty + a, empty);
+    EXPECT_EQ(a.getExclusiveContainment(Ticks(7, 9)), Ticks::Disjoint);
+    std::ostringstream text;
+    text << all << empty;
+    EXPECT_EQ(text.str(), "[-9223372036854775808, 9223372036854775807][]");
 }
 
 } // namespace

@@ -1,0 +1,11 @@
+#include <base/dtTimeIndexInterval.h>
+
+#include <base/interval.imp>
+
+namespace Kr
+{
+
+template class Interval<DtTimeIndex>;
+template std::ostream& operator<<(std::ostream&, const Interval<DtTimeIndex>&);
+
+} // namespace Kr
