@@ -5,7 +5,7 @@
 namespace Kr
 {
 
-template class Interval<DtTimeIndex>;
+template class KR_BASE_API Interval<DtTimeIndex>;
 template std::ostream& operator<<(std::ostream&, const Interval<DtTimeIndex>&);
 
 } // namespace Kr

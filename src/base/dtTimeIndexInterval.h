@@ -14,7 +14,6 @@
 namespace Kr
 {
 
-extern template class KR_BASE_API Interval<DtTimeIndex>;
 extern template KR_BASE_API std::ostream& operator<<(std::ostream&, const Interval<DtTimeIndex>&);
 
 using DtTimeIndexInterval = Interval<DtTimeIndex>;

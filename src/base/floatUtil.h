@@ -109,8 +109,8 @@ public:
 
     /// floor(x + 0.5): halves go up. The sum is rounded to double, so the largest double below 0.5
     /// gives 1; for a `float` it is exact.
-    static float round(float x) noexcept;
-    static double round(double x) noexcept;
+    static inline float round(float x) noexcept;
+    static inline double round(double x) noexcept;
     static float floor(float x) noexcept { return std::floor(x); }
     static double floor(double x) noexcept { return std::floor(x); }
     static float ceil(float x) noexcept { return std::ceil(x); }

@@ -3,8 +3,8 @@
 namespace Kr
 {
 
-template class Interval<float>;
-template class Interval<double>;
+template class KR_BASE_API Interval<float>;
+template class KR_BASE_API Interval<double>;
 template std::ostream& operator<<(std::ostream&, const Interval<float>&);
 template std::ostream& operator<<(std::ostream&, const Interval<double>&);
 

@@ -8,8 +8,7 @@
 ///     draw(visible.getIntersection(shot)); // [8, 10]
 /// const Kr::Interval<double> volume = visible * -2.; // [-20, 0]
 /// @endcode
-/// `Interval<float>` and `Interval<double>` are compiled into the library, as is
-/// `Interval<DtTimeIndex>` (include <base/dtTimeIndexInterval.h>).
+/// T is `float`, `double` or `DtTimeIndex` (include <base/dtTimeIndexInterval.h>).
 ///
 /// An interval always has lower <= upper; ends given in the wrong order are exchanged. The one
 /// exception is the empty interval, `getEmpty()`: the intersection of disjoint intervals, and the
@@ -162,16 +161,11 @@ private:
 template <class T>
 std::ostream& operator<<(std::ostream& os, const Interval<T>& interval);
 
-} // namespace Kr
-
-#include <base/interval.inline>
-
-namespace Kr
-{
-
-extern template class KR_BASE_API Interval<float>;
-extern template class KR_BASE_API Interval<double>;
+// Compiled once. Everything else is small enough to be compiled into its callers, which a class
+// instantiated only in the library would not be.
 extern template KR_BASE_API std::ostream& operator<<(std::ostream&, const Interval<float>&);
 extern template KR_BASE_API std::ostream& operator<<(std::ostream&, const Interval<double>&);
 
 } // namespace Kr
+
+#include <base/interval.inline>
