@@ -35,8 +35,10 @@ public:
 
 } // namespace Kr
 
-/// Raises `Kr::ExInternalError` naming the expression when it does not hold.
-#define KR_ASSERT(expression) KR_ASSERT_AT(expression, __LINE__)
+/// Raises `Kr::ExInternalError` naming the expression, as it is written, when it does not hold.
+#define KR_ASSERT(expression)                                                                      \
+    ((expression) ? static_cast<void>(0)                                                           \
+                  : ::Kr::Assertions::throwAssertionFailed(KR_HERE, #expression))
 
 /// The same with a line number that is part of the interface.
 #define KR_ASSERT_AT(expression, line)                                                             \

@@ -12,14 +12,14 @@ Kr::LgMinorGroup* LgGroups::KR_XGLUE(MinorLevel, BuildInfo) = nullptr;
 // clang-format off: the spacing of the checks is part of their texts
 void KrInit::debugging::start()
 {
-    KR_ASSERT_AT(LgGroups::KR_XGLUE(MinorLevel, BuildInfo) == 0, __LINE__);
+    KR_ASSERT(LgGroups::KR_XGLUE( MinorLevel, BuildInfo ) == 0);
     LgGroups::KR_XGLUE(MinorLevel, BuildInfo) =
         new Kr::LgMinorGroup(Kr::LgMajorGroup::getInstanceForName("Base"), "BuildInfo");
 }
 
 void KrInit::debugging::stop()
 {
-    KR_ASSERT_AT(LgGroups::KR_XGLUE(MinorLevel, BuildInfo) != 0, __LINE__);
+    KR_ASSERT(LgGroups::KR_XGLUE( MinorLevel, BuildInfo ) != 0);
     delete LgGroups::KR_XGLUE(MinorLevel, BuildInfo);
     LgGroups::KR_XGLUE(MinorLevel, BuildInfo) = nullptr;
 }
