@@ -45,8 +45,7 @@ void run(benchmark::State& state, const std::vector<T>& values, Function functio
 /// With the same results, as one would write it by hand.
 std::uint32_t ceilBuiltin(std::uint32_t a)
 {
-    return a <= 1 ? a
-                  : std::uint32_t{1} << (32U - static_cast<unsigned>(__builtin_clz(a - 1))) % 32;
+    return a <= 1 ? a : 1U << ((31U ^ static_cast<unsigned>(__builtin_clz(a - 1))) + 1U) % 32U;
 }
 
 void BM_log2Floor(benchmark::State& state)
@@ -55,7 +54,7 @@ void BM_log2Floor(benchmark::State& state)
 }
 void BM_log2Floor_builtin_clz(benchmark::State& state)
 {
-    run(state, getIntegers(), [](std::uint32_t a) { return 31 - __builtin_clz(a); });
+    run(state, getIntegers(), [](std::uint32_t a) { return 31 ^ __builtin_clz(a); });
 }
 void BM_log2Floor_ilogb(benchmark::State& state)
 {
