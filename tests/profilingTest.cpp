@@ -5,6 +5,7 @@
 
 #include <base/exBase.h>
 #include <base/hwCounter.h>
+#include <base/lgStream.h>
 #include <base/profConsolidator.h>
 #include <base/profiler.imp>
 #include <base/timer.imp>
@@ -152,6 +153,24 @@ TEST(Profiler, writesItsTableAndLeavesTheStreamAsItWas)
     EXPECT_EQ(os.width(), 30);
     EXPECT_EQ(os.flags() & std::ios::adjustfield, std::ios::right);
     EXPECT_EQ(os.flags() & std::ios::floatfield, std::ios::scientific);
+}
+
+TEST(Profiler, writesItsTableIntoAMessage)
+{
+    ScriptedProfiler profiler("frame");
+    runCycles(profiler, {1, 2, 3});
+    Kr::LgStream stream;
+    stream << profiler << Kr::ends;
+    std::vector<char> text(stream.getNextSize() + 1);
+    stream >> text.data();
+    EXPECT_STREQ(text.data(), "Profiler frame:\n"
+                              "        Nb of cycles:   3\n"
+                              "        Total time  :   6.000000000\n"
+                              "        Average time:   2.000000000\n"
+                              "        Minimum time:   1.000000000\n"
+                              "        Maximum time:   3.000000000\n"
+                              "        Standard dev:   1.000000000\n"
+                              "\n");
 }
 
 TEST(ProfConsolidator, mergesProfilers)

@@ -1,9 +1,27 @@
 #include <base/profilerBase.h>
 
+#include <base/lgStream.h>
 #include <base/profTable.h>
+
+#include <charconv>
+#include <iterator>
+#include <limits>
 
 namespace Kr
 {
+
+namespace
+{
+
+/// Writes the value as "%.9f" does.
+void writeSeconds(LgStream& stream, const char* label, double seconds)
+{
+    char text[std::numeric_limits<double>::max_exponent10 + 16]; // sign, digits, point, nine digits
+    *std::to_chars(text, std::end(text) - 1, seconds, std::chars_format::fixed, 9).ptr = '\0';
+    stream << label << text << "\n";
+}
+
+} // namespace
 
 ProfilerBase::~ProfilerBase() = default;
 
@@ -18,6 +36,18 @@ std::ostream& operator<<(std::ostream& os, const ProfilerBase& profiler)
     table.writeLine("Maximum time:", profiler.maxTime());
     table.writeLine("Standard dev:", profiler.standardDeviation());
     return os << std::endl;
+}
+
+LgStream& operator<<(LgStream& stream, const ProfilerBase& profiler)
+{
+    stream << "Profiler " << profiler.getName() << ":\n";
+    stream << "        Nb of cycles:   " << profiler.cycles() << "\n";
+    writeSeconds(stream, "        Total time  :   ", profiler.totalTime());
+    writeSeconds(stream, "        Average time:   ", profiler.averageTime());
+    writeSeconds(stream, "        Minimum time:   ", profiler.minTime());
+    writeSeconds(stream, "        Maximum time:   ", profiler.maxTime());
+    writeSeconds(stream, "        Standard dev:   ", profiler.standardDeviation());
+    return stream << "\n";
 }
 
 } // namespace Kr
