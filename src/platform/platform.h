@@ -21,6 +21,11 @@
 #include <stdlib.h>
 #include <sys/timeb.h>
 
+/// A process of this system does not fork.
+inline void krOnFork(void (*)(), void (*)(), void (*)()) noexcept
+{
+}
+
 #else
 
 #include <cstddef>
@@ -108,6 +113,109 @@ struct __timeb64 // NOLINT(bugprone-reserved-identifier): the runtime's name
 
 /// The time of day; the fields for the time zone are left out.
 void _ftime64(__timeb64* now) noexcept;
+
+// Handles (posix/handle.cpp)
+
+#define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(-1)))
+
+BOOL CloseHandle(HANDLE handle) noexcept;
+
+// Files (posix/file.cpp). Paths take both separators; `/` is drive C:.
+
+constexpr DWORD ERROR_NOT_SAME_DEVICE = 17;
+constexpr DWORD ERROR_NEGATIVE_SEEK = 131;
+
+constexpr DWORD GENERIC_READ = 0x80000000;
+constexpr DWORD GENERIC_WRITE = 0x40000000;
+constexpr DWORD DELETE = 0x00010000;
+constexpr DWORD FILE_READ_DATA = 0x0001;
+constexpr DWORD FILE_WRITE_DATA = 0x0002;
+constexpr DWORD FILE_APPEND_DATA = 0x0004; ///< without FILE_WRITE_DATA: every write appends
+
+constexpr DWORD FILE_SHARE_READ = 0x1;
+constexpr DWORD FILE_SHARE_WRITE = 0x2;
+constexpr DWORD FILE_SHARE_DELETE = 0x4;
+
+constexpr DWORD CREATE_NEW = 1;
+constexpr DWORD CREATE_ALWAYS = 2;
+constexpr DWORD OPEN_EXISTING = 3;
+constexpr DWORD OPEN_ALWAYS = 4;
+constexpr DWORD TRUNCATE_EXISTING = 5;
+
+constexpr DWORD FILE_ATTRIBUTE_READONLY = 0x01;
+constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
+
+constexpr DWORD FILE_BEGIN = 0;
+constexpr DWORD FILE_CURRENT = 1;
+constexpr DWORD FILE_END = 2;
+
+constexpr DWORD LOCKFILE_FAIL_IMMEDIATELY = 0x1;
+constexpr DWORD LOCKFILE_EXCLUSIVE_LOCK = 0x2;
+
+constexpr DWORD MOVEFILE_REPLACE_EXISTING = 0x1;
+
+struct SECURITY_ATTRIBUTES;
+
+struct FILETIME
+{
+    DWORD dwLowDateTime;
+    DWORD dwHighDateTime;
+};
+
+struct OVERLAPPED
+{
+    DWORD Offset;
+    DWORD OffsetHigh;
+    HANDLE hEvent;
+};
+
+struct BY_HANDLE_FILE_INFORMATION
+{
+    DWORD dwFileAttributes;
+    FILETIME ftCreationTime; ///< of the last change of the file's state
+    FILETIME ftLastAccessTime;
+    FILETIME ftLastWriteTime;
+    DWORD dwVolumeSerialNumber;
+    DWORD nFileSizeHigh;
+    DWORD nFileSizeLow;
+    DWORD nNumberOfLinks;
+    DWORD nFileIndexHigh;
+    DWORD nFileIndexLow;
+};
+
+/// Opens a file, not a directory. `access` 0 asks for the file's information only and takes no part
+/// in the sharing. What one open denies, no other gets, in this process or another one of the
+/// library. Only the read-only attribute is honoured; there are no templates.
+HANDLE CreateFileA(const char* path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
+                   DWORD disposition, DWORD flagsAndAttributes, HANDLE templateFile) noexcept;
+
+/// On a failure the count tells how many bytes had been written.
+BOOL WriteFile(HANDLE file, const void* data, DWORD size, DWORD* written,
+               OVERLAPPED* overlapped) noexcept;
+BOOL SetFilePointerEx(HANDLE file, LARGE_INTEGER distance, LARGE_INTEGER* position,
+                      DWORD method) noexcept;
+BOOL SetEndOfFile(HANDLE file) noexcept;
+BOOL GetFileSizeEx(HANDLE file, LARGE_INTEGER* size) noexcept;
+BOOL FlushFileBuffers(HANDLE file) noexcept;
+BOOL GetFileInformationByHandle(HANDLE file, BY_HANDLE_FILE_INFORMATION* information) noexcept;
+
+/// Locks belong to the handle and end with it, also when the process is killed. Ranges below 2^62;
+/// the handle needs access for reading to share a range, for writing to own it.
+BOOL LockFileEx(HANDLE file, DWORD flags, DWORD reserved, DWORD sizeLow, DWORD sizeHigh,
+                OVERLAPPED* range) noexcept;
+BOOL UnlockFileEx(HANDLE file, DWORD reserved, DWORD sizeLow, DWORD sizeHigh,
+                  OVERLAPPED* range) noexcept;
+
+/// Fails with the sharing violation while the file is open somewhere without FILE_SHARE_DELETE.
+BOOL MoveFileExA(const char* from, const char* to, DWORD flags) noexcept;
+BOOL CreateDirectoryA(const char* path, SECURITY_ATTRIBUTES* security) noexcept;
+
+// Processes (posix/process.cpp)
+
+DWORD GetCurrentProcessId() noexcept;
+
+/// Has `before` called in the process that forks, then `inParent` or `inChild`. Once in a process.
+void krOnFork(void (*before)(), void (*inParent)(), void (*inChild)()) noexcept;
 
 #endif
 

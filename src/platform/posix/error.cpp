@@ -26,6 +26,7 @@ constexpr SystemText systemTexts[] = {
     {ERROR_ACCESS_DENIED, "Access is denied."},
     {ERROR_INVALID_HANDLE, "The handle is invalid."},
     {ERROR_NOT_ENOUGH_MEMORY, "Not enough memory is available to process this command."},
+    {ERROR_NOT_SAME_DEVICE, "The system cannot move the file to a different disk drive."},
     {ERROR_WRITE_PROTECT, "The media is write protected."},
     {ERROR_SHARING_VIOLATION,
      "The process cannot access the file because it is being used by another process."},
@@ -38,6 +39,8 @@ constexpr SystemText systemTexts[] = {
     {ERROR_DISK_FULL, "There is not enough space on the disk."},
     {ERROR_INSUFFICIENT_BUFFER, "The data area passed to a system call is too small."},
     {ERROR_INVALID_NAME, "The filename, directory name, or volume label syntax is incorrect."},
+    {ERROR_NEGATIVE_SEEK,
+     "An attempt was made to move the file pointer before the beginning of the file."},
     {ERROR_DIR_NOT_EMPTY, "The directory is not empty."},
     {ERROR_ALREADY_EXISTS, "Cannot create a file when that file already exists."},
     {ERROR_FILENAME_EXCED_RANGE, "The filename or extension is too long."},
@@ -71,6 +74,8 @@ constexpr ErrnoCode errnoCodes[] = {
     {ENOTDIR, ERROR_PATH_NOT_FOUND},
     {ENOTEMPTY, ERROR_DIR_NOT_EMPTY},
     {EPERM, ERROR_ACCESS_DENIED},
+    {ETXTBSY, ERROR_SHARING_VIOLATION},
+    {EXDEV, ERROR_NOT_SAME_DEVICE},
     {EROFS, ERROR_WRITE_PROTECT},
 };
 

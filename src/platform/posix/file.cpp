@@ -1,0 +1,442 @@
+#include <platform/posix/handle.h>
+#include <platform/posix/path.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <memory>
+#include <new>
+#include <string>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+// Share modes are kept as record locks on bytes far behind any file's end. For each kind of access
+// there is a byte that its users hold shared and a byte that those who deny it hold shared; whether
+// anybody holds a byte is asked by testing for an exclusive lock. Open-file-description locks
+// serve, because they belong to the handle: they work alike inside a process and between processes,
+// and end with the handle, even of a killed process. A whole-file advisory lock makes testing and
+// taking one step.
+
+namespace
+{
+
+constexpr off_t lockableEnd = off_t{1} << 62;
+
+enum Sharing : off_t
+{
+    usesRead = lockableEnd,
+    usesWrite,
+    usesDelete,
+    deniesRead,
+    deniesWrite,
+    deniesDelete
+};
+
+class File : public KrHandleObject
+{
+public:
+    explicit File(int descriptor)
+        : _descriptor(descriptor)
+    {
+    }
+
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    ~File() override { ::close(_descriptor); }
+
+    const int _descriptor;
+};
+
+struct Access
+{
+    bool read;
+    bool write;
+    bool append; ///< every write goes to the end
+    bool remove;
+};
+
+Access decodeAccess(DWORD access)
+{
+    const bool write = (access & (GENERIC_WRITE | FILE_WRITE_DATA)) != 0;
+    return {(access & (GENERIC_READ | FILE_READ_DATA)) != 0, write,
+            !write && (access & FILE_APPEND_DATA) != 0, (access & DELETE) != 0};
+}
+
+struct flock rangeLock(int type, off_t start, off_t length)
+{
+    struct flock lock = {};
+    lock.l_type = static_cast<short>(type);
+    lock.l_whence = SEEK_SET;
+    lock.l_start = start;
+    lock.l_len = length;
+    return lock;
+}
+
+bool isHeld(int descriptor, off_t byte)
+{
+    struct flock lock = rangeLock(F_WRLCK, byte, 1);
+    return ::fcntl(descriptor, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+}
+
+void hold(int descriptor, off_t byte)
+{
+    // A file that cannot be read cannot carry the mark; nothing more can be done about it.
+    struct flock lock = rangeLock(F_RDLCK, byte, 1);
+    static_cast<void>(::fcntl(descriptor, F_OFD_SETLK, &lock));
+}
+
+/// Makes testing and taking of the sharing marks one step among all who open the file.
+class SharingGate
+{
+public:
+    explicit SharingGate(int descriptor)
+        : _descriptor(descriptor)
+    {
+        while (::flock(_descriptor, LOCK_EX) != 0 && errno == EINTR)
+            continue;
+    }
+
+    SharingGate(const SharingGate&) = delete;
+    SharingGate& operator=(const SharingGate&) = delete;
+
+    ~SharingGate() { ::flock(_descriptor, LOCK_UN); }
+
+private:
+    const int _descriptor;
+};
+
+struct SharingRule
+{
+    bool uses;
+    bool denies;
+    off_t usesByte;
+    off_t deniesByte;
+};
+
+/// Takes part in the file's sharing, or returns false if another handle denies the access or has
+/// one that this denies.
+bool share(int descriptor, const Access& access, DWORD shareMode)
+{
+    const SharingRule rules[] = {
+        {access.read, (shareMode & FILE_SHARE_READ) == 0, usesRead, deniesRead},
+        {access.write || access.append, (shareMode & FILE_SHARE_WRITE) == 0, usesWrite,
+         deniesWrite},
+        {access.remove, (shareMode & FILE_SHARE_DELETE) == 0, usesDelete, deniesDelete},
+    };
+    const SharingGate gate(descriptor);
+    for (const SharingRule& rule : rules)
+        if ((rule.uses && isHeld(descriptor, rule.deniesByte)) ||
+            (rule.denies && isHeld(descriptor, rule.usesByte)))
+            return false;
+    for (const SharingRule& rule : rules)
+    {
+        if (rule.uses)
+            hold(descriptor, rule.usesByte);
+        if (rule.denies)
+            hold(descriptor, rule.deniesByte);
+    }
+    return true;
+}
+
+int openFlags(const Access& access, DWORD disposition)
+{
+    int flags = O_CLOEXEC | O_NOCTTY;
+    if (access.write || access.append)
+        flags |= O_RDWR; // also for writing only: the sharing marks need it
+    if (access.append)
+        flags |= O_APPEND;
+    if (disposition == CREATE_NEW || disposition == CREATE_ALWAYS || disposition == OPEN_ALWAYS)
+        flags |= O_CREAT;
+    if (disposition == CREATE_NEW)
+        flags |= O_EXCL;
+    return flags;
+}
+
+/// Opens the host's file, or returns -1 with the last error set.
+/// @param existed whether the file was there before
+int openHostFile(const char* path, const Access& access, DWORD disposition, DWORD attributes,
+                 bool& existed)
+{
+    struct stat status = {};
+    existed = ::stat(path, &status) == 0;
+    const bool writes = access.write || access.append;
+    if (existed && (S_ISDIR(status.st_mode) || (writes && (status.st_mode & 0222) == 0)))
+    {
+        SetLastError(disposition == CREATE_NEW ? ERROR_FILE_EXISTS : ERROR_ACCESS_DENIED);
+        return -1;
+    }
+    const mode_t mode = (attributes & FILE_ATTRIBUTE_READONLY) != 0 ? 0444 : 0666;
+    int descriptor = -1;
+    do
+        descriptor = ::open(path, openFlags(access, disposition), mode);
+    while (descriptor < 0 && errno == EINTR);
+    if (descriptor < 0 && errno == EEXIST)
+        SetLastError(ERROR_FILE_EXISTS);
+    else if (descriptor < 0)
+        krSetPathError(path);
+    return descriptor;
+}
+
+off_t wide(DWORD low, DWORD high)
+{
+    return static_cast<off_t>((std::uint64_t{high} << 32) | low);
+}
+
+DWORD lowPart(std::uint64_t value)
+{
+    return static_cast<DWORD>(value);
+}
+
+DWORD highPart(std::uint64_t value)
+{
+    return static_cast<DWORD>(value >> 32);
+}
+
+/// 100-nanosecond steps since 1601.
+FILETIME fileTime(const timespec& time)
+{
+    const std::uint64_t steps = (static_cast<std::uint64_t>(time.tv_sec) + 11644473600) * 10000000 +
+                                static_cast<std::uint64_t>(time.tv_nsec) / 100;
+    return {lowPart(steps), highPart(steps)};
+}
+
+/// The result of a host call, with the last error set if it failed.
+BOOL outcome(int result)
+{
+    if (result != 0)
+        SetLastError(krErrorFromErrno(errno));
+    return result == 0;
+}
+
+BOOL refuse(DWORD code)
+{
+    SetLastError(code);
+    return 0;
+}
+
+BOOL setRange(HANDLE handle, int type, bool wait, off_t start, off_t length)
+{
+    const File* file = krObject<File>(handle);
+    if (file == nullptr)
+        return 0;
+    if (start < 0 || length <= 0 || length > lockableEnd - start)
+        return refuse(ERROR_INVALID_PARAMETER);
+    struct flock lock = rangeLock(type, start, length);
+    int result = -1;
+    do
+        result = ::fcntl(file->_descriptor, wait ? F_OFD_SETLKW : F_OFD_SETLK, &lock);
+    while (result != 0 && errno == EINTR);
+    if (result != 0 && (errno == EAGAIN || errno == EACCES))
+        return refuse(ERROR_LOCK_VIOLATION);
+    return outcome(result);
+}
+
+enum class Use
+{
+    none,
+    shared, ///< by handles that let the file be renamed and removed
+    denied
+};
+
+/// How the file at that path is in use.
+Use getUse(const char* path)
+{
+    const int descriptor = ::open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor < 0)
+        return Use::none;
+    const File file(descriptor);
+    if (isHeld(descriptor, deniesDelete))
+        return Use::denied;
+    for (const off_t byte : {usesRead, usesWrite, usesDelete})
+        if (isHeld(descriptor, byte))
+            return Use::shared;
+    return Use::none;
+}
+
+} // namespace
+
+HANDLE CreateFileA(const char* path, DWORD accessMask, DWORD shareMode, SECURITY_ATTRIBUTES*,
+                   DWORD disposition, DWORD flagsAndAttributes, HANDLE) noexcept
+{
+    std::string storage;
+    const char* hostPath = krHostPath(path, storage);
+    if (hostPath == nullptr)
+        return INVALID_HANDLE_VALUE;
+    const Access access = decodeAccess(accessMask);
+    const bool knownDisposition = disposition >= CREATE_NEW && disposition <= TRUNCATE_EXISTING;
+    if (!knownDisposition || (disposition == TRUNCATE_EXISTING && !access.write))
+    {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return INVALID_HANDLE_VALUE;
+    }
+    bool existed = false;
+    const int descriptor = openHostFile(hostPath, access, disposition, flagsAndAttributes, existed);
+    if (descriptor < 0)
+        return INVALID_HANDLE_VALUE;
+    File* file = new (std::nothrow) File(descriptor);
+    if (file == nullptr)
+    {
+        ::close(descriptor);
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return INVALID_HANDLE_VALUE;
+    }
+    if (accessMask != 0 && !share(descriptor, access, shareMode))
+    {
+        delete file;
+        SetLastError(ERROR_SHARING_VIOLATION);
+        return INVALID_HANDLE_VALUE;
+    }
+    const bool always = disposition == CREATE_ALWAYS || disposition == OPEN_ALWAYS;
+    if (existed && (disposition == CREATE_ALWAYS || disposition == TRUNCATE_EXISTING))
+        static_cast<void>(::ftruncate(descriptor, 0) == 0);
+    SetLastError(existed && always ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
+    return file;
+}
+
+BOOL WriteFile(HANDLE handle, const void* data, DWORD size, DWORD* written, OVERLAPPED*) noexcept
+{
+    *written = 0;
+    const File* file = krObject<File>(handle);
+    if (file == nullptr)
+        return 0;
+    while (*written < size)
+    {
+        const ssize_t count =
+            ::write(file->_descriptor, static_cast<const char*>(data) + *written, size - *written);
+        if (count >= 0)
+            *written += static_cast<DWORD>(count);
+        else if (errno != EINTR)
+            return refuse(errno == EBADF ? ERROR_ACCESS_DENIED : krErrorFromErrno(errno));
+    }
+    return 1;
+}
+
+BOOL SetFilePointerEx(HANDLE handle, LARGE_INTEGER distance, LARGE_INTEGER* position,
+                      DWORD method) noexcept
+{
+    const File* file = krObject<File>(handle);
+    if (file == nullptr)
+        return 0;
+    constexpr int origins[] = {SEEK_SET, SEEK_CUR, SEEK_END};
+    if (method > FILE_END)
+        return refuse(ERROR_INVALID_PARAMETER);
+    const off_t moved = ::lseek(file->_descriptor, distance.QuadPart, origins[method]);
+    if (moved < 0)
+        return refuse(errno == EINVAL ? ERROR_NEGATIVE_SEEK : krErrorFromErrno(errno));
+    if (position != nullptr)
+        position->QuadPart = moved;
+    return 1;
+}
+
+BOOL SetEndOfFile(HANDLE handle) noexcept
+{
+    const File* file = krObject<File>(handle);
+    if (file == nullptr)
+        return 0;
+    const int result = ::ftruncate(file->_descriptor, ::lseek(file->_descriptor, 0, SEEK_CUR));
+    return result != 0 && errno == EINVAL ? refuse(ERROR_ACCESS_DENIED) : outcome(result);
+}
+
+BOOL GetFileSizeEx(HANDLE handle, LARGE_INTEGER* size) noexcept
+{
+    const File* file = krObject<File>(handle);
+    struct stat status = {};
+    if (file == nullptr || !outcome(::fstat(file->_descriptor, &status)))
+        return 0;
+    size->QuadPart = status.st_size;
+    return 1;
+}
+
+BOOL FlushFileBuffers(HANDLE handle) noexcept
+{
+    const File* file = krObject<File>(handle);
+    if (file == nullptr)
+        return 0;
+    if (::fsync(file->_descriptor) == 0 || errno == EINVAL) // a pipe or terminal has no buffers
+        return 1;
+    return refuse(krErrorFromErrno(errno));
+}
+
+BOOL GetFileInformationByHandle(HANDLE handle, BY_HANDLE_FILE_INFORMATION* information) noexcept
+{
+    const File* file = krObject<File>(handle);
+    struct stat status = {};
+    if (file == nullptr || !outcome(::fstat(file->_descriptor, &status)))
+        return 0;
+    const auto size = static_cast<std::uint64_t>(status.st_size);
+    information->dwFileAttributes =
+        (status.st_mode & 0222) == 0 ? FILE_ATTRIBUTE_READONLY : FILE_ATTRIBUTE_NORMAL;
+    information->ftCreationTime = fileTime(status.st_ctim);
+    information->ftLastAccessTime = fileTime(status.st_atim);
+    information->ftLastWriteTime = fileTime(status.st_mtim);
+    information->dwVolumeSerialNumber = lowPart(status.st_dev);
+    information->nFileSizeHigh = highPart(size);
+    information->nFileSizeLow = lowPart(size);
+    information->nNumberOfLinks = static_cast<DWORD>(status.st_nlink);
+    information->nFileIndexHigh = highPart(status.st_ino);
+    information->nFileIndexLow = lowPart(status.st_ino);
+    return 1;
+}
+
+BOOL LockFileEx(HANDLE handle, DWORD flags, DWORD, DWORD sizeLow, DWORD sizeHigh,
+                OVERLAPPED* range) noexcept
+{
+    return setRange(handle, (flags & LOCKFILE_EXCLUSIVE_LOCK) != 0 ? F_WRLCK : F_RDLCK,
+                    (flags & LOCKFILE_FAIL_IMMEDIATELY) == 0,
+                    wide(range->Offset, range->OffsetHigh), wide(sizeLow, sizeHigh));
+}
+
+BOOL UnlockFileEx(HANDLE handle, DWORD, DWORD sizeLow, DWORD sizeHigh, OVERLAPPED* range) noexcept
+{
+    return setRange(handle, F_UNLCK, false, wide(range->Offset, range->OffsetHigh),
+                    wide(sizeLow, sizeHigh));
+}
+
+BOOL MoveFileExA(const char* from, const char* to, DWORD flags) noexcept
+{
+    std::string fromStorage;
+    std::string toStorage;
+    const char* source = krHostPath(from, fromStorage);
+    const char* target = krHostPath(to, toStorage);
+    if (source == nullptr || target == nullptr)
+        return 0;
+    struct stat status = {};
+    if (::lstat(source, &status) != 0)
+    {
+        krSetPathError(source);
+        return 0;
+    }
+    if (getUse(source) == Use::denied)
+        return refuse(ERROR_SHARING_VIOLATION);
+    struct stat targetStatus = {};
+    if (::lstat(target, &targetStatus) == 0)
+    {
+        const bool same =
+            targetStatus.st_ino == status.st_ino && targetStatus.st_dev == status.st_dev;
+        if (!same && (flags & MOVEFILE_REPLACE_EXISTING) == 0)
+            return refuse(ERROR_ALREADY_EXISTS);
+        if (!same && (S_ISDIR(targetStatus.st_mode) || getUse(target) != Use::none))
+            return refuse(ERROR_ACCESS_DENIED);
+    }
+    if (::rename(source, target) == 0)
+        return 1;
+    krSetPathError(target);
+    if (GetLastError() == ERROR_FILE_NOT_FOUND)
+        SetLastError(ERROR_PATH_NOT_FOUND);
+    return 0;
+}
+
+BOOL CreateDirectoryA(const char* path, SECURITY_ATTRIBUTES*) noexcept
+{
+    std::string storage;
+    const char* hostPath = krHostPath(path, storage);
+    if (hostPath == nullptr)
+        return 0;
+    if (::mkdir(hostPath, 0777) == 0)
+        return 1;
+    krSetPathError(hostPath);
+    return 0;
+}

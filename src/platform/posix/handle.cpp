@@ -1,0 +1,10 @@
+#include <platform/posix/handle.h>
+
+KrHandleObject::~KrHandleObject() = default;
+
+BOOL CloseHandle(HANDLE handle) noexcept
+{
+    const KrHandleObject* object = krObject<KrHandleObject>(handle);
+    delete object;
+    return object != nullptr;
+}

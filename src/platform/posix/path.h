@@ -1,0 +1,15 @@
+#pragma once
+
+/// @file
+/// The system's paths on a POSIX host.
+
+#include <string>
+
+/// Turns a path with either separator, with or without drive C:, into the host's form. Null, with
+/// the last error set, for an empty path, another drive, or a character that no name may hold.
+/// @param storage holds the result
+const char* krHostPath(const char* path, std::string& storage) noexcept;
+
+/// Sets the last error for a call on that host path that has just failed: a missing folder on the
+/// way is a missing path, a missing last name a missing file.
+void krSetPathError(const char* hostPath) noexcept;
