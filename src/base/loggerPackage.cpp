@@ -1,6 +1,6 @@
 #include <base/inInit.imp>
 #include <base/krInitPackages.h>
-#include <base/lgGroups.h>
+#include <base/lgLog.h>
 
 template class Kr::InInit<KrInit::logger>;
 
@@ -8,10 +8,10 @@ static Kr::InInit<KrInit::logger> package;
 
 void KrInit::logger::start()
 {
-    Kr::LgMajorGroup::initializeFromEnvironment();
+    Kr::LgLog::init();
 }
 
 void KrInit::logger::stop()
 {
-    Kr::LgMajorGroup::finalize();
+    Kr::LgLog::destroy();
 }

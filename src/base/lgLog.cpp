@@ -1,0 +1,84 @@
+#include <base/lgLog.h>
+
+#include <base/inInitMgr.h>
+#include <base/lgGroups.h>
+#include <base/lgLogState.h>
+#include <base/lgProducer.h>
+#include <base/lgTimeline.h>
+#include <base/lgTypes.h>
+
+#include <cstring>
+#include <iostream>
+
+namespace Kr
+{
+
+namespace
+{
+
+/// The default threshold comes before the groups, which start from it.
+void initializeGroups()
+{
+    const char* threshold = InInitMgr::getEnv("KR_LOG_DEFAULT_LEVEL");
+    for (int i = 0; threshold != nullptr && i < LgTypes::NUM_LEVELS; ++i)
+    {
+        const auto level = static_cast<LgTypes::Level>(i);
+        if (std::strcmp(threshold, LgTypes::getLevelName(level)) == 0)
+            LgMajorGroup::setDefaultThreshold(level);
+    }
+    LgMajorGroup::initialize(InInitMgr::getEnv("KR_LOG_GROUPS"));
+}
+
+} // namespace
+
+void LgLog::init()
+{
+    auto session = std::make_unique<LgSession>(LgSettings::read(InInitMgr::getEnv, std::cout));
+    initializeGroups();
+    LgLogState::start(std::move(session));
+}
+
+void LgLog::destroy()
+{
+    LgLogState::stop();
+    LgMajorGroup::finalize();
+}
+
+LgQueue* LgLog::getQueue() noexcept
+{
+    LgProducer* producer = LgLogState::getProducer();
+    return producer != nullptr ? producer->getQueue() : nullptr;
+}
+
+void LgLog::flush() noexcept
+{
+    LgLogState::drain(LgDrain::toSystem);
+}
+
+void LgLog::flushToDisk() noexcept
+{
+    LgLogState::drain(LgDrain::toDisk);
+}
+
+std::uint64_t LgLog::getLostCount()
+{
+    return LgLogState::getLostCount();
+}
+
+LgEndGuard::~LgEndGuard()
+{
+    LgLogState::drainAtEnd(LgDrain::toSystem);
+}
+
+std::atomic<bool> LgTimeline::_enabled{false};
+
+void LgTimeline::addSpan(const char* name, unsigned long long start,
+                         unsigned long long end) noexcept
+{
+    LgProducer* producer = LgLogState::getProducer();
+    LgSpanRing* ring = producer != nullptr ? producer->getRing() : nullptr;
+    if (ring != nullptr)
+        ring->add(name, start, end);
+}
+
+} // namespace Kr

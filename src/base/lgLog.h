@@ -1,0 +1,70 @@
+#pragma once
+
+/// @file
+/// The logger: its start and stop, and what a thread logs into.
+///
+/// The package `logger` starts it; code logs with `KR_LOG` (base/log.h). What is logged stands in
+/// a queue of the logging thread until the logger's reader, a thread that runs from the first
+/// message on, takes it to the files. The environment says which level goes where:
+/// docs/log-files.md.
+///
+/// A message that has been logged reaches its file when the program ends in the normal way, by
+/// `std::exit`, by an uncaught exception or by `std::terminate`. Fatal and internal errors are on
+/// the disk when the statement that logs them ends. A forked process goes on logging into the same
+/// files.
+///
+/// Pitfalls: the messages of a thread that fill its queue before the reader comes are dropped and
+/// counted, unless `KR_BLOCKING_TRACE` has the thread wait. While the logger is not up, statements
+/// do nothing. The queue of a thread is for that thread alone.
+
+#include <base/krBaseApi.h>
+#include <base/lgQueue.h>
+
+#include <cstdint>
+
+namespace Kr
+{
+
+class KR_BASE_API LgLog
+{
+public:
+    /// Reads the settings from the environment that the initialisation manager keeps, creates the
+    /// groups, and from then on takes messages. Bad values are reported on standard output.
+    static void init();
+
+    /// Takes no more messages, writes those that wait, closes the files, and deletes the groups.
+    static void destroy();
+
+    /// The calling thread's queue, for those who write into it without `KR_LOG`: made by the first
+    /// call, then at no cost. Null while the logger is not up, when the thread is ending, and in
+    /// code that the logger calls for its output. The thread that started the logger has the
+    /// default queue, of number 0; the others have their thread's number.
+    static LgQueue* getQueue() noexcept;
+
+    /// Returns when everything that was logged before the call has been handed to the system. May
+    /// be called by any thread.
+    static void flush() noexcept;
+
+    /// The same, and the disk has it.
+    static void flushToDisk() noexcept;
+
+    /// How many messages were dropped since the process began: by full queues, by outputs that
+    /// could not be written, or while the logger stopped.
+    static std::uint64_t getLostCount();
+};
+
+/// In each source that logs: what its static objects log while the program ends is not lost.
+/// Windows ends all other threads before a library's own static objects go, so each module does
+/// this for itself.
+class KR_BASE_API LgEndGuard
+{
+public:
+    LgEndGuard() = default;
+    LgEndGuard(const LgEndGuard&) = delete;
+    LgEndGuard& operator=(const LgEndGuard&) = delete;
+    ~LgEndGuard();
+};
+
+static const LgEndGuard lgEndGuard{};
+
+} // namespace Kr

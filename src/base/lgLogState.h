@@ -1,0 +1,48 @@
+#pragma once
+
+/// @file
+/// The logger's one state in the process: the session, if it runs, and who may drain it.
+
+#include <base/lgSession.h>
+
+#include <cstdint>
+#include <memory>
+
+namespace Kr
+{
+
+class LgProducer;
+
+class LgLogState
+{
+public:
+    /// The calling thread's producer, made at the first call; null while the logger is not up,
+    /// when the thread has ended, and inside the logger's own output.
+    static LgProducer* getProducer() noexcept;
+
+    /// What a producer adds to the session of that number; false if that has ended.
+    static bool addQueue(std::uint32_t sessionNumber, const std::shared_ptr<LgQueue>& queue);
+    static bool addRing(std::uint32_t sessionNumber, const std::shared_ptr<LgSpanRing>& ring);
+
+    static bool isBlocking() noexcept;
+
+    /// Whether the calling thread can drain: not inside the logger's own output, nor while the
+    /// logger is not up.
+    static bool mayDrain() noexcept;
+
+    /// Drains the session. Returns how many events there were.
+    static std::size_t drain(LgDrain how) noexcept;
+
+    /// The same for when the process is about to end, and whoever drains may never finish: gives
+    /// up after a second.
+    static void drainAtEnd(LgDrain how) noexcept;
+
+    /// Counts messages that neither a queue nor an output counts.
+    static void countLost(std::uint64_t count) noexcept;
+
+    static void start(std::unique_ptr<LgSession> session);
+    static void stop();
+    static std::uint64_t getLostCount();
+};
+
+} // namespace Kr

@@ -1,0 +1,149 @@
+#include <base/lgProducer.h>
+
+#include <base/lgLogState.h>
+#include <base/lgRecordGroup.h>
+
+#include <new>
+#include <thread>
+
+namespace Kr
+{
+
+namespace
+{
+
+// In blocking mode every message starts with that much room, so that no shorter one is cut.
+constexpr unsigned int roomAhead = 16383;
+
+bool hasRoom(const LgQueue& queue, unsigned int characters)
+{
+    return !queue.isFull() && queue.getStream().getNumCharacters() >= characters;
+}
+
+/// The producer that waits does the reader's work meanwhile, if nobody else is doing it.
+void waitForRoom(const LgQueue& queue, unsigned int characters)
+{
+    while (!hasRoom(queue, characters) && LgLogState::mayDrain())
+    {
+        LgLogState::drain(LgDrain::toBuffers);
+        std::this_thread::yield();
+    }
+}
+
+class BlockingObserver : public LgQueue::Observer
+{
+public:
+    void entryAdded(LgQueue*) override {}
+    void entryRemoved(LgQueue*) override {}
+    void waitForSpace(LgQueue* queue, int characters) override
+    {
+        waitForRoom(*queue, static_cast<unsigned int>(characters));
+    }
+};
+
+/// What a session left in the queue goes with the session.
+void discardQueue(LgQueue* queue)
+{
+    for (; !queue->isEmpty(); queue->removeEntry())
+        LgLogState::countLost(1);
+    delete queue;
+}
+
+} // namespace
+
+LgProducer::LgProducer() noexcept
+    : _sessionNumber(0)
+    , _thread(0)
+    , _depth(0)
+{
+}
+
+void LgProducer::join(std::uint32_t sessionNumber, unsigned long thread)
+{
+    end();
+    _sessionNumber = sessionNumber;
+    _thread = thread;
+    _depth = 0;
+}
+
+LgSpanRing* LgProducer::getRing() noexcept
+{
+    if (_ring != nullptr)
+        return _ring.get();
+    try
+    {
+        auto ring = std::make_shared<LgSpanRing>(_thread);
+        if (LgLogState::addRing(_sessionNumber, ring))
+            _ring = std::move(ring);
+    }
+    catch (const std::bad_alloc&)
+    {
+    }
+    return _ring.get();
+}
+
+/// Fatal and internal errors make room for themselves in any mode.
+LgStream* LgProducer::open(const char* group, LgTypes::Level level) noexcept
+{
+    LgQueue* queue = _depth < maxDepth ? getQueue(_depth) : nullptr;
+    if (queue == nullptr)
+    {
+        LgLogState::countLost(1);
+        return nullptr;
+    }
+    if (level <= LgTypes::FatalError)
+        waitForRoom(*queue, roomAhead);
+    else
+        queue->waitForSpace(roomAhead);
+    if (!queue->reserveEntry(level))
+        return nullptr;
+    ++_depth;
+    LgRecordGroup::write(queue->getStream(), group);
+    return &queue->getStream();
+}
+
+/// There is no message left to complete if the thread has joined another session meanwhile.
+void LgProducer::close()
+{
+    if (_depth != 0)
+        _queues[--_depth]->addEntry();
+}
+
+void LgProducer::end()
+{
+    for (std::shared_ptr<LgQueue>& queue : _queues)
+    {
+        if (queue != nullptr)
+            queue->creatorExit();
+        queue.reset();
+    }
+    if (_ring != nullptr)
+        _ring->end();
+    _ring.reset();
+}
+
+LgQueue* LgProducer::getQueue(std::size_t depth) noexcept
+{
+    if (_queues[depth] != nullptr)
+        return _queues[depth].get();
+    try
+    {
+        std::shared_ptr<LgQueue> queue = makeQueue();
+        if (LgLogState::addQueue(_sessionNumber, queue))
+            _queues[depth] = std::move(queue);
+    }
+    catch (const std::bad_alloc&)
+    {
+    }
+    return _queues[depth].get();
+}
+
+std::shared_ptr<LgQueue> LgProducer::makeQueue() const
+{
+    std::shared_ptr<LgQueue> queue(new LgQueue(_thread), discardQueue);
+    if (LgLogState::isBlocking())
+        queue->changeObserver(ObjPtr<LgQueue::Observer>(new BlockingObserver));
+    return queue;
+}
+
+} // namespace Kr

@@ -1,0 +1,24 @@
+#include <base/log.h>
+
+#include <base/lgLogState.h>
+#include <base/lgProducer.h>
+
+namespace Kr
+{
+
+void LgStatement::open(const char* groupName) noexcept
+{
+    _producer = LgLogState::getProducer();
+    if (_producer != nullptr)
+        _stream = _producer->open(groupName, _level);
+}
+
+void LgStatement::complete() noexcept
+{
+    _stream = nullptr;
+    _producer->close();
+    if (_level <= LgTypes::FatalError)
+        LgLog::flushToDisk();
+}
+
+} // namespace Kr

@@ -1,0 +1,529 @@
+#include <base/hwCounter.h>
+#include <base/lgFile.h>
+#include <base/lgLineFormat.h>
+#include <base/lgQueue.h>
+#include <base/lgReader.h>
+#include <base/lgRegistry.h>
+#include <base/lgSettings.h>
+
+#include <logTestFiles.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <map>
+#include <sstream>
+#include <thread>
+
+namespace
+{
+
+using Kr::LgDestination;
+using Kr::LgTypes;
+using LogTest::Folder;
+using LogTest::readFile;
+using LogTest::readLines;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+
+/// Keeps what is written; fails while told to.
+struct Memory
+{
+    std::string text;
+    int appends = 0;
+    bool fails = false;
+    bool syncFails = false;
+};
+
+class MemoryFile : public Kr::LgFile
+{
+public:
+    explicit MemoryFile(Memory& memory)
+        : _memory(memory)
+    {
+    }
+
+    bool append(const char* text, std::size_t size) noexcept override
+    {
+        ++_memory.appends;
+        if (!_memory.fails)
+            _memory.text.append(text, size);
+        return !_memory.fails;
+    }
+
+    bool sync() noexcept override { return !_memory.syncFails; }
+    std::string getProblem() const override { return "No room."; }
+
+private:
+    Memory& _memory;
+};
+
+std::size_t countLines(const std::string& text)
+{
+    return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+/// A reader of some queues whose every level goes to one output in memory.
+class LogReader : public testing::Test
+{
+protected:
+    LogReader()
+    {
+        auto output =
+            std::make_shared<Kr::LgOutput>(std::make_unique<MemoryFile>(memory), "memory", format);
+        for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
+            registry.setOutput(static_cast<LgTypes::Level>(level), output);
+    }
+
+    std::shared_ptr<Kr::LgQueue> addQueue(unsigned long thread)
+    {
+        auto queue = std::make_shared<Kr::LgQueue>(thread);
+        registry.addQueue(queue);
+        return queue;
+    }
+
+    static bool log(Kr::LgQueue& queue, const std::string& text,
+                    LgTypes::Level level = LgTypes::Warning)
+    {
+        if (!queue.reserveEntry(level))
+            return false;
+        queue.getStream() << text.c_str();
+        queue.addEntry();
+        return true;
+    }
+
+    /// The texts of all lines written so far.
+    std::vector<std::string> texts()
+    {
+        registry.flushOutputs(true);
+        std::vector<std::string> all;
+        std::istringstream stream(memory.text);
+        for (std::string line; std::getline(stream, line);)
+            all.push_back(line.substr(46));
+        return all;
+    }
+
+    const Kr::LgClock clock;
+    Memory memory;
+    Kr::LgLineFormat format{clock, false, false};
+    Kr::LgRegistry registry;
+    Kr::LgReader reader{registry};
+};
+
+TEST_F(LogReader, WritesTheQueuesInTheOrderOfTheStamps)
+{
+    const auto first = addQueue(1);
+    const auto second = addQueue(2);
+    EXPECT_FALSE(reader.eventsPending());
+    EXPECT_FALSE(reader.flushEarliest());
+    log(*second, "a");
+    log(*first, "b");
+    log(*first, "c");
+    log(*second, "d");
+    EXPECT_TRUE(reader.eventsPending());
+    EXPECT_TRUE(reader.flushEarliest());
+    EXPECT_THAT(texts(), ElementsAre("a"));
+    EXPECT_EQ(reader.flushAll(), 3U);
+    EXPECT_FALSE(reader.eventsPending());
+    EXPECT_THAT(texts(), ElementsAre("a", "b", "c", "d"));
+}
+
+TEST_F(LogReader, DropsAQueueOnlyWhenItIsDrainedAndItsThreadHasEnded)
+{
+    std::weak_ptr<Kr::LgQueue> seen;
+    {
+        const auto queue = addQueue(1);
+        seen = queue;
+        log(*queue, "last words");
+        reader.flushAll();
+        log(*queue, "and more");
+        queue->creatorExit();
+    }
+    EXPECT_FALSE(seen.expired());
+    reader.flushAll();
+    EXPECT_TRUE(seen.expired());
+    EXPECT_EQ(texts().size(), 2U);
+}
+
+TEST_F(LogReader, ReportsWhatAFullQueueLost)
+{
+    const auto queue = addQueue(7);
+    int written = 0;
+    for (int i = 0; i < 1100; ++i)
+        written += log(*queue, "x") ? 1 : 0;
+    EXPECT_EQ(written, 1022);
+    EXPECT_EQ(reader.flushAll(), 1023U);
+    EXPECT_EQ(texts().back(), "Event overflow [78]");
+    EXPECT_THAT(memory.text, HasSubstr("Informational"));
+    EXPECT_EQ(reader.getOverflowCount(), 78U);
+}
+
+TEST_F(LogReader, TakesTextsOfEverySizeAroundTheRingsLimit)
+{
+    const auto queue = addQueue(1);
+    for (const std::size_t size : {1U, 32764U, 32765U, 32766U, 32767U, 40000U, 3U, 32766U})
+    {
+        memory.text.clear();
+        const std::string text(size, 'y');
+        ASSERT_TRUE(log(*queue, text));
+        reader.flushAll();
+        const bool fits = size < 32767;
+        EXPECT_EQ(texts(), std::vector<std::string>{fits ? text : "#"}) << size;
+    }
+}
+
+TEST_F(LogReader, LevelsWithoutAnOutputAreDiscarded)
+{
+    const auto queue = addQueue(1);
+    registry.setOutput(LgTypes::Warning, nullptr);
+    log(*queue, "unseen");
+    log(*queue, "seen", LgTypes::Error);
+    EXPECT_EQ(reader.flushAll(), 2U);
+    EXPECT_THAT(texts(), ElementsAre("seen"));
+}
+
+/// Sixteen threads flood their queues while the reader drains: each message is in the output or in
+/// an overflow count, and those of a thread are in order.
+TEST_F(LogReader, AccountsForEveryMessageOfAFlood)
+{
+    constexpr int threads = 16;
+    constexpr int messages = 20000;
+    std::atomic<int> running{threads};
+    std::vector<std::thread> producers;
+    for (int i = 0; i < threads; ++i)
+        producers.emplace_back(
+            [&, i, queue = addQueue(static_cast<unsigned long>(i + 1))]
+            {
+                for (int n = 0; n < messages; ++n)
+                    log(*queue, std::to_string(i) + " " + std::to_string(n));
+                queue->creatorExit();
+                --running;
+            });
+    while (running != 0)
+        reader.flushAll();
+    for (std::thread& producer : producers)
+        producer.join();
+    reader.flushAll();
+    std::map<int, int> last;
+    std::uint64_t seen = 0;
+    for (const std::string& text : texts())
+    {
+        int thread = 0;
+        int number = 0;
+        if (std::sscanf(text.c_str(), "%d %d", &thread, &number) != 2)
+            continue;
+        ++seen;
+        const auto [at, isFirst] = last.try_emplace(thread, -1);
+        EXPECT_LT(at->second, number);
+        at->second = number;
+    }
+    EXPECT_EQ(seen + reader.getOverflowCount(), std::uint64_t{threads} * messages);
+    EXPECT_GT(seen, 0U);
+}
+
+TEST_F(LogReader, AnOutageLosesOnlyWhatFindsNoRoomAndTellsSo)
+{
+    const auto queue = addQueue(1);
+    memory.fails = true;
+    log(*queue, "kept");
+    reader.flushAll();
+    testing::internal::CaptureStderr();
+    for (int round = 0; round < 20; ++round)
+    {
+        for (int i = 0; i < 20; ++i)
+            log(*queue, std::string(1000, 'z'));
+        reader.flushAll();
+        registry.flushOutputs(true);
+    }
+    const std::string complaint = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(countLines(complaint), 1U) << complaint;
+    EXPECT_THAT(complaint, HasSubstr("memory: No room."));
+    memory.fails = false;
+    const std::uint64_t lost = registry.getLostCount();
+    const std::vector<std::string> all = texts();
+    EXPECT_GT(lost, 0U);
+    EXPECT_EQ(all.size() + lost, 401U + 1U);
+    EXPECT_EQ(all.front(), "kept");
+    EXPECT_EQ(all.back(),
+              std::to_string(lost) + " messages were lost: the log could not be written");
+    EXPECT_EQ(registry.getLostCount(), lost);
+}
+
+TEST_F(LogReader, AFailingFileIsNotTriedAtEveryTurn)
+{
+    const auto queue = addQueue(1);
+    memory.fails = true;
+    testing::internal::CaptureStderr();
+    for (int i = 0; i < 100; ++i)
+    {
+        log(*queue, "w");
+        reader.flushAll();
+        registry.flushOutputs(false);
+    }
+    testing::internal::GetCapturedStderr();
+    EXPECT_LT(memory.appends, 50);
+    registry.closeOutputs();
+    EXPECT_EQ(registry.getLostCount(), 100U);
+}
+
+struct LineCase
+{
+    const char* group;
+    const char* text;
+    const char* line; ///< from the group's column on
+    const char* json; ///< its end
+};
+
+constexpr LineCase lineCases[] = {
+    {"Cache", "plain", "Cache         plain", "\"group\":\"Cache\",\"text\":\"plain\"}"},
+    {"", "two\nlines\r\t\x1b[0m\x7f", "-             two\\nlines\\r\\t\\x1b[0m\\x7f",
+     "\"text\":\"two\\nlines\\r\\t\\u001b[0m\\u007f\"}"},
+    {"", "C:\\tmp \"q\"", "-             C:\\tmp \"q\"", "\"text\":\"C:\\\\tmp \\\"q\\\"\"}"},
+    {"", "\xc3\xa9 \xe2\x82\xac \xf0\x9f\x8e\xa8",
+     "-             \xc3\xa9 \xe2\x82\xac \xf0\x9f\x8e\xa8",
+     "\"text\":\"\xc3\xa9 \xe2\x82\xac \xf0\x9f\x8e\xa8\"}"},
+    {"", "\xe9 \xc0\xaf \xed\xa0\x80 \xe2\x82", "-             \xe9 \xc0\xaf \xed\xa0\x80 \xe2\x82",
+     "\"text\":\"\\u00e9 \\u00c0\\u00af \\u00ed\\u00a0\\u0080 \\u00e2\\u0082\"}"},
+};
+
+TEST(LogLine, EveryRecordIsOneLineInBothForms)
+{
+    const Kr::LgClock clock;
+    Kr::LgLineFormat text(clock, false, false);
+    Kr::LgLineFormat json(clock, true, true);
+    for (const LineCase& each : lineCases)
+    {
+        const Kr::LgRecord record = {
+            LgTypes::Error, Kr::HwCounter::timeStamp(), 3, each.group, each.text, 0};
+        std::string line;
+        text.append(line, record);
+        EXPECT_EQ(countLines(line), 1U);
+        EXPECT_EQ(line.find("Error           "), 0U);
+        EXPECT_EQ(line.substr(32), std::string(each.line) + "\n");
+        line.clear();
+        json.append(line, record);
+        EXPECT_EQ(countLines(line), 1U);
+        EXPECT_TRUE(LogTest::JsonCheck::isValue(line)) << line;
+        EXPECT_THAT(line, EndsWith(std::string(each.json) + "\n"));
+        EXPECT_THAT(line, HasSubstr("\"level\":\"Error\",\"process\":"));
+    }
+}
+
+/// The stamp's time in the line against the system's clock, read before and after.
+TEST(LogLine, ShowsTheTimeOfDayInUtc)
+{
+    const auto text = [](std::time_t time)
+    {
+        char buffer[32];
+        std::strftime(buffer, sizeof buffer, "%Y-%m-%dT%H:%M:%S", std::gmtime(&time));
+        return std::string(buffer);
+    };
+    const std::string before = text(std::time(nullptr));
+    const Kr::LgClock clock;
+    Kr::LgLineFormat format(clock, false, true);
+    std::string line;
+    format.append(line, {LgTypes::Error, Kr::HwCounter::timeStamp(), 0, {}, "now", 0});
+    const std::string after = text(std::time(nullptr) + 1);
+    EXPECT_LE(before, line.substr(0, 19));
+    EXPECT_GE(after, line.substr(0, 19));
+    EXPECT_EQ(line[19], '.');
+    EXPECT_EQ(line.substr(26, 3), "Z  ");
+    EXPECT_EQ(LogTest::textOf(line), "now\n");
+}
+
+std::map<std::string, std::string> variables;
+
+const char* lookUp(const char* name)
+{
+    const auto at = variables.find(name);
+    return at != variables.end() ? at->second.c_str() : nullptr;
+}
+
+TEST(LogSettings, DefaultsAndEveryVariable)
+{
+    std::ostringstream report;
+    variables = {{"USER", "anna"}};
+    Kr::LgSettings settings = Kr::LgSettings::read(lookUp, report);
+    EXPECT_THAT(settings.directory, EndsWith("KRbase-anna"));
+    EXPECT_EQ(settings.destinations[LgTypes::Tracing].path, settings.directory + "/events.log");
+    EXPECT_EQ(settings.destinations[LgTypes::Profiling].path, settings.directory + "/prof.log");
+    EXPECT_TRUE(settings.hasTimeStamps && settings.isLockedBetweenProcesses);
+    EXPECT_FALSE(settings.isJson || settings.isBlocking);
+    EXPECT_EQ(settings.timelinePath + std::to_string(settings.maxFileSize), "0");
+
+    variables = {{"R4P_TEST_DIR", "/elsewhere"},
+                 {"KR_LOG_DIR", "/logs"},
+                 {"KR_LOG_INTERNAL_ERROR", "stderr"},
+                 {"KR_LOG_FATAL_ERROR", "stdout"},
+                 {"KR_LOG_RECOVERABLE_ERROR", "none"},
+                 {"KR_LOG_WARNING", "warnings.log"},
+                 {"KR_LOG_INFORMATIONAL", "/var/info.log"},
+                 {"KR_LOG_TRACING", "C:\\t.log"},
+                 {"KR_LOG_PROFILING", "file"},
+                 {"KR_LOG_DISABLE_TIMESTAMPS", "1"},
+                 {"KR_BLOCKING_TRACE", "on"},
+                 {"KR_INTERNAL_INTERPROCESS_LOG_LOCK", "off"},
+                 {"KR_LOG_FORMAT", "json"},
+                 {"KR_LOG_MAX_SIZE", "3M"},
+                 {"KR_LOG_MAX_FILES", "5"},
+                 {"KR_LOG_TIMELINE", "t.json"}};
+    settings = Kr::LgSettings::read(lookUp, report);
+    const auto& destinations = settings.destinations;
+    EXPECT_EQ(destinations[0].kind, LgDestination::standardError);
+    EXPECT_EQ(destinations[1].kind, LgDestination::standardOutput);
+    EXPECT_EQ(destinations[2].kind, LgDestination::none);
+    EXPECT_EQ(destinations[3].path, "/logs/warnings.log");
+    EXPECT_EQ(destinations[4].path, "/var/info.log");
+    EXPECT_EQ(destinations[5].path, "C:\\t.log");
+    EXPECT_EQ(destinations[6].path, "/logs/prof.log");
+    EXPECT_FALSE(settings.hasTimeStamps || settings.isLockedBetweenProcesses);
+    EXPECT_TRUE(settings.isJson && settings.isBlocking);
+    EXPECT_EQ(settings.maxFileSize, 3U << 20);
+    EXPECT_EQ(settings.keptFiles, 5);
+    EXPECT_EQ(settings.timelinePath, "/logs/t.json");
+    EXPECT_EQ(report.str(), "");
+}
+
+TEST(LogSettings, BadValuesAreReportedAndSkipped)
+{
+    for (const auto& [name, value] :
+         std::map<std::string, std::string>{{"KR_LOG_WARNING", "stdotu"},
+                                            {"KR_LOG_DISABLE_TIMESTAMPS", "maybe"},
+                                            {"KR_LOG_FORMAT", "xml"},
+                                            {"KR_LOG_MAX_SIZE", "12Q"},
+                                            {"KR_LOG_MAX_FILES", "0"},
+                                            {"KR_BLOCKING_TRACE", "ON "}})
+    {
+        std::ostringstream report;
+        variables = {{name, value}, {"KR_LOG_DIR", "d"}};
+        const Kr::LgSettings settings = Kr::LgSettings::read(lookUp, report);
+        EXPECT_EQ(report.str(), "Invalid value for " + name + ": " + value + "\n");
+        EXPECT_EQ(settings.destinations[LgTypes::Warning].path, "d/events.log");
+        EXPECT_TRUE(settings.hasTimeStamps && !settings.isJson && !settings.isBlocking);
+    }
+    for (const char* size : {"-1", "K", "1KK", "18446744073709551616", "17179869184G"})
+    {
+        std::ostringstream report;
+        variables = {{"KR_LOG_MAX_SIZE", size}};
+        EXPECT_EQ(Kr::LgSettings::read(lookUp, report).maxFileSize, 0U);
+        EXPECT_THAT(report.str(), HasSubstr(size));
+    }
+}
+
+class LogFile : public testing::Test
+{
+protected:
+    static bool append(Kr::LgFile& file, const std::string& text)
+    {
+        return file.append(text.data(), text.size());
+    }
+
+    Kr::LgFileSettings at(const std::string& name) const
+    {
+        Kr::LgFileSettings settings;
+        settings.path = folder / name;
+        return settings;
+    }
+
+    const Folder folder;
+};
+
+TEST_F(LogFile, IsMadeByTheFirstTextWithItsFolders)
+{
+    const auto file = Kr::LgFile::create(at("a/b/c.log"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "a"));
+    EXPECT_TRUE(append(*file, "one\n"));
+    EXPECT_TRUE(append(*Kr::LgFile::create(at("a/b/c.log")), "two\n"));
+    EXPECT_TRUE(append(*file, "three\n"));
+    EXPECT_TRUE(file->sync());
+    EXPECT_EQ(readFile(folder / "a/b/c.log"), "one\ntwo\nthree\n");
+}
+
+/// A folder that cannot be made, a file without write access, a name that is a folder, an
+/// impossible name: the file says why, and takes text again when the reason has gone.
+TEST_F(LogFile, SaysWhyItCannotBeOpenedAndRecovers)
+{
+    std::ofstream(folder / "plain") << "x";
+    std::ofstream(folder / "readonly.log") << "x";
+    std::filesystem::permissions(folder / "readonly.log", std::filesystem::perms::owner_read);
+    std::filesystem::create_directory(folder / "folder.log");
+    for (const char* name : {"plain/events.log", "readonly.log", "folder.log", "what?.log"})
+    {
+        const auto file = Kr::LgFile::create(at(name));
+        EXPECT_FALSE(append(*file, "text\n")) << name;
+        EXPECT_GT(file->getProblem().size(), 10U) << name;
+        EXPECT_TRUE(file->sync());
+    }
+    const auto file = Kr::LgFile::create(at("plain/events.log"));
+    EXPECT_FALSE(append(*file, "lost\n"));
+    std::filesystem::remove(folder / "plain");
+    EXPECT_TRUE(append(*file, "text\n"));
+    EXPECT_EQ(readFile(folder / "plain/events.log"), "text\n");
+    std::filesystem::permissions(folder / "readonly.log", std::filesystem::perms::owner_all);
+}
+
+TEST_F(LogFile, FollowsAFileThatWasMovedOrRemoved)
+{
+    const auto file = Kr::LgFile::create(at("events.log"));
+    append(*file, "one\n");
+    std::filesystem::rename(folder / "events.log", folder / "moved.log");
+    append(*file, "two\n");
+    std::filesystem::remove(folder / "events.log");
+    append(*file, "three\n");
+    EXPECT_EQ(readFile(folder / "moved.log"), "one\n");
+    EXPECT_EQ(readFile(folder / "events.log"), "three\n");
+}
+
+TEST_F(LogFile, RotatesAtItsSizeAlsoWithTwoWriters)
+{
+    Kr::LgFileSettings settings = at("events.log");
+    settings.maxSize = 100;
+    settings.keptFiles = 2;
+    const auto first = Kr::LgFile::create(settings);
+    const auto second = Kr::LgFile::create(settings);
+    for (int i = 0; i < 40; ++i)
+        ASSERT_TRUE(append(i % 2 == 0 ? *first : *second, std::to_string(1000000 + i) + " ~\n"));
+    // Ten lines of ten bytes each fit into a file.
+    EXPECT_THAT(readLines(folder / "events.log"), testing::SizeIs(10));
+    EXPECT_EQ(readLines(folder / "events.log").back(), "1000039 ~");
+    EXPECT_EQ(readLines(folder / "events.log.1").front(), "1000020 ~");
+    EXPECT_EQ(readLines(folder / "events.log.2").front(), "1000010 ~");
+    EXPECT_FALSE(std::filesystem::exists(folder / "events.log.3"));
+}
+
+TEST_F(LogFile, AnExclusiveFileIsMadeAnewAndNobodyElseWrites)
+{
+    Kr::LgFileSettings settings = at("timeline.json");
+    settings.isExclusive = true;
+    std::ofstream(folder / "timeline.json") << "what an earlier run left";
+    auto first = Kr::LgFile::create(settings);
+    EXPECT_TRUE(append(*first, "first\n"));
+    const auto second = Kr::LgFile::create(settings);
+    EXPECT_FALSE(append(*second, "second\n"));
+    EXPECT_THAT(second->getProblem(), HasSubstr("used by another process"));
+    EXPECT_EQ(readFile(folder / "timeline.json"), "first\n");
+    first.reset();
+    EXPECT_TRUE(append(*second, "second\n"));
+}
+
+TEST_F(LogFile, TwoWritersKeepTheirLinesWhole)
+{
+    constexpr int lines = 500;
+    const auto run = [this](char letter)
+    {
+        const auto file = Kr::LgFile::create(at("events.log"));
+        for (int i = 0; i < lines; ++i)
+            ASSERT_TRUE(append(*file, std::string(3000, letter) + "\n"));
+    };
+    std::thread other(run, 'a');
+    run('b');
+    other.join();
+    const std::vector<std::string> all = readLines(folder / "events.log");
+    EXPECT_EQ(all.size(), 2U * lines);
+    for (const std::string& line : all)
+        EXPECT_EQ(line, std::string(3000, line[0]));
+}
+
+} // namespace
