@@ -73,7 +73,7 @@ protected:
     {
         auto output =
             std::make_shared<Kr::LgOutput>(std::make_unique<MemoryFile>(memory), "memory", format);
-        for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
+        for (unsigned int level = 0; level < LgTypes::NUM_LEVELS; ++level)
             registry.setOutput(static_cast<LgTypes::Level>(level), output);
     }
 

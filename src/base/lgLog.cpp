@@ -5,36 +5,16 @@
 #include <base/lgLogState.h>
 #include <base/lgProducer.h>
 #include <base/lgTimeline.h>
-#include <base/lgTypes.h>
 
-#include <cstring>
 #include <iostream>
 
 namespace Kr
 {
 
-namespace
-{
-
-/// The default threshold comes before the groups, which start from it.
-void initializeGroups()
-{
-    const char* threshold = InInitMgr::getEnv("KR_LOG_DEFAULT_LEVEL");
-    for (int i = 0; threshold != nullptr && i < LgTypes::NUM_LEVELS; ++i)
-    {
-        const auto level = static_cast<LgTypes::Level>(i);
-        if (std::strcmp(threshold, LgTypes::getLevelName(level)) == 0)
-            LgMajorGroup::setDefaultThreshold(level);
-    }
-    LgMajorGroup::initialize(InInitMgr::getEnv("KR_LOG_GROUPS"));
-}
-
-} // namespace
-
 void LgLog::init()
 {
     auto session = std::make_unique<LgSession>(LgSettings::read(InInitMgr::getEnv, std::cout));
-    initializeGroups();
+    LgMajorGroup::initializeFromEnvironment();
     LgLogState::start(std::move(session));
 }
 

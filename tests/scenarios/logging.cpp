@@ -1,0 +1,536 @@
+// The logger in whole programs: each case runs this program again, with settings in the
+// environment, and reads the files that it left.
+
+#include "scenario.h"
+
+#include <base/inInitGuard.h>
+#include <base/inInitMgr.h>
+#include <base/lgTimeline.h>
+#include <base/log.h>
+#include <base/osEnv.h>
+
+#include <logTestFiles.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace
+{
+
+using LogTest::Folder;
+using LogTest::readFile;
+using LogTest::readLines;
+using LogTest::textOf;
+
+// --- the programs ------------------------------------------------------------------------------
+
+/// The library, started, and a group.
+struct Program
+{
+    Program()
+        : guard(argc, argv)
+        , group(Kr::LgMajorGroup::getInstanceForName("Test"), "Scenario")
+    {
+    }
+
+    int argc = 0;
+    const char* const* argv = nullptr;
+    const Kr::InInitGuard guard;
+    const Kr::LgMinorGroup group;
+};
+
+std::unique_ptr<Program> leftOpen; // what the programs that end early never stop
+
+const Kr::LgMinorGroup& openProgram()
+{
+    leftOpen = std::make_unique<Program>();
+    return leftOpen.release()->group;
+}
+
+const Kr::LgMinorGroup* lateGroup = nullptr;
+
+struct LateLogger
+{
+    LateLogger() = default;
+    LateLogger(const LateLogger&) = delete;
+    LateLogger& operator=(const LateLogger&) = delete;
+    ~LateLogger() { KR_LOG(lateGroup, Warning) << "from a static object"; }
+};
+
+void endNormally()
+{
+    const Program program;
+    KR_LOG(program.group, Warning) << "first";
+    KR_LOG(program.group, Error) << "second";
+}
+
+void endByExit()
+{
+    KR_LOG(openProgram(), Warning) << "first";
+    std::exit(0);
+}
+
+void endByExitWithStatics()
+{
+    static const LateLogger late;
+    lateGroup = &openProgram();
+    KR_LOG(lateGroup, Warning) << "first";
+    std::exit(0);
+}
+
+void endByException()
+{
+    KR_LOG(openProgram(), Warning) << "first";
+    throw std::runtime_error("nobody catches this");
+}
+
+void endByTerminate()
+{
+    std::thread other([&group = openProgram()] { KR_LOG(group, Warning) << "first"; });
+    other.join();
+    std::terminate();
+}
+
+void endAfterFatal()
+{
+    const Kr::LgMinorGroup& group = openProgram();
+    KR_LOG(group, Warning) << "first";
+    KR_LOG(group, FatalError) << "second";
+    std::_Exit(0);
+}
+
+void endAfterInternalInFullQueue()
+{
+    const Kr::LgMinorGroup& group = openProgram();
+    for (int i = 0; i < 5000; ++i)
+        KR_LOG(group, Warning) << "filler";
+    KR_LOG(group, InternalError) << "last";
+    std::_Exit(0);
+}
+
+/// The process ends outright while threads log and the reader writes.
+void endInTheMiddle()
+{
+    const Kr::LgMinorGroup& group = openProgram();
+    std::atomic<int> rounds{0};
+    for (int i = 0; i < 4; ++i)
+        std::thread(
+            [&]
+            {
+                for (;; ++rounds)
+                    KR_LOG(group, Warning) << "whole " << std::string(200, 'w').c_str();
+            })
+            .detach();
+    while (rounds < 200000)
+        std::this_thread::yield();
+    std::_Exit(0);
+}
+
+constexpr int floodThreads = 16;
+constexpr int floodMessages = 3000;
+
+/// Threads that each log and end, in two waves, while the reader drains.
+void flood()
+{
+    const Program program;
+    for (int wave = 0; wave < 2; ++wave)
+    {
+        std::vector<std::thread> threads;
+        for (int i = 0; i < floodThreads; ++i)
+            threads.emplace_back(
+                [&program]
+                {
+                    for (int n = 0; n < floodMessages; ++n)
+                        KR_LOG(program.group, Warning) << "message " << n;
+                });
+        for (std::thread& thread : threads)
+            thread.join();
+    }
+    std::printf("lost %lu\n", static_cast<unsigned long>(Kr::LgLog::getLostCount()));
+}
+
+void routes()
+{
+    const Program program;
+    KR_LOG(program.group, Warning) << "to the output";
+    KR_LOG(program.group, Error) << "to the error stream";
+    KR_LOG(program.group, Informational) << "to a path";
+    KR_LOG(program.group, Tracing) << "nowhere";
+    KR_LOG(program.group, Profiling) << "to prof.log";
+}
+
+int countCalls(int& calls)
+{
+    return ++calls;
+}
+
+int nested(const Kr::LgMinorGroup& group)
+{
+    KR_LOG(group, Warning) << "inner";
+    return 1;
+}
+
+/// Everything that a statement may meet.
+void statements()
+{
+    int calls = 0;
+    const Kr::LgMinorGroup* none = nullptr;
+    KR_LOG(none, Error) << countCalls(calls);
+    std::optional<Program> program(std::in_place);
+    const Kr::LgMinorGroup& group = program->group;
+    KR_LOG(group, Tracing) << countCalls(calls);
+    SCENARIO_CHECK(calls == 0);
+    bool isElse = false;
+    if (calls != 0)
+        KR_LOG(group, Error) << "not taken";
+    else
+        isElse = true;
+    SCENARIO_CHECK(isElse);
+    KR_LOG(&group, Warning) << "outer " << nested(group) << " done";
+    try
+    {
+        KR_LOG(group, Warning) << "cut" << (throw std::runtime_error("thrown"), 1);
+    }
+    catch (const std::runtime_error&)
+    {
+        KR_LOG(group, Warning) << "caught";
+    }
+    SCENARIO_CHECK(Kr::LgLog::getQueue()->getThreadId() == 0);
+    std::thread([] { SCENARIO_CHECK(Kr::LgLog::getQueue()->getThreadId() != 0); }).join();
+    Kr::LgLog::flush();
+    program.reset();
+    SCENARIO_CHECK(Kr::LgLog::getQueue() == nullptr);
+}
+
+/// Logs whatever way it can while the reader takes its queue's entries.
+class LoggingObserver : public Kr::LgQueue::Observer
+{
+public:
+    explicit LoggingObserver(const Kr::LgMinorGroup& group)
+        : _group(group)
+    {
+    }
+
+    void entryAdded(Kr::LgQueue*) override {}
+    void entryRemoved(Kr::LgQueue* queue) override
+    {
+        KR_LOG(_group, FatalError) << "from the output path";
+        SCENARIO_CHECK(Kr::LgLog::getQueue() == nullptr);
+        SCENARIO_CHECK(!queue->reserveEntry(Kr::LgTypes::Error));
+        Kr::LgLog::flush();
+    }
+    void waitForSpace(Kr::LgQueue*, int) override {}
+
+private:
+    const Kr::LgMinorGroup& _group;
+};
+
+/// Fatal errors, which this thread takes to the file itself.
+void reentry()
+{
+    const Program program;
+    Kr::LgLog::getQueue()->changeObserver(
+        Kr::ObjPtr<Kr::LgQueue::Observer>(new LoggingObserver(program.group)));
+    KR_LOG(program.group, FatalError) << "first";
+    KR_LOG(program.group, FatalError) << "second";
+}
+
+void spans()
+{
+    const Program program;
+    const Kr::LgSpan whole("the \"whole\" run");
+    std::thread other(
+        []
+        {
+            for (int i = 0; i < 3; ++i)
+                const Kr::LgSpan span("part");
+        });
+    other.join();
+    KR_LOG(program.group, Warning) << "in between";
+}
+
+void spansCutShort()
+{
+    const Kr::LgMinorGroup& group = openProgram();
+    {
+        const Kr::LgSpan span("part");
+    }
+    KR_LOG(group, FatalError) << "the end";
+    std::_Exit(0);
+}
+
+constexpr Scenario::Case programs[] = {
+    {"endNormally", endNormally},
+    {"endByExit", endByExit},
+    {"endByExitWithStatics", endByExitWithStatics},
+    {"endByException", endByException},
+    {"endByTerminate", endByTerminate},
+    {"endAfterFatal", endAfterFatal},
+    {"endAfterInternalInFullQueue", endAfterInternalInFullQueue},
+    {"endInTheMiddle", endInTheMiddle},
+    {"flood", flood},
+    {"routes", routes},
+    {"statements", statements},
+    {"reentry", reentry},
+    {"spans", spans},
+    {"spansCutShort", spansCutShort},
+};
+
+// --- the cases ---------------------------------------------------------------------------------
+
+std::string ownPath;
+
+/// Starts a program with its output in the folder's files "out" and "err"; returns its status.
+int start(const Folder& folder, const std::string& program)
+{
+    const std::string quote = ownPath.find(' ') == std::string::npos ? "" : "\"";
+    return std::system((quote + ownPath + quote + " run " + program + " >" + folder / "out" +
+                        " 2>" + folder / "err")
+                           .c_str());
+}
+
+void set(const std::string& name, const std::string& value)
+{
+    Kr::OsEnv::putVariable((name + '=' + value).c_str());
+}
+
+/// A folder that the programs log into.
+class LogFolder : public Folder
+{
+public:
+    LogFolder() { set("KR_LOG_DIR", getPath()); }
+};
+
+std::vector<std::string> textsIn(const std::string& path)
+{
+    std::vector<std::string> texts;
+    for (const std::string& line : readLines(path))
+        texts.push_back(textOf(line));
+    return texts;
+}
+
+std::string joined(const std::vector<std::string>& texts)
+{
+    std::string all;
+    for (const std::string& text : texts)
+        all += text + '|';
+    return all;
+}
+
+bool contains(const std::string& text, const std::string& part)
+{
+    return text.find(part) != std::string::npos;
+}
+
+/// However a program ends, what it logged is in the file.
+void endings()
+{
+    const std::map<std::string, std::string> expected = {
+        {"endNormally", "first|second|"},
+        {"endByExit", "first|"},
+        {"endByExitWithStatics", "first|from a static object|"},
+        {"endByException", "first|"},
+        {"endByTerminate", "first|"},
+        {"endAfterFatal", "first|second|"},
+    };
+    for (const auto& [program, texts] : expected)
+    {
+        const LogFolder folder;
+        start(folder, program);
+        const std::string found = joined(textsIn(folder / "events.log"));
+        if (found != texts)
+            std::fprintf(stderr, "%s: %s\n", program.c_str(), found.c_str());
+        SCENARIO_CHECK(found == texts);
+    }
+    const LogFolder folder;
+    start(folder, "endAfterInternalInFullQueue");
+    SCENARIO_CHECK(textsIn(folder / "events.log").back() == "last");
+}
+
+void killed()
+{
+    const LogFolder folder;
+    start(folder, "endInTheMiddle");
+    int whole = 0;
+    for (const std::string& text : textsIn(folder / "events.log"))
+    {
+        const bool isOverflow = contains(text, "Event overflow [");
+        SCENARIO_CHECK(isOverflow || text == "whole " + std::string(200, 'w'));
+        whole += isOverflow ? 0 : 1;
+    }
+    SCENARIO_CHECK(whole != 0);
+}
+
+/// Counts the flood's messages in the files, and those that overflow entries report.
+struct FloodCount
+{
+    explicit FloodCount(const std::string& path)
+    {
+        for (const std::string& text : textsIn(path))
+        {
+            int count = 0;
+            if (std::sscanf(text.c_str(), "message %d", &count) == 1)
+                ++messages;
+            else if (std::sscanf(text.c_str(), "Event overflow [%d]", &count) == 1)
+                lost += count;
+            else
+                ++others;
+        }
+    }
+
+    int messages = 0;
+    int lost = 0;
+    int others = 0;
+};
+
+constexpr int floodTotal = 2 * floodThreads * floodMessages;
+
+void accounts()
+{
+    const LogFolder folder;
+    set("KR_LOG_INFORMATIONAL", "events.log");
+    SCENARIO_CHECK(start(folder, "flood") == 0);
+    const FloodCount count(folder / "events.log");
+    SCENARIO_CHECK(count.messages + count.lost == floodTotal);
+    SCENARIO_CHECK(count.messages > 0 && count.others == 0);
+}
+
+void blocking()
+{
+    const LogFolder folder;
+    set("KR_BLOCKING_TRACE", "on");
+    SCENARIO_CHECK(start(folder, "flood") == 0);
+    const FloodCount count(folder / "events.log");
+    SCENARIO_CHECK(count.messages == floodTotal && count.lost == 0 && count.others == 0);
+    SCENARIO_CHECK(readFile(folder / "out") == "lost 0\n");
+}
+
+/// Two processes write at once, rotating each other's files, and no line is lost or cut.
+void twoProcesses()
+{
+    const LogFolder folder;
+    const Folder outputs[2];
+    set("KR_BLOCKING_TRACE", "on");
+    set("KR_LOG_MAX_SIZE", "2M");
+    set("KR_LOG_MAX_FILES", "99");
+    std::thread other([&] { SCENARIO_CHECK(start(outputs[0], "flood") == 0); });
+    SCENARIO_CHECK(start(outputs[1], "flood") == 0);
+    other.join();
+    int messages = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.getPath()))
+    {
+        const FloodCount count(entry.path().string());
+        messages += count.messages;
+        SCENARIO_CHECK(count.lost == 0 && count.others == 0);
+        SCENARIO_CHECK(entry.file_size() <= 2U << 20);
+    }
+    SCENARIO_CHECK(messages == 2 * floodTotal);
+    SCENARIO_CHECK(std::filesystem::exists(folder / "events.log.1"));
+}
+
+void settings()
+{
+    const LogFolder folder;
+    set("KR_LOG_DEFAULT_LEVEL", "Tracing");
+    set("KR_LOG_GROUPS", "Test=Profiling");
+    set("KR_LOG_WARNING", "stdout");
+    set("KR_LOG_RECOVERABLE_ERROR", "stderr");
+    set("KR_LOG_INFORMATIONAL", folder / "sub/info.log");
+    set("KR_LOG_TRACING", "none");
+    set("KR_LOG_FATAL_ERROR", "fiel");
+    set("KR_LOG_FORMAT", "json");
+    SCENARIO_CHECK(start(folder, "routes") == 0);
+    const std::string output = readFile(folder / "out");
+    SCENARIO_CHECK(contains(output, "Invalid value for KR_LOG_FATAL_ERROR: fiel"));
+    SCENARIO_CHECK(contains(output, "to the output"));
+    SCENARIO_CHECK(contains(readFile(folder / "err"), "to the error stream"));
+    SCENARIO_CHECK(contains(readFile(folder / "prof.log"), "to prof.log"));
+    SCENARIO_CHECK(!std::filesystem::exists(folder / "events.log"));
+    const std::string line = readFile(folder / "sub/info.log");
+    SCENARIO_CHECK(LogTest::JsonCheck::isValue(line));
+    SCENARIO_CHECK(contains(line, "\"level\":\"Informational\"") &&
+                   contains(line, "\"thread\":0,\"group\":\"Scenario\",\"text\":\"to a path\"}"));
+}
+
+void statementForm()
+{
+    const LogFolder folder;
+    SCENARIO_CHECK(start(folder, "statements") == 0);
+    SCENARIO_CHECK(joined(textsIn(folder / "events.log")) == "outer 1 done|inner|cut|caught|");
+    SCENARIO_CHECK(start(folder, "reentry") == 0);
+    SCENARIO_CHECK(joined(textsIn(folder / "events.log")) ==
+                   "outer 1 done|inner|cut|caught|first|second|");
+}
+
+/// Where the folder cannot be, the program goes on, says so once, and counts.
+void unwritable()
+{
+    const LogFolder folder;
+    {
+        std::FILE* file = std::fopen((folder / "plain").c_str(), "w");
+        std::fclose(file);
+    }
+    set("KR_LOG_DIR", folder / "plain/logs");
+    set("KR_LOG_INFORMATIONAL", "none");
+    SCENARIO_CHECK(start(folder, "flood") == 0);
+    const std::vector<std::string> complaints = readLines(folder / "err");
+    SCENARIO_CHECK(complaints.size() == 1 && contains(complaints[0], "The log cannot be written"));
+    unsigned long lost = 0;
+    SCENARIO_CHECK(std::sscanf(readFile(folder / "out").c_str(), "lost %lu", &lost) == 1);
+    SCENARIO_CHECK(lost > 0 && lost < floodTotal);
+}
+
+void timeline()
+{
+    const LogFolder folder;
+    set("KR_LOG_TIMELINE", "timeline-%p.json");
+    SCENARIO_CHECK(start(folder, "spans") == 0);
+    SCENARIO_CHECK(start(folder, "spansCutShort") == 0);
+    int complete = 0;
+    int cutShort = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.getPath()))
+    {
+        if (entry.path().extension() != ".json")
+            continue;
+        const std::string text = readFile(entry.path().string());
+        SCENARIO_CHECK(contains(text, "\"name\":\"part\"") && contains(text, "\"dur\":"));
+        complete += LogTest::JsonCheck::isValue(text) && contains(text, "the \\\"whole\\\" run") &&
+                            contains(text, "\"cat\":\"Warning\",\"name\":\"in between\"")
+                        ? 1
+                        : 0;
+        cutShort += LogTest::JsonCheck::isValue(text + "]") && contains(text, "the end") ? 1 : 0;
+    }
+    SCENARIO_CHECK(complete == 1 && cutShort == 1);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc == 3 && std::strcmp(argv[1], "run") == 0)
+    {
+        for (const Scenario::Case& program : programs)
+            if (std::strcmp(program.name, argv[2]) == 0)
+                program.run();
+        return Scenario::failures() == 0 ? 0 : 1;
+    }
+    ownPath = argv[0];
+    const Scenario::Case cases[] = {
+        {"endings", endings},
+        {"killed", killed},
+        {"accounts", accounts},
+        {"blocking", blocking},
+        {"twoProcesses", twoProcesses},
+        {"settings", settings},
+        {"statementForm", statementForm},
+        {"unwritable", unwritable},
+        {"timeline", timeline},
+    };
+    return Scenario::run(cases, argc, argv);
+}
