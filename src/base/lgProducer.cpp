@@ -15,15 +15,15 @@ namespace
 // In blocking mode every message starts with that much room, so that no shorter one is cut.
 constexpr unsigned int roomAhead = 16383;
 
-bool hasRoom(const LgQueue& queue, unsigned int characters)
+bool hasRoom(const LgQueue& queue)
 {
-    return !queue.isFull() && queue.getStream().getNumCharacters() >= characters;
+    return !queue.isFull() && queue.getStream().getNumCharacters() >= roomAhead;
 }
 
 /// The producer that waits does the reader's work meanwhile, if nobody else is doing it.
-void waitForRoom(const LgQueue& queue, unsigned int characters)
+void waitForRoom(const LgQueue& queue)
 {
-    while (!hasRoom(queue, characters) && LgLogState::mayDrain())
+    while (!hasRoom(queue) && LgLogState::mayDrain())
     {
         LgLogState::drain(LgDrain::toBuffers);
         std::this_thread::yield();
@@ -35,10 +35,7 @@ class BlockingObserver : public LgQueue::Observer
 public:
     void entryAdded(LgQueue*) override {}
     void entryRemoved(LgQueue*) override {}
-    void waitForSpace(LgQueue* queue, int characters) override
-    {
-        waitForRoom(*queue, static_cast<unsigned int>(characters));
-    }
+    void waitForSpace(LgQueue* queue, int) override { waitForRoom(*queue); }
 };
 
 /// What a session left in the queue goes with the session.
@@ -92,9 +89,9 @@ LgStream* LgProducer::open(const char* group, LgTypes::Level level) noexcept
         return nullptr;
     }
     if (level <= LgTypes::FatalError)
-        waitForRoom(*queue, roomAhead);
+        waitForRoom(*queue);
     else
-        queue->waitForSpace(roomAhead);
+        queue->waitForSpace(1);
     if (!queue->reserveEntry(level))
         return nullptr;
     ++_depth;

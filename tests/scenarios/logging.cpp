@@ -118,16 +118,17 @@ void endAfterInternalInFullQueue()
 void endInTheMiddle()
 {
     const Kr::LgMinorGroup& group = openProgram();
-    std::atomic<int> rounds{0};
     for (int i = 0; i < 4; ++i)
         std::thread(
             [&]
             {
-                for (;; ++rounds)
+                for (;;)
                     KR_LOG(group, Warning) << "whole " << std::string(200, 'w').c_str();
             })
             .detach();
-    while (rounds < 200000)
+    const std::string path = std::string(Kr::InInitMgr::getEnv("KR_LOG_DIR")) + "/events.log";
+    std::error_code error;
+    while (std::filesystem::file_size(path, error) < 300000 || error)
         std::this_thread::yield();
     std::_Exit(0);
 }
@@ -360,9 +361,11 @@ void killed()
     int whole = 0;
     for (const std::string& text : textsIn(folder / "events.log"))
     {
-        const bool isOverflow = contains(text, "Event overflow [");
-        SCENARIO_CHECK(isOverflow || text == "whole " + std::string(200, 'w'));
-        whole += isOverflow ? 0 : 1;
+        // Where the ring is full, a number sign stands for the rest of a message.
+        const bool isCut = contains(text, "#") || contains(text, "Event overflow [");
+        SCENARIO_CHECK(isCut || text == "whole " + std::string(200, 'w'));
+        SCENARIO_CHECK(!contains(text, "<cut>"));
+        whole += isCut ? 0 : 1;
     }
     SCENARIO_CHECK(whole != 0);
 }
@@ -408,7 +411,7 @@ void blocking()
     SCENARIO_CHECK(start(folder, "flood") == 0);
     const FloodCount count(folder / "events.log");
     SCENARIO_CHECK(count.messages == floodTotal && count.lost == 0 && count.others == 0);
-    SCENARIO_CHECK(readFile(folder / "out") == "lost 0\n");
+    SCENARIO_CHECK(contains(readFile(folder / "out"), "lost 0"));
 }
 
 /// Two processes write at once, rotating each other's files, and no line is lost or cut.
