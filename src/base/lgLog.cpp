@@ -45,6 +45,16 @@ std::uint64_t LgLog::getLostCount()
     return LgLogState::getLostCount();
 }
 
+std::string LgLog::getDirectory()
+{
+    return LgLogState::getSettings().directory;
+}
+
+std::string LgLog::getTimelinePath()
+{
+    return LgLogState::getSettings().timelinePath;
+}
+
 LgEndGuard::~LgEndGuard()
 {
     LgLogState::drainAtEnd(LgDrain::toSystem);

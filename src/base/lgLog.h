@@ -21,6 +21,7 @@
 #include <base/lgQueue.h>
 
 #include <cstdint>
+#include <string>
 
 namespace Kr
 {
@@ -51,6 +52,10 @@ public:
     /// How many messages were dropped since the process began: by full queues, by outputs that
     /// could not be written, or while the logger stopped.
     static std::uint64_t getLostCount();
+
+    /// Where the files are, and the timeline; empty while the logger is not up, or has no timeline.
+    static std::string getDirectory();
+    static std::string getTimelinePath();
 };
 
 /// In each source that logs: what its static objects log while the program ends is not lost.

@@ -287,4 +287,10 @@ std::uint64_t LgLogState::getLostCount()
     return state().lost + inSession;
 }
 
+LgSettings LgLogState::getSettings()
+{
+    const std::lock_guard<std::mutex> lock(state().pointer);
+    return state().session != nullptr ? state().session->getSettings() : LgSettings();
+}
+
 } // namespace Kr

@@ -43,6 +43,9 @@ public:
     static void start(std::unique_ptr<LgSession> session);
     static void stop();
     static std::uint64_t getLostCount();
+
+    /// Empty ones while there is no session.
+    static LgSettings getSettings();
 };
 
 } // namespace Kr

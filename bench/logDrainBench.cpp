@@ -1,0 +1,113 @@
+// What it costs to take queued messages to a file: 1000 messages of 32 characters, formatted with
+// time, level and thread, written and flushed. The queue is filled, and the peer's message is
+// made, outside the timing.
+
+#include <base/hwCounter.h>
+#include <base/lgQueue.h>
+#include <base/lgReader.h>
+#include <base/lgRegistry.h>
+
+#include <benchmark/benchmark.h>
+
+#include <spdlog/sinks/basic_file_sink.h>
+#include <spdlog/spdlog.h>
+
+#include <filesystem>
+#include <random>
+#include <string>
+
+namespace
+{
+
+constexpr int messages = 1000;
+constexpr char text[] = "a message of 32 characters, yes.";
+
+/// A file among the temporary ones that goes away.
+struct TemporaryFile
+{
+    TemporaryFile()
+        : path((std::filesystem::temp_directory_path() /
+                ("krbase-bench-" + std::to_string(std::random_device()()) + ".log"))
+                   .string())
+    {
+    }
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    ~TemporaryFile()
+    {
+        std::error_code error;
+        std::filesystem::remove(path, error);
+    }
+
+    const std::string path;
+};
+
+void fill(Kr::LgQueue& queue)
+{
+    for (int i = 0; i < messages; ++i)
+    {
+        queue.reserveEntry(Kr::LgTypes::Warning);
+        queue.getStream() << text;
+        queue.addEntry();
+    }
+}
+
+/// @param isJson the form of the lines
+void drainToFile(benchmark::State& state, bool isJson)
+{
+    const TemporaryFile file;
+    Kr::LgFileSettings settings;
+    settings.path = file.path;
+    const Kr::LgClock clock;
+    Kr::LgLineFormat format(clock, isJson, true);
+    Kr::LgRegistry registry;
+    Kr::LgReader reader(registry);
+    const auto queue = std::make_shared<Kr::LgQueue>(1);
+    registry.addQueue(queue);
+    registry.setOutput(Kr::LgTypes::Warning, std::make_shared<Kr::LgOutput>(
+                                                 Kr::LgFile::create(settings), "file", format));
+    for (auto _ : state)
+    {
+        state.PauseTiming();
+        fill(*queue);
+        state.ResumeTiming();
+        if (reader.flushAll() != messages)
+            state.SkipWithError("messages are missing");
+        registry.flushOutputs(true);
+    }
+    state.SetItemsProcessed(state.iterations() * messages);
+}
+
+void drain(benchmark::State& state)
+{
+    drainToFile(state, false);
+}
+
+void drainJson(benchmark::State& state)
+{
+    drainToFile(state, true);
+}
+
+/// What the worker thread of the peer does with each message that it takes from its queue.
+void spdlogSink(benchmark::State& state)
+{
+    const TemporaryFile file;
+    spdlog::sinks::basic_file_sink_st sink(file.path);
+    sink.set_pattern("%Y-%m-%dT%H:%M:%S.%fZ  %-14l  %P:%t  %n  %v");
+    const spdlog::details::log_msg message("group", spdlog::level::warn, text);
+    for (auto _ : state)
+    {
+        state.PauseTiming();
+        state.ResumeTiming();
+        for (int i = 0; i < messages; ++i)
+            sink.log(message);
+        sink.flush();
+    }
+    state.SetItemsProcessed(state.iterations() * messages);
+}
+
+BENCHMARK(drain);
+BENCHMARK(drainJson);
+BENCHMARK(spdlogSink);
+
+} // namespace
