@@ -3,6 +3,7 @@
 #include <base/hwCounter.h>
 #include <base/lgProcess.h>
 
+#include <algorithm>
 #include <charconv>
 #include <chrono>
 #include <cstdio>
@@ -69,15 +70,32 @@ bool isControl(unsigned char c)
     return c < 0x20 || c == 0x7F;
 }
 
+/// Appends the characters up to the first one for which `isSpecial` holds, and takes them off.
+template <class IsSpecial>
+void appendPlain(std::string& line, std::string_view& text, IsSpecial isSpecial)
+{
+    const auto end = std::find_if(text.begin(), text.end(), isSpecial);
+    const auto length = static_cast<std::size_t>(end - text.begin());
+    line.append(text.data(), length);
+    text.remove_prefix(length);
+}
+
 void appendEscaped(std::string& line, std::string_view text)
 {
-    for (const char c : text)
+    for (;;)
     {
-        if (isControl(static_cast<unsigned char>(c)))
-            appendEscape(line, static_cast<unsigned char>(c), "x");
-        else
-            line += c;
+        appendPlain(line, text, [](char c) { return isControl(static_cast<unsigned char>(c)); });
+        if (text.empty())
+            return;
+        appendEscape(line, static_cast<unsigned char>(text.front()), "x");
+        text.remove_prefix(1);
     }
+}
+
+bool isSpecialInJson(char c)
+{
+    const auto byte = static_cast<unsigned char>(c);
+    return isControl(byte) || byte >= 0x80 || c == '"' || c == '\\';
 }
 
 bool isContinuation(unsigned char c)
@@ -104,6 +122,21 @@ std::size_t sequenceLength(std::string_view text)
         if (!isContinuation(static_cast<unsigned char>(byte(i))))
             return 0;
     return length;
+}
+
+/// Appends what stands at the head of the text, a character that JSON wants escaped or a sequence
+/// of several bytes, and takes it off.
+void appendJsonSpecial(std::string& line, std::string_view& text)
+{
+    const auto c = static_cast<unsigned char>(text.front());
+    const std::size_t length = c < 0x80 ? 1 : sequenceLength(text);
+    if (c == '"' || c == '\\')
+        line += '\\';
+    if (isControl(c) || length == 0)
+        appendEscape(line, c, "u00");
+    else
+        line.append(text.data(), length);
+    text.remove_prefix(length == 0 ? 1 : length);
 }
 
 /// Year, month and day of a day counted from 1970-01-01, in the Gregorian calendar. The year is
@@ -192,18 +225,9 @@ void LgLineFormat::append(std::string& line, const LgRecord& record)
 void LgLineFormat::appendJson(std::string& line, std::string_view text)
 {
     line += '"';
-    while (!text.empty())
-    {
-        const auto c = static_cast<unsigned char>(text.front());
-        const std::size_t length = c < 0x80 ? 1 : sequenceLength(text);
-        if (c == '"' || c == '\\')
-            line += '\\';
-        if (isControl(c) || length == 0)
-            appendEscape(line, c, "u00");
-        else
-            line.append(text.substr(0, length));
-        text.remove_prefix(length == 0 ? 1 : length);
-    }
+    for (appendPlain(line, text, isSpecialInJson); !text.empty();
+         appendPlain(line, text, isSpecialInJson))
+        appendJsonSpecial(line, text);
     line += '"';
 }
 
