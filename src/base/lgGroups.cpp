@@ -2,9 +2,9 @@
 
 #include <base/assert.h>
 #include <base/lgEx.h>
+#include <base/osEnv.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <iostream>
 #include <list>
@@ -82,11 +82,11 @@ void LgMajorGroup::initialize(const char* settings)
 
 void LgMajorGroup::initializeFromEnvironment()
 {
-    if (const char* level = std::getenv("KR_LOG_DEFAULT_LEVEL"))
+    if (const char* level = OsEnv::getVariable("KR_LOG_DEFAULT_LEVEL"))
         for (unsigned int l = 0; l < LgTypes::NUM_LEVELS; ++l)
             if (std::strcmp(level, LgTypes::getLevelName(static_cast<LgTypes::Level>(l))) == 0)
                 setDefaultThreshold(static_cast<LgTypes::Level>(l));
-    initialize(std::getenv("KR_LOG_GROUPS"));
+    initialize(OsEnv::getVariable("KR_LOG_GROUPS"));
 }
 
 void LgMajorGroup::parse(const char* settings)

@@ -75,7 +75,12 @@ void LgStream::appendTight(const char* text, std::size_t length) noexcept
 
 void LgStream::completeString()
 {
-    if (_message == Message::None)
+    if (_pendingAdvance && !updateRoom())
+    {
+        _overflowed.store(true, std::memory_order_relaxed); // not even an empty text fits
+        _outputFlags |= StringCompleted;
+    }
+    else if (_message == Message::None)
     {
         publish();
     }

@@ -1,0 +1,25 @@
+#pragma once
+
+/// @file
+/// What a failed check of misuse must say.
+
+#include <base/exBase.h>
+
+#include <gtest/gtest.h>
+
+/// Expects that `action` fails the check of that text, at that place in the tree.
+template <class Action>
+void expectAssertion(const char* expression, const char* file, int line, Action action)
+{
+    try
+    {
+        action();
+        ADD_FAILURE() << "passed: " << expression;
+    }
+    catch (const Kr::ExInternalError& error)
+    {
+        EXPECT_EQ("Assertion '" + std::string(expression) + "' failed.", error.what());
+        EXPECT_STREQ(file, error.getFileName());
+        EXPECT_EQ(line, error.getLineNo());
+    }
+}
