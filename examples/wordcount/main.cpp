@@ -37,13 +37,12 @@ struct Worker
     WordProfiler counting{"count its words"};
 };
 
-/// Ends a profiler's span and cycle, and shows the span in the timeline, with its block.
+/// A profiler's cycle that ends with its block. The timeline shows it.
 class Cycle
 {
 public:
     explicit Cycle(WordProfiler& profiler)
         : _profiler(profiler)
-        , _span(profiler.getName())
     {
         _profiler.start();
     }
@@ -59,7 +58,6 @@ public:
 
 private:
     WordProfiler& _profiler;
-    const Kr::LgSpan _span;
 };
 
 bool readText(const std::string& path, Worker& worker, std::string& text)

@@ -141,14 +141,14 @@ private:
             appendTight(text, length);
         return *this;
     }
-    void copyIn(const char* text, unsigned int length) noexcept;
+    inline void copyIn(const char* text, unsigned int length) noexcept;
     void appendTight(const char* text, std::size_t length) noexcept;
     template <class Value>
     LgStream& appendNumber(Value value);
 
     void publish() noexcept;
     void publishTight() noexcept;
-    void stepOverTerminator() noexcept;
+    inline void stepOverTerminator() noexcept;
 
     /// What `LgQueue` calls around a message.
     bool hasRoom() noexcept { return _room != 0 || updateRoom(); }

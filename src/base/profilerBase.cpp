@@ -1,6 +1,8 @@
 #include <base/profilerBase.h>
 
+#include <base/hwCounter.h>
 #include <base/lgStream.h>
+#include <base/lgTimeline.h>
 #include <base/profTable.h>
 
 #include <charconv>
@@ -24,6 +26,14 @@ void writeSeconds(LgStream& stream, const char* label, double seconds)
 } // namespace
 
 ProfilerBase::~ProfilerBase() = default;
+
+void ProfilerBase::recordSpan(double seconds) const
+{
+    const unsigned long long end = HwCounter::timeStamp();
+    const double ticks = seconds * HwCounter::getRateNumerator();
+    const auto length = ticks > 0. ? static_cast<unsigned long long>(ticks) : 0;
+    LgTimeline::addSpan(getName(), end - length, end);
+}
 
 std::ostream& operator<<(std::ostream& os, const ProfilerBase& profiler)
 {

@@ -69,6 +69,9 @@ public:
 
 protected:
     ProfilerBase() = default;
+
+    /// Shows a measured span that ends now on the timeline, under the profiler's name.
+    void recordSpan(double seconds) const;
 };
 
 /// Writes the name and a line for each statistic, in fixed notation with the stream's precision.
