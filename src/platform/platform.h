@@ -116,7 +116,8 @@ void _ftime64(__timeb64* now) noexcept;
 
 // Handles (posix/handle.cpp)
 
-#define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(-1)))
+extern char krInvalidHandle; // only its address matters
+#define INVALID_HANDLE_VALUE (static_cast<HANDLE>(&krInvalidHandle))
 
 BOOL CloseHandle(HANDLE handle) noexcept;
 

@@ -1,5 +1,7 @@
 #include <platform/posix/handle.h>
 
+char krInvalidHandle = 0;
+
 KrHandleObject::~KrHandleObject() = default;
 
 BOOL CloseHandle(HANDLE handle) noexcept
