@@ -6,6 +6,7 @@
 #include <base/lgQueue.h>
 #include <base/lgReader.h>
 #include <base/lgRegistry.h>
+#include <base/log.h>
 
 #include <benchmark/benchmark.h>
 
@@ -106,8 +107,27 @@ void spdlogSink(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * messages);
 }
 
+/// What a statement costs whose level is off.
+void disabledStatement(benchmark::State& state)
+{
+    Kr::LgMajorGroup::initialize(nullptr);
+    {
+        const Kr::LgMinorGroup group(Kr::LgMajorGroup::getInstanceForName("Bench"), "Bench");
+        int value = 0;
+        for (auto _ : state)
+        {
+            KR_LOG(group, Tracing) << ++value;
+            benchmark::ClobberMemory();
+        }
+        if (value != 0)
+            state.SkipWithError("a value was computed");
+    }
+    Kr::LgMajorGroup::finalize();
+}
+
 BENCHMARK(drain);
 BENCHMARK(drainJson);
 BENCHMARK(spdlogSink);
+BENCHMARK(disabledStatement);
 
 } // namespace

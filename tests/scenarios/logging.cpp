@@ -9,6 +9,7 @@
 #include <base/log.h>
 #include <base/osEnv.h>
 
+#include <allocationCount.h>
 #include <logTestFiles.h>
 
 #include <atomic>
@@ -209,6 +210,19 @@ void statements()
     SCENARIO_CHECK(Kr::LgLog::getQueue() == nullptr);
 }
 
+/// Once a thread has its queue, neither its statements nor the reader allocate, also in a flood.
+void allocations()
+{
+    const Program program;
+    KR_LOG(program.group, Warning) << "makes the queue";
+    Kr::LgLog::flush();
+    const int before = getAllocationCount();
+    for (int i = 0; i < 3000; ++i)
+        KR_LOG(program.group, Warning) << "message " << i << " of " << 0.5;
+    Kr::LgLog::flush();
+    SCENARIO_CHECK(getAllocationCount() == before);
+}
+
 /// Logs whatever way it can while the reader takes its queue's entries.
 class LoggingObserver : public Kr::LgQueue::Observer
 {
@@ -278,6 +292,7 @@ constexpr Scenario::Case programs[] = {
     {"flood", flood},
     {"routes", routes},
     {"statements", statements},
+    {"allocations", allocations},
     {"reentry", reentry},
     {"spans", spans},
     {"spansCutShort", spansCutShort},
@@ -469,6 +484,9 @@ void statementForm()
     SCENARIO_CHECK(start(folder, "reentry") == 0);
     SCENARIO_CHECK(joined(textsIn(folder / "events.log")) ==
                    "outer 1 done|inner|cut|caught|first|second|");
+    set("KR_LOG_WARNING", "none"); // what writing to a file allocates is the system's
+    set("KR_LOG_INFORMATIONAL", "none");
+    SCENARIO_CHECK(start(folder, "allocations") == 0);
 }
 
 /// Where the folder cannot be, the program goes on, says so once, and counts.

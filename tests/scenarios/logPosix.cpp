@@ -1,18 +1,22 @@
-// A process that forks goes on logging on both sides, into the same file.
+// What only a POSIX host can do to the log: a process that forks, and a disk that fills up in the
+// middle of a line.
 
 #include "scenario.h"
 
 #include <base/inInitGuard.h>
+#include <base/lgFile.h>
 #include <base/log.h>
 #include <base/osEnv.h>
 
 #include <logTestFiles.h>
 
 #include <atomic>
+#include <csignal>
 #include <cstdlib>
 #include <map>
 #include <thread>
 
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -79,12 +83,43 @@ void forkedProcess()
     SCENARIO_CHECK(counts.size() == 4);
 }
 
+void limitFileSize(rlim_t size)
+{
+    rlimit limit = {};
+    SCENARIO_CHECK(::getrlimit(RLIMIT_FSIZE, &limit) == 0);
+    limit.rlim_cur = size;
+    SCENARIO_CHECK(::setrlimit(RLIMIT_FSIZE, &limit) == 0);
+}
+
+/// The part of a line that still found room is taken back, and the file goes on when there is room
+/// again.
+void fullDisk()
+{
+    const LogTest::Folder folder;
+    std::signal(SIGXFSZ, SIG_IGN);
+    Kr::LgFileSettings settings;
+    settings.path = folder / "events.log";
+    const auto file = Kr::LgFile::create(settings);
+    const auto append = [&](char letter)
+    { return file->append((std::string(599, letter) + '\n').c_str(), 600); };
+    limitFileSize(1000);
+    SCENARIO_CHECK(append('a'));
+    SCENARIO_CHECK(!append('b'));
+    SCENARIO_CHECK(file->getProblem() == "There is not enough space on the disk.");
+    SCENARIO_CHECK(std::filesystem::file_size(settings.path) == 600);
+    limitFileSize(RLIM_INFINITY);
+    SCENARIO_CHECK(append('c'));
+    SCENARIO_CHECK(LogTest::readFile(settings.path) ==
+                   std::string(599, 'a') + '\n' + std::string(599, 'c') + '\n');
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
     ownPath = argv[0];
     const Scenario::Case cases[] = {{"forkedProcess", forkedProcess},
-                                    {"logOnBothSides", logOnBothSides}};
+                                    {"logOnBothSides", logOnBothSides},
+                                    {"fullDisk", fullDisk}};
     return Scenario::run(cases, argc, argv);
 }
