@@ -49,9 +49,10 @@ public:
     /// Messages that overflow entries or outputs report as lost.
     std::uint64_t getLostCount() const;
 
-    /// Starts the thread that calls `drain` now and then, if it does not run; returns when the
-    /// thread has ended.
+    /// Starts the thread that calls `drainAll` now and then, if it does not run yet.
     void startReader(std::size_t (*drainAll)());
+
+    /// Returns when the thread has ended.
     void stopReader();
 
     /// Makes the session that goes on in a forked process: the same settings, files of its own, and
