@@ -67,7 +67,7 @@ private:
 
     // The parent's session is kept as it was when the process forked; nothing of it can be closed
     // without harm to the parent.
-    LgSession* const _predecessor;
+    [[maybe_unused]] LgSession* const _predecessor;
 
     const LgSettings _settings;
     const LgClock _clock;
