@@ -16,8 +16,11 @@
 /// |---|---|
 /// | `bool` | true, yes, on, 1, false, no, off, 0; the case does not matter |
 /// | `std::int32_t`, `std::uint32_t`, `std::int64_t`, `std::uint64_t` | decimal, within the range |
-/// | `double` | decimal, with an exponent or not, within the range; "inf" when the range has it;
-/// never "nan" | | `std::string` | any | | enumeration | one of the names, in their case |
+/// | `double` | decimal, with an exponent or not, within the range |
+/// | `std::string` | any |
+/// | enumeration | one of the names, in their case |
+///
+/// "inf" is a `double` when the range has it, "nan" never.
 ///
 /// `write` gives a text that `parse` takes back to the same value. Forms may be shared by threads.
 
