@@ -1,11 +1,13 @@
 #include <base/inInitMgr.h>
 
 #include <base/assert.h>
+#include <base/inCommandLine.h>
 #include <base/inContextAliasMgrBase.h>
 #include <base/inEx.h>
 #include <base/inInitDebug.h>
 #include <base/inInitMgrState.h>
 #include <base/inVariableBase.h>
+#include <base/inVariableRegistry.h>
 #include <base/osEnv.h>
 #include <base/trace.h>
 
@@ -165,7 +167,11 @@ void InInitMgr::decReinitCount()
 InInitMgr::State::State()
     : _environment(OsEnv::getBlock(), std::cerr)
 {
-    InContextAliasMgrBase::args(); // built before the manager, so that it also outlives it
+    // What finalize uses is built before the manager, so that it also outlives it and finalize can
+    // be called as the process exits.
+    InContextAliasMgrBase::args();
+    InCommandLine::getInstance();
+    InVariableRegistry::getInstance();
 }
 
 /// Releases what a program that never came to finalize has left.

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <iomanip>
+#include <locale>
 #include <ostream>
 #include <sstream>
 #include <unordered_set>
@@ -104,6 +105,7 @@ std::ostream& InInitMgr::reportStart(std::ostream& stream) const
         nameWidth = std::max(nameWidth, record.name.size());
 
     std::ostringstream text; // of its own, so that the caller's format settings play no part
+    text.imbue(std::locale::classic());
     text << std::fixed << std::setprecision(3);
     const auto writeName = [&](const std::string& name)
     { text << std::left << std::setw(static_cast<int>(nameWidth)) << name << std::right; };
@@ -210,6 +212,7 @@ void PackageGraph::write(std::ostream& stream)
     closure.close();
 
     std::ostringstream text;
+    text.imbue(std::locale::classic());
     text << "digraph packages\n{\n    node [shape=box];\n";
     for (std::size_t i = 0; i < closure.getSize(); ++i)
         writeNode(text, i, closure);

@@ -10,6 +10,7 @@
 #include <base/vector.h>
 
 #include <cstddef>
+#include <ios>
 #include <string>
 #include <typeindex>
 #include <unordered_map>
@@ -97,6 +98,9 @@ struct InInitMgr::State
 
     Vector<Run*> _runs; ///< those under way: a start routine may run a pass of its own
     Vector<StartRecord> _startRecords;
+    // The first package registers before the objects of every source are built, on Windows even
+    // those of the standard streams in this library.
+    const std::ios_base::Init _streams;
     const InEnvSnapshot _environment;
 };
 

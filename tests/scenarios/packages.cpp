@@ -8,13 +8,16 @@
 #include <base/inInit.imp>
 #include <base/inInitGuard.h>
 #include <base/inReinitGuard.h>
+#include <base/inVariableBase.h>
 #include <base/krInitPackages.h>
 #include <base/osEnv.h>
 #include <base/trace.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <functional>
 #include <iostream>
+#include <locale>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -253,8 +256,14 @@ void programPackagesFollowTheirDependencies()
     SCENARIO_CHECK(events == "-needsLibrary-alpha-blue-green-red");
 }
 
+struct DecimalComma : std::numpunct<char>
+{
+    char do_decimal_point() const override { return ','; }
+};
+
 void reportsTheStart()
 {
+    std::locale::global(std::locale(std::locale(), new DecimalComma));
     const InInit<red> a;
     const InInit<green> b;
     Recorded<green>::onStart = [] { throw std::runtime_error("no green"); };
@@ -338,6 +347,23 @@ void takesTheArgumentsOver()
                           "Assertion 'argv[i] != nullptr' failed.");
     SCENARIO_CHECK(argc == 2 && argv == more && taken.size() == 10001);
     // No finalize: what was taken is released at the end all the same, as the leak check tells.
+}
+
+void finalisesAtExit()
+{
+    std::atexit(
+        []
+        {
+            manager().finalize();
+            if (events != "+red-red" || !InContextAliasMgrBase::args().empty())
+                std::abort();
+        });
+    static const InInit<red> a;
+    const char* const words[] = {"program", "--help"};
+    int argc = 2;
+    const char* const* argv = words;
+    manager().initialize(argc, argv);
+    SCENARIO_CHECK(InVariableBase::isHelpRequested());
 }
 
 void missingDependencyStartsNothing()
@@ -724,6 +750,7 @@ const Scenario::Case cases[] = {
     {"reportStart", reportsTheStart},
     {"finalise", finaliseNeedsAnInitialise},
     {"arguments", takesTheArgumentsOver},
+    {"finaliseAtExit", finalisesAtExit},
     {"missing", missingDependencyStartsNothing},
     {"cycle", reportsCycles},
     {"selfCycle", packageThatNeedsItselfIsACycle},
