@@ -351,6 +351,7 @@ void takesTheArgumentsOver()
 
 void finalisesAtExit()
 {
+    static const InInit<red> a;
     std::atexit(
         []
         {
@@ -358,7 +359,6 @@ void finalisesAtExit()
             if (events != "+red-red" || !InContextAliasMgrBase::args().empty())
                 std::abort();
         });
-    static const InInit<red> a;
     const char* const words[] = {"program", "--help"};
     int argc = 2;
     const char* const* argv = words;
