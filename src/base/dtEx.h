@@ -2,6 +2,16 @@
 
 /// @file
 /// The exceptions of discrete time.
+/// @code
+/// try
+/// {
+///     std::cout << Kr::DtTimeCode(Kr::Rational(0, 1)).getText(1);
+/// }
+/// catch (const Kr::DtEx::NoTimeCode& error)
+/// {
+///     std::cerr << error.getReason() << '\n';
+/// }
+/// @endcode
 
 #include <base/exBase.h>
 

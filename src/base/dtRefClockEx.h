@@ -2,6 +2,16 @@
 
 /// @file
 /// The exceptions of the reference clock.
+/// @code
+/// try
+/// {
+///     Kr::DtRefTimeFactory::getInstance().create(Kr::DtTimeIndex(250), "SoundCard");
+/// }
+/// catch (const Kr::DtRefClockEx::SourceMismatch& error) // the clock's source is "HwCounter"
+/// {
+///     std::cerr << error.getReason() << '\n';
+/// }
+/// @endcode
 
 #include <base/exBase.h>
 

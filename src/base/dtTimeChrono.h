@@ -4,18 +4,19 @@
 /// Discrete times to and from `std::chrono` durations.
 /// @code
 /// using namespace std::chrono_literals;
-/// const Kr::DtTime time = Kr::DtTimeChrono::getDtTime(40ms);                           // 40 at
-/// 1000/1 const Kr::DtTime frame = Kr::DtTimeChrono::getDtTime(40ms, Kr::Rational(25, 1));     // 1
-/// at 25/1 const auto delay = Kr::DtTimeChrono::getDuration<std::chrono::microseconds>(frame);  //
-/// 40000us
+/// const Kr::DtTime time = Kr::DtTimeChrono::getDtTime(40ms); // 40 at 1000/1
+/// const Kr::DtTime frame = Kr::DtTimeChrono::getDtTime(40ms, Kr::Rational(25, 1)); // 1 at 25/1
+/// const auto delay = Kr::DtTimeChrono::getDuration<std::chrono::microseconds>(frame); // 40 ms
 /// @endcode
 ///
 /// Between integers everything is exact but the final truncation toward zero, the same as
 /// `std::chrono::duration_cast` makes; no intermediate product overflows. To learn whether anything
 /// was cut, or to round otherwise, use the rate of the duration's ticks:
 /// @code
+/// const Kr::DtTime time(1, 30000, 1001); // 33366666.67 ns
 /// const auto [count, isExact] = time.getCount().convertChecked(
 ///     time.getRate(), Kr::DtTimeChrono::getRate<std::chrono::nanoseconds>());
+/// std::cout << count << (isExact ? " ns\n" : " ns and a fraction\n");
 /// @endcode
 /// A duration that counts in floating point is as exact as its type.
 ///

@@ -8,7 +8,7 @@
 /// @code
 /// try
 /// {
-///     throw Kr::ExInternalError("viewer/scene", 12, "The scene is empty.");
+///     Kr::raise<Kr::ExInternalError>(KR_HERE, "The scene is empty."); // base/trace.h
 /// }
 /// catch (const Kr::ExBase& error)
 /// {

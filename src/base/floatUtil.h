@@ -5,9 +5,10 @@
 /// rounding, classification, and the runtime library's functions under one roof, so that generic
 /// code gets the overload of its own type.
 /// @code
-/// if (Kr::FloatUtil::isEqual(frameRate, 29.97))
-///     showDropFrame();
-/// const float opacity = Kr::FloatUtil::smoothStep(0.f, 1.f, time, 0.f, 255.f);
+/// double angle = 0.;
+/// while (!Kr::FloatUtil::isEqual(angle, 1.)) // ten times 0.1 is not exactly 1
+///     angle += 0.1;
+/// const float opacity = Kr::FloatUtil::smoothStep(0.f, 1.f, 0.25f, 0.f, 255.f); // 39.84375
 /// @endcode
 /// A function computes in the type of its arguments, except where it says otherwise. Nothing is
 /// checked: NaN, infinities and domain errors come back as the runtime library gives them.

@@ -2,6 +2,14 @@
 
 /// @file
 /// The stopwatch over the hardware counter: nanoseconds, and cheap to start and stop.
+/// @code
+/// Kr::HwIntervalTimer timer("render");
+/// timer.start();
+/// render();
+/// timer.stop();
+/// std::cout << timer.getName() << ": " << timer.timeInterval() << " s\n";
+/// @endcode
+/// A timer belongs to one thread.
 
 #include <base/intervalTimer.h>
 

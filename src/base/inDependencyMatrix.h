@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// For the initialisation manager's own sources: which package needs which.
+/// Internal to the initialisation manager: which package needs which.
 
 #include <cstddef>
 #include <cstdint>

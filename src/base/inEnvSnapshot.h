@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// For the initialisation manager's own sources: the environment as it was at the start.
+/// Internal to the initialisation manager: the environment as it was at the start.
 
 #include <iosfwd>
 #include <map>

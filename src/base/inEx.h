@@ -3,6 +3,21 @@
 /// @file
 /// The exceptions of the initialisation family: packages, variables and context aliases.
 /// Every name that a reason holds is cut at 256 characters.
+/// @code
+/// try
+/// {
+///     const Kr::InInitGuard guard(argc, argv);
+///     render();
+/// }
+/// catch (const Kr::InEx::ExDependencyCycle&)
+/// {
+///     Kr::InInitMgr::getInstance().reportCycles(std::cerr);
+/// }
+/// catch (const Kr::InEx& error) // what else can go wrong when packages start or stop
+/// {
+///     std::cerr << error.getReason() << '\n';
+/// }
+/// @endcode
 
 #include <base/exBase.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// For the initialisation framework's own sources: whether it reports its steps.
+/// Internal to the initialisation framework: whether it reports its steps.
 
 #include <base/osEnv.h>
 

@@ -2,6 +2,15 @@
 
 /// @file
 /// Starts the program's packages, and stops them at the end of a scope: see `InInitMgr`.
+/// @code{.cpp}
+/// int main(int argc, char** argv)
+/// {
+///     const char* const* arguments = argv;
+///     const Kr::InInitGuard guard(argc, arguments);
+///     while (nextFrame())
+///         render();
+/// }
+/// @endcode
 
 #include <base/inInitMgr.h>
 

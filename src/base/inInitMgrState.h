@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// For the initialisation manager's own sources: its private state.
+/// Internal to the initialisation manager: its private state.
 
 #include <base/inDependencyMatrix.h>
 #include <base/inEnvSnapshot.h>

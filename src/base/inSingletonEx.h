@@ -3,6 +3,16 @@
 /// @file
 /// What the misuse of a singleton raises. A reason is the singleton's run-time type name, then the
 /// text of the condition and a full stop.
+/// @code
+/// try
+/// {
+///     render(); // asks for the camera
+/// }
+/// catch (const Kr::InSingletonEx::ExNotInitialized& error)
+/// {
+///     std::cerr << error.getReason() << '\n'; // "6Camera is not initialized."
+/// }
+/// @endcode
 
 #include <base/inEx.h>
 

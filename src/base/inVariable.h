@@ -5,17 +5,21 @@
 ///
 /// A variable is a static object in the source of its package, below the package's object. It has a
 /// handle that is unique in the process, a default and a line of help:
-/// @code
-/// static Kr::InInit<KrInit::viewer> viewerPackage;
+/// @code{.cpp}
+/// enum class Shading
+/// {
+///     Flat,
+///     Smooth
+/// };
+/// Kr::InPackageInitBase& viewer(); // where the package's InInit object stands
 ///
-/// static Kr::InVariable<std::int32_t> samples(viewerPackage, "viewer.samples", 4,
-///                                             "Samples per pixel", {1, 64});
-/// static Kr::InVariable<bool> vsync(viewerPackage, "viewer.vsync", true, "Wait for the display");
-/// static Kr::InVariable<Shading> shading(viewerPackage, "viewer.shading", Shading::Smooth,
-///                                        "How surfaces are shaded",
+/// static Kr::InVariable<std::int32_t> samples(viewer(), "viewer.samples", 4, "Samples per pixel",
+///                                             {1, 64});
+/// static Kr::InVariable<bool> vsync(viewer(), "viewer.vsync", true, "Wait for the display");
+/// static Kr::InVariable<Shading> shading(viewer(), "viewer.shading", Shading::Smooth, "Shading",
 ///                                        {{"flat", Shading::Flat}, {"smooth", Shading::Smooth}});
 ///
-/// void KrInit::viewer::start() { openDisplay(samples.getValue(), vsync.getValue()); }
+/// bool isFast() { return shading.getValue() == Shading::Flat && samples.getValue() == 1; }
 /// @endcode
 ///
 /// When the package starts, each of its variables takes its value from the first of these that

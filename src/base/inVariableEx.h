@@ -3,6 +3,17 @@
 /// @file
 /// What is wrong with a value that someone gave to an initialisation variable. Every text in a
 /// reason is cut at 256 characters; a null one counts as empty.
+/// @code
+/// try
+/// {
+///     const Kr::InInitGuard guard(argc, argv);
+///     render();
+/// }
+/// catch (const Kr::InVariableEx& error)
+/// {
+///     std::cerr << error.getReason() << '\n';
+/// }
+/// @endcode
 
 #include <base/inEx.h>
 

@@ -2,12 +2,14 @@
 
 /// @file
 /// The stopwatch interface. `HwIntervalTimer` and `TodIntervalTimer` implement it.
-/// @code
-/// Kr::HwIntervalTimer timer("render");
-/// timer.start();
-/// render();
-/// timer.stop();
-/// std::cout << timer.getName() << ": " << timer.timeInterval() << " s\n";
+/// @code{.cpp}
+/// void timeRendering(Kr::IntervalTimer& timer)
+/// {
+///     timer.start();
+///     render();
+///     timer.stop();
+///     std::cout << timer.getName() << ": " << timer.timeInterval() << " s\n";
+/// }
 /// @endcode
 /// A timer belongs to one thread.
 

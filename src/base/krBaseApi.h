@@ -2,7 +2,14 @@
 
 /// @file
 /// The export macro. `KR_BASE_API` marks a class or function that the library exports; everything
-/// else stays inside it.
+/// else stays inside it. A library on top has a macro of its own, made alike.
+/// @code{.cpp}
+/// class KR_BASE_API LgLog
+/// {
+/// public:
+///     static void init();
+/// };
+/// @endcode
 
 #if defined(_WIN32)
 #if defined(KR_BASE_BUILD)

@@ -3,6 +3,18 @@
 /// @file
 /// The library's own packages, in the order in which they start. Packages of an application
 /// usually need `KrInit::base`, which needs all the others.
+/// @code{.cpp}
+/// namespace KrInit
+/// {
+/// struct viewer
+/// {
+///     static constexpr const char* name = "viewer";
+///     using Dependencies = Kr::InDependencies<KrInit::base>;
+///     static void start();
+///     static void stop();
+/// };
+/// } // namespace KrInit
+/// @endcode
 
 #include <base/inInit.h>
 

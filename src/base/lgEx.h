@@ -2,6 +2,16 @@
 
 /// @file
 /// The exceptions of the logger.
+/// @code
+/// try
+/// {
+///     std::cout << Kr::LgTypes::getLevelFromString("Verbose");
+/// }
+/// catch (const Kr::LgEx::InvalidLevelString& error)
+/// {
+///     std::cerr << error.getReason() << '\n'; // Invalid level string specified: Verbose
+/// }
+/// @endcode
 
 #include <base/exBase.h>
 

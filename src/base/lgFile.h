@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// A file that lines are appended to, by this process and by others.
+/// Internal to the library: a file that lines are appended to, by this process and by others.
 ///
 /// What is appended arrives whole or not at all: a line that the disk had no room for is taken
 /// back. The file is opened by the first text, with the folders above it, and opened again when

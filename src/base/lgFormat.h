@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// For the library's own use: numbers to text, without a terminator, fast.
+/// Internal to the library: numbers to text, without a terminator, fast.
 
 #include <charconv>
 #include <cstdint>

@@ -6,7 +6,7 @@
 /// A major group is a whole library or area of work; it holds the set of levels that are on. A
 /// minor group is a topic within it: the handle that code asks before it logs. The package that
 /// owns a minor group creates it when it starts and deletes it when it stops:
-/// @code
+/// @code{.cpp}
 /// namespace LgGroups
 /// {
 /// Kr::LgMinorGroup* KR_XGLUE(MinorLevel, Shadows) = nullptr;

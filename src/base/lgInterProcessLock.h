@@ -5,10 +5,13 @@
 ///
 /// The lock lies on the file itself, on one byte far behind its end, where it hinders nobody who
 /// reads. It belongs to the file's handle: a process that is killed leaves no lock behind.
-/// @code
-/// LgInterProcessLock lock(handle);
-/// const bool alone = lock.acquire(std::chrono::seconds(1));
-/// // ... write; the destructor gives the lock up
+/// @code{.cpp}
+/// void append(void* file)
+/// {
+///     Kr::LgInterProcessLock lock(file);
+///     if (lock.acquire(std::chrono::seconds(1)))
+///         std::cout << "nobody else writes until the end of the block\n";
+/// }
 /// @endcode
 /// Pitfall: the handle must be open for reading and for appending or writing.
 

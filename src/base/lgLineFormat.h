@@ -2,10 +2,10 @@
 
 /// @file
 /// How a record of the log reads: one line of text in columns, or one JSON object.
-/// @code
+/// @verbatim
 /// 2026-11-21T07:33:08.123456Z  Warning         4711:main     Database      no index, scanning
 /// {"time":"2026-11-21T07:33:08.123456Z","level":"Warning","process":4711,"thread":0,...}
-/// @endcode
+/// @endverbatim
 /// A record stays one line whatever its text holds: control characters are escaped as in C
 /// (`\n`, `\x1b`). Backslashes are not, so that paths stay readable; the JSON form is the exact
 /// one.

@@ -7,6 +7,12 @@
 /// a queue of the logging thread until the logger's reader, a thread that runs from the first
 /// message on, takes it to the files. The environment says which level goes where:
 /// docs/log-files.md.
+/// @code
+/// std::cout << "the log is in " << Kr::LgLog::getDirectory() << '\n';
+/// Kr::LgLog::flush(); // what has been logged so far can be read there
+/// if (Kr::LgLog::getLostCount() != 0)
+///     std::cout << "but for " << Kr::LgLog::getLostCount() << " messages\n";
+/// @endcode
 ///
 /// A message that has been logged reaches its file when the program ends in the normal way, by
 /// `std::exit`, by an uncaught exception or by `std::terminate`. Fatal and internal errors are on

@@ -1,7 +1,8 @@
 #pragma once
 
 /// @file
-/// The logger's one state in the process: the session, if it runs, and who may drain it.
+/// Internal to the library: the logger's one state in the process, which is the session, if it
+/// runs, and who may drain it.
 
 #include <base/lgSession.h>
 

@@ -1,7 +1,8 @@
 #pragma once
 
 /// @file
-/// Where the lines of one or more levels go: a file or a standard stream, with a buffer before it.
+/// Internal to the library: where the lines of one or more levels go, a file or a standard stream,
+/// with a buffer before it.
 ///
 /// While the file cannot be written, lines wait in the buffer; what no longer fits is counted. The
 /// first failure is told once on the standard error stream. When the file can be written again, the

@@ -1,7 +1,8 @@
 #pragma once
 
 /// @file
-/// Who is logging: the numbers of the process and of the calling thread.
+/// Internal to the library: who is logging, by the numbers of the process and of the calling
+/// thread.
 
 namespace Kr
 {

@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// What one thread logs into. Made for a thread by the first thing that it logs; from then on
-/// nothing is locked or allocated.
+/// Internal to the library: what one thread logs into. Made for a thread by the first thing that it
+/// logs; from then on nothing is locked or allocated.
 
 #include <base/lgQueue.h>
 #include <base/lgSpanRing.h>

@@ -1,7 +1,8 @@
 #pragma once
 
 /// @file
-/// Drains the queues of all threads into the outputs, in the order of the messages' time stamps.
+/// Internal to the library: drains the queues of all threads into the outputs, in the order of the
+/// messages' time stamps.
 ///
 /// Used by one thread at a time. Pitfall: a message is seen when its thread has completed it. One
 /// that was begun before, but completed after a message that is written already, comes behind it.

@@ -1,8 +1,9 @@
 #pragma once
 
 /// @file
-/// How a message names its group: a queue's entry has no place for it, so it stands at the head of
-/// the text, between two unit separators. A text that does not begin with one has no group.
+/// Internal to the library: how a message names its group. A queue's entry has no place for it, so
+/// it stands at the head of the text, between two unit separators. A text that does not begin with
+/// one has no group.
 
 #include <base/lgStream.h>
 

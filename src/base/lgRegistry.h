@@ -1,7 +1,8 @@
 #pragma once
 
 /// @file
-/// What the logger's reader works on: the queues of all threads, and the output of each level.
+/// Internal to the library: what the logger's reader works on, the queues of all threads and the
+/// output of each level.
 
 #include <base/krBaseApi.h>
 #include <base/lgOutput.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Everything that exists between the logger's start and its stop.
+/// Internal to the library: everything that exists between the logger's start and its stop.
 
 #include <base/lgLineFormat.h>
 #include <base/lgReader.h>

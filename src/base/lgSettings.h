@@ -1,7 +1,8 @@
 #pragma once
 
 /// @file
-/// What the logger's environment variables say about its output; docs/log-files.md lists them.
+/// Internal to the library: what the logger's environment variables say about its output;
+/// docs/log-files.md lists them.
 
 #include <base/krBaseApi.h>
 #include <base/lgTypes.h>

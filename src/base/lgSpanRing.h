@@ -1,7 +1,8 @@
 #pragma once
 
 /// @file
-/// The spans of one thread that wait to be written: one producer, one consumer, no lock.
+/// Internal to the library: the spans of one thread that wait to be written. One producer, one
+/// consumer, no lock.
 
 #include <array>
 #include <atomic>

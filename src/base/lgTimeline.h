@@ -5,11 +5,11 @@
 ///
 /// The variable `KR_LOG_TIMELINE` names the file; without it nothing is recorded, and a span costs
 /// one load and one test.
-/// @code
-/// void Scene::update()
+/// @code{.cpp}
+/// void updateScene()
 /// {
 ///     const Kr::LgSpan span("update scene");
-///     // ... the span ends with the block
+///     load(); // the span ends with the block
 /// }
 /// @endcode
 /// The messages of the log appear in the same picture, on the same clock. Each thread keeps its

@@ -1,7 +1,8 @@
 #pragma once
 
 /// @file
-/// Writes the timeline: the spans of all threads and the messages of the log, as trace events.
+/// Internal to the library: writes the timeline, the spans of all threads and the messages of the
+/// log, as trace events.
 
 #include <base/lgFile.h>
 #include <base/lgLineFormat.h>

@@ -2,6 +2,10 @@
 
 /// @file
 /// The logger's levels.
+/// @code
+/// std::cout << Kr::LgTypes::getLevelName(Kr::LgTypes::Warning); // Warning
+/// const Kr::LgTypes::Level level = Kr::LgTypes::getLevelFromString("Internal Error");
+/// @endcode
 
 #include <base/krBaseApi.h>
 

@@ -2,6 +2,10 @@
 
 /// @file
 /// `Kr::List<T>`: the standard list under the library's own name.
+/// @code
+/// Kr::List<std::string> names{"camera", "light"};
+/// names.push_front("scene");
+/// @endcode
 
 #include <list>
 

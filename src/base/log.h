@@ -4,6 +4,8 @@
 /// The statement that logs.
 /// @code
 /// const Kr::LgMinorGroup cache(Kr::LgMajorGroup::getInstanceForName("Database"), "Cache");
+/// const char* table = "users";
+/// const int rows = 12000;
 ///
 /// KR_LOG(cache, Warning) << "no index on " << table << ", scanning " << rows << " rows";
 /// @endcode

@@ -4,8 +4,9 @@
 /// What kind of floating-point value it is. A `float` is widened to `double` first, which keeps its
 /// class.
 /// @code
-/// if (Kr::LtFPClass::isNaN(depth))
-///     depth = farPlane;
+/// const double ratio = std::sqrt(-1.);
+/// if (Kr::LtFPClass::isNaN(ratio))
+///     std::cout << "no real root\n";
 /// @endcode
 /// Stateless: every function may be called by any thread.
 

@@ -4,6 +4,8 @@
 /// Byte order.
 /// @code
 /// // a field that the file holds with its highest byte first
+/// std::uint32_t size = 0;
+/// std::ifstream("scene.bin", std::ios::binary).read(reinterpret_cast<char*>(&size), sizeof size);
 /// size = Kr::OsEndian::invertIf(!Kr::OsEndian::isBigEndian(), size);
 /// @endcode
 /// Pitfall: a float or double with its bytes reversed is a pattern of bits, no number. On 32-bit

@@ -4,7 +4,8 @@
 /// The memory architecture of the machine, for code that blocks its loops by the caches:
 /// @code
 /// const Kr::OsMemoryArch& memory = Kr::OsMemoryArch::getInstance();
-/// const int rows = memory.getL1DataSize() / bytesPerRow;
+/// const int bytesPerRow = 4 * 1920;
+/// const int rows = memory.getL1DataSize() / bytesPerRow; // 0 if the size is not reported
 /// @endcode
 /// All sizes are in bytes. Pitfall: a size is 0 when the processor does not report it, which is
 /// the rule on processors that do not list their caches by the old descriptors.

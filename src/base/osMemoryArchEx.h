@@ -3,6 +3,10 @@
 /// @file
 /// The exceptions of the memory architecture: for processors that have no description. Every
 /// processor that the library runs on has one, so the library itself does not raise them.
+/// @code
+/// if (Kr::OsMemoryArch::getInstance().getPageSize() == 0)
+///     Kr::raise<Kr::OsMemoryArchEx::ExUnknownCPU>(KR_HERE);
+/// @endcode
 
 #include <base/exBase.h>
 

@@ -1,7 +1,8 @@
 #pragma once
 
 /// @file
-/// The one implementation of `OsMemoryArch`, from the processor's cache descriptors.
+/// Internal to the library: the one implementation of `OsMemoryArch`, from the processor's cache
+/// descriptors.
 
 #include <base/osCpuInfo.h>
 #include <base/osMemoryArch.h>

@@ -3,7 +3,7 @@
 /// @file
 /// Powers of two and base-2 logarithms of unsigned 32-bit integers.
 /// @code
-/// const std::uint32_t textureWidth = Kr::Pow2::ceil(imageWidth); // 640 gives 1024
+/// const std::uint32_t textureWidth = Kr::Pow2::ceil(640); // 1024
 /// @endcode
 /// Pitfall: `ceil` of a value above 2^31 is 1, because the power that it would need does not fit.
 ///

@@ -2,11 +2,14 @@
 
 /// @file
 /// The statistics of several profilers as one.
-/// @code
-/// Kr::ProfConsolidator all;
-/// for (Kr::ProfilerBase* profiler : profilers)
-///     all.consolidate(*profiler);
-/// std::cout << all;
+/// @code{.cpp}
+/// void report(const std::vector<Kr::ProfilerBase*>& profilers)
+/// {
+///     Kr::ProfConsolidator all;
+///     for (Kr::ProfilerBase* profiler : profilers)
+///         all.consolidate(*profiler);
+///     std::cout << all;
+/// }
 /// @endcode
 /// Pitfall: a profiler without cycles has a least time of 0, and so pulls the consolidated one down
 /// to 0.

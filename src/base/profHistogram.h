@@ -3,6 +3,7 @@
 /// @file
 /// How times are spread: percentiles from a fixed amount of memory (12 KB).
 /// @code
+/// Kr::Profiler<Kr::HwIntervalTimer> profiler("frame");
 /// Kr::ProfHistogram spread;
 /// profiler.setHistogram(&spread);
 /// // ... many cycles ...

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Inside the library: the table in which profilers and their kin are written to a stream.
+/// Internal to the library: the table in which profilers and their kin are written to a stream.
 
 #include <ios>
 #include <ostream>

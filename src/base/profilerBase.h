@@ -2,7 +2,7 @@
 
 /// @file
 /// What a `Profiler` offers, whatever its stopwatch, and how it is written.
-/// @code
+/// @code{.cpp}
 /// void report(const Kr::ProfilerBase& profiler)
 /// {
 ///     std::cout << profiler;

@@ -2,6 +2,16 @@
 
 /// @file
 /// The exceptions of `Rational`.
+/// @code
+/// try
+/// {
+///     std::cout << Kr::Rational(30000, 0);
+/// }
+/// catch (const Kr::RationalEx::ExDenominatorZero& error)
+/// {
+///     std::cerr << error.getReason() << '\n'; // Illegal zero denominator.
+/// }
+/// @endcode
 
 #include <base/exBase.h>
 

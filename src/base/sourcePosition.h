@@ -2,6 +2,9 @@
 
 /// @file
 /// The position of a raise, as the library reports it.
+/// @code
+/// Kr::raise<Kr::ExInternalError>(KR_HERE, "The scene is empty."); // file and line of this one
+/// @endcode
 
 #include <cstddef>
 

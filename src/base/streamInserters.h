@@ -5,6 +5,7 @@
 /// stream is set to. The digits are inserted as one C string, so a field width applies to them as
 /// to any text.
 /// @code
+/// const long long count = 255;
 /// Kr::operator<<(std::cout << std::hex, count) << '\n'; // decimal all the same
 /// @endcode
 ///

@@ -4,12 +4,12 @@
 /// Adds up the time of several spans.
 /// @code
 /// Kr::Timer<Kr::HwIntervalTimer> waiting("waiting for the disk");
-/// while (const Block* block = blocks.next())
+/// while (nextFrame())
 /// {
 ///     waiting.start();
-///     load(*block);
+///     load();
 ///     waiting.stop();
-///     draw(*block);
+///     render();
 /// }
 /// std::cout << waiting.getSeconds() << " s\n";
 /// @endcode

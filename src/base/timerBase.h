@@ -2,6 +2,12 @@
 
 /// @file
 /// What a `Timer` offers, whatever its stopwatch.
+/// @code{.cpp}
+/// void report(const Kr::TimerBase& timer)
+/// {
+///     std::cout << timer.getName() << ": " << timer.getSeconds() << " s\n";
+/// }
+/// @endcode
 
 #include <base/krBaseApi.h>
 

@@ -2,7 +2,12 @@
 
 /// @file
 /// The stopwatch over the time of day, in milliseconds.
-///
+/// @code
+/// Kr::TodIntervalTimer session("session");
+/// session.start();
+/// render();
+/// std::cout << "running for " << session.sinceStart() << " s of the wall clock\n";
+/// @endcode
 /// Pitfall: when the time of day is set, an interval jumps with it and can be negative. Use
 /// `HwIntervalTimer` unless the interval is to agree with the wall clock.
 

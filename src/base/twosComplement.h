@@ -4,7 +4,7 @@
 /// Two's-complement arithmetic that wraps around, for the places where wrapping is the defined
 /// result: the built-in operators leave signed overflow undefined.
 /// @code
-/// const std::int32_t product = Kr::TwosComplement::multiply(a, b); // modulo 2^32
+/// const std::int32_t product = Kr::TwosComplement::multiply(65536, 65537); // 65536, modulo 2^32
 /// @endcode
 
 #include <cstdint>

@@ -2,6 +2,10 @@
 
 /// @file
 /// `Kr::Vector<T>`: the standard vector under the library's own name.
+/// @code
+/// Kr::Vector<int> widths{640, 1280};
+/// widths.push_back(1920);
+/// @endcode
 
 #include <vector>
 

@@ -1,13 +1,33 @@
 #pragma once
 
-// What the examples in the headers take for granted.
+// What the examples take for granted: they are parts of a viewer.
 
+#include <base/dtRefTime.h>
+#include <base/dtTimeCode.h>
+#include <base/inInitGuard.h>
+#include <base/inOptionParser.h>
+#include <base/lgTypes.h>
+#include <base/osMemoryArch.h>
+#include <base/profiler.h>
+#include <base/rational.h>
+#include <base/trace.h>
+
+#include <cassert>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
 #include <sstream>
 #include <string>
 #include <vector>
+
+extern int argc;
+extern const char* const* argv;
+
+bool nextFrame();
+void load();
+void render();
+template <class Thing>
+void draw(const Thing& thing);
 
 struct Shape
 {
