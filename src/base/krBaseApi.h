@@ -11,7 +11,7 @@
 /// };
 /// @endcode
 
-#if defined(_WIN32)
+#if defined(_WIN32) // the one place outside the platform layer: export and import differ
 #if defined(KR_BASE_BUILD)
 #define KR_BASE_API __declspec(dllexport)
 #else
