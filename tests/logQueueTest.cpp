@@ -607,9 +607,9 @@ TEST_P(LogQueueThreads, EveryMessageIsAccountedFor)
 INSTANTIATE_TEST_SUITE_P(Traffic, LogQueueThreads,
                          testing::Values(Traffic{"patient", 1024, 32768, true, 2000000},
                                          Traffic{"flood", 1024, 32768, false, 2000000},
-                                         Traffic{"smallPatient", 8, 64, true, 500000},
-                                         Traffic{"smallEntries", 4, 4096, false, 1000000},
-                                         Traffic{"smallCharacters", 64, 16, false, 1000000}),
+                                         Traffic{"smallPatient", 8, 64, true, 200000},
+                                         Traffic{"smallEntries", 4, 4096, false, 400000},
+                                         Traffic{"smallCharacters", 64, 16, false, 400000}),
                          [](const auto& test) { return std::string(test.param.name); });
 
 } // namespace
