@@ -5,7 +5,6 @@
 // burst. The time column is the mean of whole bursts, with whatever interrupted them.
 
 #include <base/hwCounter.h>
-#include <base/lgGroups.h>
 #include <base/lgQueue.h>
 
 #include <benchmark/benchmark.h>
@@ -231,35 +230,6 @@ void BM_ostringstream(benchmark::State& state)
 BENCHMARK_TEMPLATE(BM_ostringstream, Constant)->Apply(manual);
 BENCHMARK_TEMPLATE(BM_ostringstream, IntAndDouble)->Apply(manual);
 
-// Statements that are switched off
-
-std::atomic<const Kr::LgMinorGroup*> offGroup{nullptr};
-
-/// An iteration is 16 statements: divide by 16.
-void BM_disabledStatementsTimes16(benchmark::State& state)
-{
-    const Kr::LgMajorGroup major;
-    const Kr::LgMinorGroup group(major, "off");
-    offGroup = &group;
-    Kr::LgQueue queue(0);
-    const auto statement = [&]
-    {
-        if (offGroup.load(std::memory_order_relaxed)->isLevelEnabled(Kr::LgTypes::Tracing) &&
-            queue.reserveEntry(Kr::LgTypes::Tracing))
-        {
-            queue.getStream() << constantText;
-            queue.addEntry();
-        }
-    };
-    for (auto _ : state)
-    {
-#define FOUR(what) what(), what(), what(), what()
-#define SIXTEEN(what) FOUR(what), FOUR(what), FOUR(what), FOUR(what)
-        SIXTEEN(statement);
-    }
-}
-BENCHMARK(BM_disabledStatementsTimes16);
-
 // Values
 
 enum Kind
@@ -301,59 +271,55 @@ void BM_valueLgStream(benchmark::State& state)
         });
 }
 
+/// The peers append to a plain buffer. `append(to, value)` returns the new end.
+template <Kind kind, class Append>
+void measureAppend(benchmark::State& state, Append append)
+{
+    const auto values = makeValues<kind>();
+    std::vector<char> buffer(burst * 400);
+    char* to = buffer.data();
+    measure(
+        state, [&](int i) { to = append(to, values[static_cast<std::size_t>(i)]); },
+        [&]
+        {
+            benchmark::DoNotOptimize(buffer.data());
+            benchmark::ClobberMemory();
+            to = buffer.data();
+        });
+}
+
 template <Kind kind>
 void BM_valueSnprintf(benchmark::State& state)
 {
-    const auto values = makeValues<kind>();
-    char text[400];
-    measure(
-        state,
-        [&](int i)
-        {
-            std::snprintf(text, sizeof text, kind == Ints ? "%d" : "%f",
-                          values[static_cast<std::size_t>(i)]);
-            benchmark::ClobberMemory();
-        },
-        [] {});
+    measureAppend<kind>(state, [](char* to, auto value)
+                        { return to + std::snprintf(to, 400, kind == Ints ? "%d" : "%f", value); });
 }
 
 template <Kind kind>
 void BM_valueToChars(benchmark::State& state)
 {
-    const auto values = makeValues<kind>();
-    char text[400];
-    measure(
+    measureAppend<kind>(
         state,
-        [&](int i)
+        [](char* to, auto value)
         {
-            const auto value = values[static_cast<std::size_t>(i)];
             if constexpr (kind == Ints)
-                benchmark::DoNotOptimize(std::to_chars(text, text + sizeof text, value));
+                return std::to_chars(to, to + 400, value).ptr;
             else
-                benchmark::DoNotOptimize(
-                    std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, 6));
-            benchmark::ClobberMemory();
-        },
-        [] {});
+                return std::to_chars(to, to + 400, value, std::chars_format::fixed, 6).ptr;
+        });
 }
 
 template <Kind kind>
 void BM_valueFmt(benchmark::State& state)
 {
-    const auto values = makeValues<kind>();
-    char text[400];
-    measure(
-        state,
-        [&](int i)
-        {
-            const auto value = values[static_cast<std::size_t>(i)];
-            if constexpr (kind == Ints)
-                benchmark::DoNotOptimize(fmt::format_to(text, FMT_STRING("{}"), value));
-            else
-                benchmark::DoNotOptimize(fmt::format_to(text, FMT_STRING("{:f}"), value));
-            benchmark::ClobberMemory();
-        },
-        [] {});
+    measureAppend<kind>(state,
+                        [](char* to, auto value)
+                        {
+                            if constexpr (kind == Ints)
+                                return fmt::format_to(to, FMT_STRING("{}"), value);
+                            else
+                                return fmt::format_to(to, FMT_STRING("{:f}"), value);
+                        });
 }
 
 #define VALUE_BENCHMARKS(kind)                                                                     \

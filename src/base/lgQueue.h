@@ -84,10 +84,10 @@ public:
     /// Takes the next entry, with the time of now, for a message of that level, whose text is then
     /// appended to the stream. If it returns false the message is refused, because a ring is full
     /// or the queue is suppressed: append nothing.
-    bool reserveEntry(LgTypes::Level level);
+    inline bool reserveEntry(LgTypes::Level level);
 
     /// Hands the message to the consumer. A message without text is dropped.
-    void addEntry();
+    inline void addEntry();
 
     /// Asks the observer to wait for room; returns at once if there is none. What the amount counts
     /// is between the caller and its observer.
@@ -112,10 +112,10 @@ public:
     LgStream& getStream() noexcept { return _stream; }
     const LgStream& getStream() const noexcept { return _stream; }
 
-    bool isEmpty() const noexcept;
+    inline bool isEmpty() const noexcept;
 
     /// Whether there is no room for a message. There may still be for an overflow entry.
-    bool isFull() const noexcept;
+    inline bool isFull() const noexcept;
 
     unsigned long getThreadId() const noexcept { return _threadId; }
     static constexpr unsigned int getMaxSize() noexcept { return defaultNumEntries - 1; }
@@ -194,7 +194,7 @@ private:
     /// Set in the word of an overflow entry that the consumer has seen: it counts no more.
     static constexpr std::uint32_t closedBit = 0x80000000;
 
-    void setMessage(LgTypes::Level level, std::uint64_t ticks) noexcept;
+    inline void setMessage(LgTypes::Level level, std::uint64_t ticks) noexcept;
     void setFirstLoss(std::uint64_t ticks) noexcept;
     bool countIfOpen() noexcept;
     void close() noexcept;

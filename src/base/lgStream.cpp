@@ -116,53 +116,6 @@ LgStream& LgStream::operator<<(std::string_view text)
     return append(text.data(), text.size());
 }
 
-/// Writes straight into the ring where it has room for any number, else by way of a copy.
-template <class Value>
-LgStream& LgStream::appendNumber(Value value)
-{
-    if (_room >= numberRoom && _writePosition + numberRoom <= _mask)
-    {
-        char* const to = _buffer.get() + _writePosition;
-        const auto length = static_cast<unsigned int>(LgFormat::write(to, value) - to);
-        _writePosition += length;
-        _room -= length;
-        _outputFlags |= TextWritten;
-        return *this;
-    }
-    char text[numberRoom];
-    return append(text, static_cast<std::size_t>(LgFormat::write(text, value) - text));
-}
-
-LgStream& LgStream::operator<<(int value)
-{
-    return appendNumber(value);
-}
-
-LgStream& LgStream::operator<<(unsigned int value)
-{
-    return appendNumber(value);
-}
-
-LgStream& LgStream::operator<<(long value)
-{
-    return appendNumber(value);
-}
-
-LgStream& LgStream::operator<<(unsigned long value)
-{
-    return appendNumber(value);
-}
-
-LgStream& LgStream::operator<<(long long value)
-{
-    return appendNumber(value);
-}
-
-LgStream& LgStream::operator<<(unsigned long long value)
-{
-    return appendNumber(value);
-}
-
 LgStream& LgStream::operator<<(double value)
 {
     if (LgFormat::isEveryday(value))

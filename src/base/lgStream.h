@@ -25,6 +25,7 @@
 /// message of an `LgQueue`, nothing is appended after `ends` or once a full ring has cut it.
 
 #include <base/krBaseApi.h>
+#include <base/lgFormat.h>
 
 #include <atomic>
 #include <cstdint>
@@ -71,12 +72,12 @@ public:
     // The text that the format beside it gives in the "C" locale.
     LgStream& operator<<(short value) { return *this << static_cast<int>(value); }    ///< "%hd"
     LgStream& operator<<(unsigned short value) { return *this << unsigned{value}; }   ///< "%hu"
-    LgStream& operator<<(int value);                                                  ///< "%d"
-    LgStream& operator<<(unsigned int value);                                         ///< "%u"
-    LgStream& operator<<(long value);                                                 ///< "%ld"
-    LgStream& operator<<(unsigned long value);                                        ///< "%lu"
-    LgStream& operator<<(long long value);                                            ///< "%lld"
-    LgStream& operator<<(unsigned long long value);                                   ///< "%llu"
+    LgStream& operator<<(int value) { return appendNumber(value); }                   ///< "%d"
+    LgStream& operator<<(unsigned int value) { return appendNumber(value); }          ///< "%u"
+    LgStream& operator<<(long value) { return appendNumber(value); }                  ///< "%ld"
+    LgStream& operator<<(unsigned long value) { return appendNumber(value); }         ///< "%lu"
+    LgStream& operator<<(long long value) { return appendNumber(value); }             ///< "%lld"
+    LgStream& operator<<(unsigned long long value) { return appendNumber(value); }    ///< "%llu"
     LgStream& operator<<(float value) { return *this << static_cast<double>(value); } ///< "%f"
     LgStream& operator<<(double value);                                               ///< "%f"
     LgStream& operator<<(long double value);                                          ///< "%Lf"
@@ -144,16 +145,16 @@ private:
     inline void copyIn(const char* text, unsigned int length) noexcept;
     void appendTight(const char* text, std::size_t length) noexcept;
     template <class Value>
-    LgStream& appendNumber(Value value);
+    inline LgStream& appendNumber(Value value);
 
-    void publish() noexcept;
+    inline void publish() noexcept;
     void publishTight() noexcept;
     inline void stepOverTerminator() noexcept;
 
     /// What `LgQueue` calls around a message.
     bool hasRoom() noexcept { return _room != 0 || updateRoom(); }
-    void beginMessage() noexcept;
-    void endMessage() noexcept;
+    inline void beginMessage() noexcept;
+    inline void endMessage() noexcept;
 
     bool updateRoom() noexcept;
     unsigned int getRoom(unsigned int readPosition) const noexcept;
@@ -235,6 +236,23 @@ inline void LgStream::endMessage() noexcept
     if (!_completed)
         publish();
     _message = Message::None;
+}
+
+/// Writes straight into the ring where it has room for any number, else by way of a copy.
+template <class Value>
+inline LgStream& LgStream::appendNumber(Value value)
+{
+    if (_room >= numberRoom && _writePosition + numberRoom <= _mask)
+    {
+        char* const to = _buffer.get() + _writePosition;
+        const auto length = static_cast<unsigned int>(LgFormat::write(to, value) - to);
+        _writePosition += length;
+        _room -= length;
+        _outputFlags |= TextWritten;
+        return *this;
+    }
+    char text[numberRoom];
+    return append(text, static_cast<std::size_t>(LgFormat::write(text, value) - text));
 }
 
 } // namespace Kr
