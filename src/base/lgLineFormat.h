@@ -1,7 +1,8 @@
 #pragma once
 
 /// @file
-/// How a record of the log reads: one line of text in columns, or one JSON object.
+/// Internal to the library: how a record of the log reads, one line of text in columns, or one JSON
+/// object.
 /// @verbatim
 /// 2026-11-21T07:33:08.123456Z  Warning         4711:main     Database      no index, scanning
 /// {"time":"2026-11-21T07:33:08.123456Z","level":"Warning","process":4711,"thread":0,...}
