@@ -6,11 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <cfloat>
-#include <clocale>
 #include <cmath>
 #include <cstdio>
 #include <limits>
-#include <memory>
 #include <random>
 #include <string>
 #include <thread>
