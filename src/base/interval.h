@@ -20,8 +20,7 @@
 ///   guaranteed); zero times infinity is zero, since no value of an interval is infinite. A NaN end
 ///   is kept: the interval contains nothing, meets nothing and makes what it enters NaN;
 /// - integers: ends saturate at the type's limits instead of wrapping around, and division
-/// truncates
-///   toward zero.
+///   truncates toward zero.
 ///
 /// A value type; distinct intervals can be used by distinct threads.
 /// Source: R. E. Moore, Interval Analysis, 1966.

@@ -11,7 +11,7 @@
 ///
 /// Pitfall: `std::cout << count` takes the standard's own inserter, which obeys the stream's
 /// settings. The two would be ambiguous inside the namespace `Kr` and under `using namespace Kr`;
-/// these are templates so that the standard's one is preferred there. Tick counts (`DtTimeIndex`)
+/// this one is a template so that the standard's is preferred there. Tick counts (`DtTimeIndex`)
 /// always print through these.
 
 #include <base/krBaseApi.h>
@@ -22,23 +22,18 @@
 namespace Kr
 {
 
-/// What the operators below do.
+/// What the operator below does.
 KR_BASE_API std::ostream& insertDecimal(std::ostream& stream, long long value);
 KR_BASE_API std::ostream& insertDecimal(std::ostream& stream, unsigned long long value);
 
-/// Inserts a `long long`: a minus sign if negative, and the digits.
-template <class Integer, std::enable_if_t<std::is_same_v<Integer, long long>, int> = 0>
+/// Inserts a `long long`, or a `long` of 64 bits, signed or unsigned: a minus sign if negative, and
+/// the digits.
+template <class Integer,
+          std::enable_if_t<std::is_integral_v<Integer> && sizeof(Integer) == 8, int> = 0>
 std::ostream& operator<<(std::ostream& stream, const Integer& value)
 {
-    return insertDecimal(stream, value);
-}
-
-/// Inserts an `unsigned long long`.
-template <class Integer, std::enable_if_t<std::is_same_v<Integer, unsigned long long>, int> = 0,
-          class = void>
-std::ostream& operator<<(std::ostream& stream, const Integer& value)
-{
-    return insertDecimal(stream, value);
+    using Long = std::conditional_t<std::is_signed_v<Integer>, long long, unsigned long long>;
+    return insertDecimal(stream, static_cast<Long>(value));
 }
 
 } // namespace Kr
