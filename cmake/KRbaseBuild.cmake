@@ -12,8 +12,10 @@ find_package(Threads REQUIRED)
 
 # Flags of everything built here; a consumer of the installed package gets none of them.
 add_library(kr_build_flags INTERFACE)
+# Nothing replaces the library's own functions, so its calls of them may be inlined and direct.
 target_compile_options(kr_build_flags INTERFACE
     -ffp-contract=off
+    -fno-semantic-interposition
     -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
 add_library(kr_warnings INTERFACE)
 target_compile_options(kr_warnings INTERFACE

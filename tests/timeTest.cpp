@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <iomanip>
 #include <limits>
@@ -139,6 +140,10 @@ TEST(StreamInserters, PrintPlainDecimalWhateverTheStreamIsSetTo)
     Kr::operator<<(stream, std::numeric_limits<unsigned long long>::max()) << ' ';
     stream << DtTimeIndex(255) << ' ' << DtTime(255, film);
     EXPECT_EQ("-9223372036854775808 18446744073709551615 255 (255 @ (0x18/0x1=+24))", stream.str());
+    stream.str("");
+    Kr::operator<<(stream, std::numeric_limits<std::uint64_t>::max()) << ' '; // `long` on some
+    Kr::operator<<(stream, std::numeric_limits<std::int64_t>::min());
+    EXPECT_EQ("18446744073709551615 -9223372036854775808", stream.str());
     stream.str("");
     stream << 255LL; // the standard's own inserter, not ambiguous
     EXPECT_EQ("0xff", stream.str());
@@ -863,7 +868,20 @@ TEST(ManyValues, SumsAreExactBelowAMillionTicksPerSecond)
 
 #endif
 
-/// Whatever road a sum takes, it is that of both times converted to its rate.
+/// The stated rate of a combination, in 32-bit arithmetic from end to end.
+Rational getCommonRate(const Rational& a, const Rational& b)
+{
+    const auto multiply = [](std::int32_t x, std::int32_t y)
+    { return static_cast<std::int32_t>(static_cast<std::uint32_t>(std::int64_t{x} * y)); };
+    const Rational product(multiply(a.getNumerator(), b.getNumerator()),
+                           multiply(a.getDenominator(), b.getDenominator()));
+    const std::int32_t sign = product.getNumerator() > 0 ? 1 : -1;
+    if (std::abs(std::int64_t{product.getNumerator()}) >= 1000001)
+        return Rational(sign * 1000000, 1);
+    return product.getDenominator() >= 1000001 ? Rational(sign, 1000000) : product;
+}
+
+/// Whatever road a sum takes, it is that of both times converted to the common rate.
 TEST(ManyValues, SumsAreThoseOfTheConvertedTimes)
 {
     AdversarialValues values;
@@ -876,6 +894,9 @@ TEST(ManyValues, SumsAreThoseOfTheConvertedTimes)
         {
             const DtTime sum = a + b;
             const Rational rate = sum.getRate();
+            ASSERT_EQ(a.isRateEqual(b) ? a.getRate() : getCommonRate(a.getRate(), b.getRate()),
+                      rate)
+                << a << b;
             ASSERT_EQ(a.convertRate(rate).getCount() + b.convertRate(rate).getCount(),
                       sum.getCount())
                 << a << b;

@@ -16,27 +16,23 @@ namespace
 /// The most ticks per second, and seconds per tick, of a common rate.
 constexpr std::int32_t greatestCommonTerm = 1000000;
 
-struct CommonRate
+bool isWithinLimits(const Rational& rate) noexcept
 {
-    Rational rate;
-    bool isProduct; ///< neither wrapped around nor clamped
-};
+    return TwosComplement::magnitude(rate.getNumerator()) <= greatestCommonTerm &&
+           rate.getDenominator() <= greatestCommonTerm;
+}
 
-/// The product of both rates, whose ticks divide those of either: 24/1 and 25/1 meet at 600/1.
-CommonRate getCommonRate(const Rational& a, const Rational& b)
+/// The product of both rates in 32-bit arithmetic, clamped.
+Rational getClampedRate(const Rational& a, const Rational& b)
 {
-    const std::int64_t numerator = std::int64_t{a.getNumerator()} * b.getNumerator();
-    const std::int64_t denominator = std::int64_t{a.getDenominator()} * b.getDenominator();
-    const auto wrappedNumerator = static_cast<std::int32_t>(numerator);
-    const auto wrappedDenominator = static_cast<std::int32_t>(denominator);
-    const Rational product(wrappedNumerator, wrappedDenominator);
+    const Rational product(TwosComplement::multiply(a.getNumerator(), b.getNumerator()),
+                           TwosComplement::multiply(a.getDenominator(), b.getDenominator()));
     const std::int32_t sign = product.getNumerator() > 0 ? 1 : -1;
     if (TwosComplement::magnitude(product.getNumerator()) > greatestCommonTerm)
-        return {Rational(sign * greatestCommonTerm, 1), false};
+        return Rational(sign * greatestCommonTerm, 1);
     if (product.getDenominator() > greatestCommonTerm)
-        return {Rational(sign, greatestCommonTerm), false};
-    return {product, numerator == wrappedNumerator && denominator == wrappedDenominator &&
-                         product.getDenominator() > 0};
+        return Rational(sign, greatestCommonTerm);
+    return product;
 }
 
 /// `DtTimeIndex::convert` from a rate to its product with another, whose factor is the other rate.
@@ -78,21 +74,24 @@ DtTime& DtTime::combine(const DtTime& other, Operation operation)
         operation(_count, other._count);
         return *this;
     }
-    const CommonRate common = getCommonRate(_rate, other._rate);
+    // The ticks of either rate are whole at the product: 24/1 and 25/1 meet at 600/1.
+    const bool fits = Rational::canMultiply(_rate, other._rate);
+    Rational rate = fits ? Rational::multiply(_rate, other._rate) : Rational();
     DtTimeIndex count, otherCount;
-    if (common.isProduct)
+    if (fits && isWithinLimits(rate))
     {
         count = scale(_count, other._rate);
         otherCount = scale(other._count, _rate);
     }
     else
     {
-        count = convertRate(common.rate)._count;
-        otherCount = other.convertRate(common.rate)._count;
+        rate = getClampedRate(_rate, other._rate);
+        count = convertRate(rate)._count;
+        otherCount = other.convertRate(rate)._count;
     }
     operation(count, otherCount);
     _count = count;
-    _rate = common.rate;
+    _rate = rate;
     return *this;
 }
 

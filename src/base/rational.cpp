@@ -12,30 +12,71 @@
 namespace Kr
 {
 
-void Rational::setValue(std::int32_t numerator, std::int32_t denominator)
+namespace
+{
+
+constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
+
+/// @param denominator above 0
+std::int32_t getCommonDivisor(std::int32_t numerator, std::int32_t denominator) noexcept
+{
+    if (denominator == 1)
+        return 1;
+    // One division first: it is all that whole rates need, and evens out terms of unlike size.
+    const std::int32_t remainder = numerator % denominator;
+    return remainder == 0 ? denominator : std::gcd(remainder, denominator);
+}
+
+} // namespace
+
+Rational Rational::normalise(std::int32_t numerator, std::int32_t denominator)
 {
     if (denominator == 0)
         raise<RationalEx::ExDenominatorZero>(KR_HERE_AT(63));
-    _numerator = denominator > 0 ? numerator : TwosComplement::negate(numerator);
-    _denominator = denominator > 0 ? denominator : TwosComplement::negate(denominator);
-    if (_numerator == 0)
-        _denominator = 1;
+    Rational value;
+    value._numerator = denominator > 0 ? numerator : TwosComplement::negate(numerator);
+    value._denominator = denominator > 0 ? denominator : TwosComplement::negate(denominator);
+    if (value._numerator == 0)
+        value._denominator = 1;
     else
-        lowestTerms();
+        value.lowestTerms();
+    return value;
 }
 
 void Rational::lowestTerms() noexcept
 {
-    constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
     if (_numerator == least || _denominator == least)
         return; // neither has an absolute value in 32 bits: such fractions stay as they are
-    // One division first: it is all that whole rates need, and evens out terms of unlike size.
-    const std::int32_t remainder = _numerator % _denominator;
-    const std::int32_t divisor = remainder == 0 ? _denominator : std::gcd(remainder, _denominator);
+    const std::int32_t divisor = getCommonDivisor(_numerator, _denominator);
     if (divisor == 1)
         return;
     _numerator /= divisor;
     _denominator /= divisor;
+}
+
+bool Rational::canMultiply(const Rational& a, const Rational& b) noexcept
+{
+    std::int32_t numerator = 0;
+    std::int32_t denominator = 0;
+    return !__builtin_mul_overflow(a._numerator, b._numerator, &numerator) &&
+           !__builtin_mul_overflow(a._denominator, b._denominator, &denominator) &&
+           numerator != least && denominator > 0;
+}
+
+Rational Rational::multiply(const Rational& a, const Rational& b) noexcept
+{
+    // Both are in lowest terms, so only a term of one and a term of the other share a divisor.
+    const std::int32_t divisor = getCommonDivisor(a._numerator, b._denominator) *
+                                 getCommonDivisor(b._numerator, a._denominator);
+    Rational product;
+    product._numerator = a._numerator * b._numerator;
+    product._denominator = a._denominator * b._denominator;
+    if (divisor != 1)
+    {
+        product._numerator /= divisor;
+        product._denominator /= divisor;
+    }
+    return product;
 }
 
 void Rational::dump(std::ostream& stream) const

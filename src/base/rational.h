@@ -37,11 +37,17 @@ public:
     }
 
     /// See `setValue`.
-    Rational(std::int32_t numerator, std::int32_t denominator) { setValue(numerator, denominator); }
+    Rational(std::int32_t numerator, std::int32_t denominator)
+        : Rational(normalise(numerator, denominator))
+    {
+    }
 
     /// Stores the fraction in lowest terms with a positive denominator; a zero is stored as 0/1.
     /// @throws RationalEx::ExDenominatorZero if `denominator` is 0; the value is then unchanged
-    void setValue(std::int32_t numerator, std::int32_t denominator);
+    void setValue(std::int32_t numerator, std::int32_t denominator)
+    {
+        *this = normalise(numerator, denominator);
+    }
 
     /// Carries the sign of the value.
     std::int32_t getNumerator() const noexcept { return _numerator; }
@@ -62,7 +68,15 @@ public:
     void dump(std::ostream& stream) const;
 
 private:
+    friend class DtTime;
+
+    // By value, so that the fraction travels in registers.
+    static Rational normalise(std::int32_t numerator, std::int32_t denominator);
     void lowestTerms() noexcept;
+
+    /// The product of fractions whose terms have products of 32 bits.
+    static Rational multiply(const Rational& a, const Rational& b) noexcept;
+    static bool canMultiply(const Rational& a, const Rational& b) noexcept;
 
     std::int32_t _numerator;
     std::int32_t _denominator;
