@@ -445,6 +445,8 @@ TEST(LogQueue, MisuseFailsItsCheck)
     entry.incOverflowCount();
     entry.setOverflowEntry(true);
     EXPECT_EQ(2, entry.getOverflowCount());
+    const LgQueue::Entry copy = entry;
+    EXPECT_EQ(2, copy.getOverflowCount());
     expectAssertion("!_oflow", file, 57, [&] { entry.getLevel(); });
     expectAssertion("!_oflow", file, 95, [&] { entry.setLevel(LgTypes::Error); });
     entry.setOverflowEntry(false);

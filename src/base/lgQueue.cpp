@@ -114,13 +114,13 @@ LgQueue::Observer::~Observer() = default;
 int LgQueue::Entry::getOverflowCount() const
 {
     KR_ASSERT_AT(_oflow, 49);
-    return static_cast<int>(_word.load(std::memory_order_relaxed) & ~closedBit);
+    return static_cast<int>(getWord());
 }
 
 LgTypes::Level LgQueue::Entry::getLevel() const
 {
     KR_ASSERT_AT(!_oflow, 57);
-    return static_cast<LgTypes::Level>(_word.load(std::memory_order_relaxed));
+    return static_cast<LgTypes::Level>(getWord());
 }
 
 void LgQueue::Entry::setOverflowEntry(bool overflow) noexcept

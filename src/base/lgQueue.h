@@ -165,6 +165,21 @@ class KR_BASE_API LgQueue::Entry
 public:
     constexpr Entry() noexcept = default;
 
+    /// A copy is the caller's own; the copy of an overflow entry that was read can count on.
+    Entry(const Entry& other) noexcept
+        : _oflow(other._oflow)
+        , _word(other.getWord())
+        , _timeStamp(other._timeStamp)
+    {
+    }
+    Entry& operator=(const Entry& other) noexcept
+    {
+        _oflow = other._oflow;
+        _word.store(other.getWord(), std::memory_order_relaxed);
+        _timeStamp = other._timeStamp;
+        return *this;
+    }
+
     bool isOverflowEntry() const noexcept { return _oflow; }
 
     /// How many messages were lost. Raises `ExInternalError` if this is a message.
@@ -198,6 +213,11 @@ private:
     void setFirstLoss(std::uint64_t ticks) noexcept;
     bool countIfOpen() noexcept;
     void close() noexcept;
+
+    std::uint32_t getWord() const noexcept
+    {
+        return _word.load(std::memory_order_relaxed) & ~closedBit;
+    }
 
     bool _oflow = false;
     std::atomic<std::uint32_t> _word{0}; // the level or the count
