@@ -267,6 +267,38 @@ TEST_F(LogReader, AFailingFileIsNotTriedAtEveryTurn)
     EXPECT_EQ(registry.getLostCount(), 100U);
 }
 
+/// The messages for which an overflow record stands are counted by the reader; when the record is
+/// lost as well, the outage's record tells of them, and no message counts twice.
+TEST_F(LogReader, AnOverflowRecordThatIsLostIsNoMessage)
+{
+    const auto queue = addQueue(1);
+    memory.fails = true;
+    testing::internal::CaptureStderr();
+    constexpr int messages = 20000;
+    for (int i = 0; i < messages; ++i)
+    {
+        log(*queue, std::string(200, 'o'));
+        if (i % 2000 == 1999)
+            reader.flushAll();
+    }
+    testing::internal::GetCapturedStderr();
+    EXPECT_GT(reader.getOverflowCount(), 0U);
+    memory.fails = false;
+    std::uint64_t written = 0;
+    std::uint64_t reported = 0;
+    for (const std::string& text : texts())
+    {
+        unsigned long count = 0;
+        if (std::sscanf(text.c_str(), "Event overflow [%lu]", &count) == 1 ||
+            std::sscanf(text.c_str(), "%lu messages were lost", &count) == 1)
+            reported += count;
+        else
+            ++written;
+    }
+    EXPECT_EQ(written + reported, messages);
+    EXPECT_EQ(written + reader.getOverflowCount() + registry.getLostCount(), messages);
+}
+
 struct LineCase
 {
     const char* group;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <limits>
 #include <string_view>
 
 namespace Kr
@@ -25,9 +26,10 @@ LgOutput::LgOutput(std::unique_ptr<LgFile> file, const std::string& name, LgLine
     , _isFailing(false)
     , _hasComplained(false)
     , _lost(0)
-    , _reportedLost(0)
+    , _unreported(0)
 {
     _waiting.reserve(maxWaiting + 3 * batchSize); // behind a full buffer, the longest line
+    _reportEnds.reserve(1024);
 }
 
 LgOutput::~LgOutput()
@@ -38,21 +40,36 @@ LgOutput::~LgOutput()
 void LgOutput::close()
 {
     flush(true);
-    _lost += static_cast<std::uint64_t>(std::count(_waiting.begin(), _waiting.end(), '\n'));
+    const auto records = std::count(_waiting.begin(), _waiting.end(), '\n');
+    _lost += static_cast<std::size_t>(records) - _reportEnds.size();
     _waiting.clear();
+    _reportEnds.clear();
 }
 
 void LgOutput::write(const LgRecord& record)
+{
+    if (!append(record))
+    {
+        _lost += record.lost == 0 ? 1 : 0;
+        _unreported += static_cast<std::uint64_t>(std::max(record.lost, 1));
+    }
+    if (_waiting.size() >= _maxBatch)
+        flush();
+}
+
+/// Puts the record behind those that wait, unless it finds no room.
+bool LgOutput::append(const LgRecord& record)
 {
     const std::size_t before = _waiting.size();
     _format.append(_waiting, record);
     if (_waiting.size() > maxWaiting)
     {
         _waiting.resize(before);
-        ++_lost;
+        return false;
     }
-    if (_waiting.size() >= _maxBatch)
-        flush();
+    if (record.lost != 0)
+        _reportEnds.push_back(_waiting.size());
+    return true;
 }
 
 void LgOutput::flush(bool now)
@@ -85,8 +102,18 @@ bool LgOutput::writeBatch()
     const std::size_t size = nextBatch();
     if (!_file->append(_waiting.data(), size))
         return false;
-    _waiting.erase(0, size);
+    takeWritten(size);
     return true;
+}
+
+void LgOutput::takeWritten(std::size_t size)
+{
+    _waiting.erase(0, size);
+    const auto isBehind = [size](std::size_t end) { return end > size; };
+    const auto behind = std::find_if(_reportEnds.begin(), _reportEnds.end(), isBehind);
+    _reportEnds.erase(_reportEnds.begin(), behind);
+    for (std::size_t& end : _reportEnds)
+        end -= size;
 }
 
 /// As many whole lines as fit into a batch, or one that does not.
@@ -114,13 +141,14 @@ void LgOutput::beginOutage()
 void LgOutput::endOutage()
 {
     _isFailing = false;
-    const std::uint64_t lost = getLostCount();
-    if (lost == _reportedLost)
+    if (_unreported == 0)
         return;
     const std::string text =
-        std::to_string(lost - _reportedLost) + " messages were lost: the log could not be written";
-    _reportedLost = lost;
-    _format.append(_waiting, {LgTypes::Warning, HwCounter::timeStamp(), 0, "Logger", text, 0});
+        std::to_string(_unreported) + " messages were lost: the log could not be written";
+    const auto lost =
+        static_cast<int>(std::min<std::uint64_t>(_unreported, std::numeric_limits<int>::max()));
+    _unreported = 0;
+    append({LgTypes::Warning, HwCounter::timeStamp(), 0, "Logger", text, lost});
     if (!writeWaiting())
         beginOutage();
 }

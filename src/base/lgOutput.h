@@ -19,6 +19,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace Kr
 {
@@ -51,13 +52,16 @@ public:
     /// Writes the buffer and returns when it is on the disk.
     void sync();
 
-    /// How many records were lost. May be called by any thread.
+    /// How many messages were lost here: records that report others' loss do not count. May be
+    /// called by any thread.
     std::uint64_t getLostCount() const { return _lost.load(std::memory_order_relaxed); }
 
 private:
+    bool append(const LgRecord& record);
     bool writeWaiting();
     bool writeBatch();
     std::size_t nextBatch() const;
+    void takeWritten(std::size_t size);
     void beginOutage();
     void endOutage();
 
@@ -66,11 +70,12 @@ private:
     LgLineFormat& _format;
     const std::size_t _maxBatch;
     std::string _waiting;
+    std::vector<std::size_t> _reportEnds; ///< where the records in it end that report a loss
     bool _isFailing;
     bool _hasComplained;
     std::chrono::steady_clock::time_point _nextTry;
     std::atomic<std::uint64_t> _lost;
-    std::uint64_t _reportedLost;
+    std::uint64_t _unreported; ///< lost messages of which the file does not tell
 };
 
 } // namespace Kr
