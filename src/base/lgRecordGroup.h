@@ -7,6 +7,7 @@
 
 #include <base/lgStream.h>
 
+#include <algorithm>
 #include <string_view>
 
 namespace Kr
@@ -20,16 +21,14 @@ public:
         stream << separator << name << separator;
     }
 
-    /// Takes the group's name off the head of the text.
+    /// Takes the group's name off the head of the text. A full ring may have cut all that follows.
     static void split(std::string_view& text, std::string_view& group)
     {
         if (text.empty() || text.front() != separator)
             return;
-        const std::size_t end = text.find(separator, 1);
-        if (end == text.npos)
-            return;
+        const std::size_t end = std::min(text.find(separator, 1), text.size());
         group = text.substr(1, end - 1);
-        text.remove_prefix(end + 1);
+        text.remove_prefix(std::min(end + 1, text.size()));
     }
 
 private:
