@@ -1,10 +1,10 @@
 #include <base/lgLog.h>
 
-#include <base/inInitMgr.h>
 #include <base/lgGroups.h>
 #include <base/lgLogState.h>
 #include <base/lgProducer.h>
 #include <base/lgTimeline.h>
+#include <base/osEnv.h>
 
 #include <iostream>
 
@@ -13,7 +13,7 @@ namespace Kr
 
 void LgLog::init()
 {
-    auto session = std::make_unique<LgSession>(LgSettings::read(InInitMgr::getEnv, std::cout));
+    auto session = std::make_unique<LgSession>(LgSettings::read(OsEnv::getVariable, std::cout));
     LgMajorGroup::initializeFromEnvironment();
     LgLogState::start(std::move(session));
 }
@@ -26,7 +26,7 @@ void LgLog::destroy()
 
 LgQueue* LgLog::getQueue() noexcept
 {
-    LgProducer* producer = LgLogState::getProducer();
+    LgProducer* producer = LgLogState::getLastingProducer();
     return producer != nullptr ? producer->getQueue() : nullptr;
 }
 
@@ -65,7 +65,7 @@ std::atomic<bool> LgTimeline::_enabled{false};
 void LgTimeline::addSpan(const char* name, unsigned long long start,
                          unsigned long long end) noexcept
 {
-    LgProducer* producer = LgLogState::getProducer();
+    LgProducer* producer = LgLogState::getLastingProducer();
     LgSpanRing* ring = producer != nullptr ? producer->getRing() : nullptr;
     if (ring != nullptr)
         ring->add(name, start, end);

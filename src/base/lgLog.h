@@ -35,8 +35,8 @@ namespace Kr
 class KR_BASE_API LgLog
 {
 public:
-    /// Reads the settings from the environment that the initialisation manager keeps, creates the
-    /// groups, and from then on takes messages. Bad values are reported on standard output.
+    /// Reads the settings from the environment, creates the groups, and from then on takes
+    /// messages. Bad values are reported on standard output.
     static void init();
 
     /// Takes no more messages, writes those that wait, closes the files, and deletes the groups.
@@ -45,7 +45,8 @@ public:
     /// The calling thread's queue, for those who write into it without `KR_LOG`: made by the first
     /// call, then at no cost. Null while the logger is not up, when the thread is ending, and in
     /// code that the logger calls for its output. The thread that started the logger has the
-    /// default queue, of number 0; the others have their thread's number.
+    /// default queue, of number 0; the others have their thread's number. Between `reserveEntry`
+    /// and `addEntry` the thread must not log with `KR_LOG`: that writes into the same queue.
     static LgQueue* getQueue() noexcept;
 
     /// Returns when everything that was logged before the call has been handed to the system. May

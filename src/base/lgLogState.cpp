@@ -61,11 +61,7 @@ struct ProducerEnd
         if (producer == nullptr || (isMainThread() && state().number != 0))
             return;
         isEnded = true;
-        if (producer == state().mainProducer)
-            state().mainProducer = nullptr;
-        producer->end();
-        delete producer;
-        producer = nullptr;
+        LgLogState::endProducer();
     }
 
     void arm() {}
@@ -165,14 +161,22 @@ void installHandlers()
         state().previousHandler = previous;
 }
 
+/// The library may be unloaded after it has stopped.
+void removeTerminateHandler()
+{
+    if (std::get_terminate() == onTerminate)
+        std::set_terminate(state().previousHandler);
+}
+
 /// Joins the calling thread to the session of that number; null if memory is short.
 LgProducer* join(std::uint32_t number) noexcept
 {
     if (producer == nullptr)
-        producer = new (std::nothrow) LgProducer;
+        producer = new (std::nothrow) LgProducer(isEnded);
     if (producer == nullptr)
         return nullptr;
-    producerEnd.arm();
+    if (!isEnded)
+        producerEnd.arm();
     const bool isMain = isMainThread();
     producer->join(number, isMain ? 0 : LgProcess::getThreadId());
     const std::lock_guard<std::mutex> lock(state().pointer);
@@ -188,11 +192,25 @@ LgProducer* join(std::uint32_t number) noexcept
 LgProducer* LgLogState::getProducer() noexcept
 {
     const std::uint32_t number = state().number.load(std::memory_order_acquire);
-    if (number == 0 || isDraining || isEnded)
+    if (number == 0 || isDraining)
         return nullptr;
     if (producer != nullptr && producer->getSessionNumber() == number)
         return producer;
     return join(number);
+}
+
+LgProducer* LgLogState::getLastingProducer() noexcept
+{
+    return isEnded ? nullptr : getProducer();
+}
+
+void LgLogState::endProducer() noexcept
+{
+    if (producer == state().mainProducer)
+        state().mainProducer = nullptr;
+    producer->end();
+    delete producer;
+    producer = nullptr;
 }
 
 bool LgLogState::addQueue(std::uint32_t sessionNumber, const std::shared_ptr<LgQueue>& queue)
@@ -253,28 +271,31 @@ void LgLogState::countLost(std::uint64_t count) noexcept
 void LgLogState::start(std::unique_ptr<LgSession> session)
 {
     installHandlers();
-    const std::lock_guard<std::mutex> lock(state().pointer);
+    const std::scoped_lock lock(state().draining, state().pointer);
     state().isBlocking = session->getSettings().isBlocking;
     state().mainThread = LgProcess::getThreadId();
     state().session = session.release();
     state().number = ++state().lastNumber;
 }
 
-/// The number goes first, so that nothing new is logged.
+/// The number goes first, so that nothing new is logged and no reader started. Messages that were
+/// being written just then are given a second chance.
 void LgLogState::stop()
 {
-    state().number = 0;
-    if (state().session != nullptr)
-        state().session->stopReader();
+    {
+        const std::lock_guard<std::mutex> lock(state().pointer);
+        state().number = 0;
+    }
+    if (state().session == nullptr)
+        return;
+    state().session->stopReader();
+    removeTerminateHandler();
     const std::lock_guard<std::mutex> draining(state().draining);
-    do
-        drainSession(LgDrain::toSystem);
-    while (state().session != nullptr && state().session->eventsPending());
+    drainSession(LgDrain::toSystem);
+    drainSession(LgDrain::toSystem);
     const std::lock_guard<std::mutex> lock(state().pointer);
     const std::unique_ptr<LgSession> session(state().session);
     state().session = nullptr;
-    if (session == nullptr)
-        return;
     session->close();
     countLost(session->getLostCount());
 }

@@ -17,9 +17,16 @@ class LgProducer;
 class LgLogState
 {
 public:
-    /// The calling thread's producer, made at the first call; null while the logger is not up,
-    /// when the thread has ended, and inside the logger's own output.
+    /// The calling thread's producer, made at the first call; null while the logger is not up and
+    /// inside the logger's own output.
     static LgProducer* getProducer() noexcept;
+
+    /// The same, but null when the thread's own producer has ended: what thread-local objects log
+    /// after that has a producer for each message.
+    static LgProducer* getLastingProducer() noexcept;
+
+    /// Lets go of the calling thread's producer.
+    static void endProducer() noexcept;
 
     /// What a producer adds to the session of that number; false if that has ended.
     static bool addQueue(std::uint32_t sessionNumber, const std::shared_ptr<LgQueue>& queue);

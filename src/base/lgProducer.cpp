@@ -42,14 +42,19 @@ public:
 void discardQueue(LgQueue* queue)
 {
     for (; !queue->isEmpty(); queue->removeEntry())
-        LgLogState::countLost(1);
+    {
+        const LgQueue::Entry& entry = queue->readEntry();
+        const int count = entry.isOverflowEntry() ? entry.getOverflowCount() : 1;
+        LgLogState::countLost(static_cast<std::uint64_t>(count));
+    }
     delete queue;
 }
 
 } // namespace
 
-LgProducer::LgProducer() noexcept
-    : _sessionNumber(0)
+LgProducer::LgProducer(bool isForOneMessage) noexcept
+    : _isForOneMessage(isForOneMessage)
+    , _sessionNumber(0)
     , _thread(0)
     , _depth(0)
 {
@@ -100,10 +105,11 @@ LgStream* LgProducer::open(const char* group, LgTypes::Level level) noexcept
 }
 
 /// There is no message left to complete if the thread has joined another session meanwhile.
-void LgProducer::close()
+bool LgProducer::close()
 {
     if (_depth != 0)
         _queues[--_depth]->addEntry();
+    return _isForOneMessage && _depth == 0;
 }
 
 void LgProducer::end()

@@ -18,7 +18,8 @@ namespace Kr
 class LgProducer
 {
 public:
-    LgProducer() noexcept;
+    /// @param isForOneMessage its thread is about to end
+    explicit LgProducer(bool isForOneMessage) noexcept;
 
     /// Leaves the session for another one, where the thread has logged nothing yet.
     /// @param sessionNumber see `LgLogState`
@@ -36,8 +37,8 @@ public:
     /// Begins a message; null if it is dropped.
     LgStream* open(const char* group, LgTypes::Level level) noexcept;
 
-    /// Completes the message that was begun last.
-    void close();
+    /// Completes the message that was begun last. Returns whether the producer has done its work.
+    bool close();
 
     /// The thread ends: what it has logged stays for the reader.
     void end();
@@ -50,6 +51,7 @@ private:
     LgQueue* getQueue(std::size_t depth) noexcept;
     std::shared_ptr<LgQueue> makeQueue() const;
 
+    const bool _isForOneMessage;
     std::uint32_t _sessionNumber;
     unsigned long _thread;
     std::size_t _depth;

@@ -41,7 +41,6 @@ public:
 
     /// Returns how many events there were. One thread at a time.
     std::size_t drain(LgDrain how);
-    bool eventsPending() { return _reader.eventsPending(); }
 
     /// Writes the rest of it.
     void close() { _registry.closeOutputs(); }

@@ -16,7 +16,8 @@ void LgStatement::open(const char* groupName) noexcept
 void LgStatement::complete() noexcept
 {
     _stream = nullptr;
-    _producer->close();
+    if (_producer->close())
+        LgLogState::endProducer();
     if (_level <= LgTypes::FatalError)
         LgLog::flushToDisk();
 }

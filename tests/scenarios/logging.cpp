@@ -85,6 +85,34 @@ void endByExitWithStatics()
     std::exit(0);
 }
 
+/// A thread-local object that goes after what the logger keeps for the thread.
+struct LastWords
+{
+    LastWords() = default;
+    LastWords(const LastWords&) = delete;
+    LastWords& operator=(const LastWords&) = delete;
+    ~LastWords() { KR_LOG(lateGroup, Warning) << text; }
+
+    const char* text = "";
+};
+
+/// A thread other than the first ends the program: its thread-local objects log while they go, and
+/// the static ones after that on the same thread.
+void endByExitOfAThread()
+{
+    static const LateLogger late;
+    lateGroup = &openProgram();
+    std::thread(
+        []
+        {
+            thread_local LastWords words;
+            words.text = "from a thread-local object";
+            KR_LOG(lateGroup, Warning) << "first";
+            std::exit(0);
+        })
+        .join();
+}
+
 void endByException()
 {
     KR_LOG(openProgram(), Warning) << "first";
@@ -284,6 +312,7 @@ constexpr Scenario::Case programs[] = {
     {"endNormally", endNormally},
     {"endByExit", endByExit},
     {"endByExitWithStatics", endByExitWithStatics},
+    {"endByExitOfAThread", endByExitOfAThread},
     {"endByException", endByException},
     {"endByTerminate", endByTerminate},
     {"endAfterFatal", endAfterFatal},
@@ -351,6 +380,7 @@ void endings()
         {"endNormally", "first|second|"},
         {"endByExit", "first|"},
         {"endByExitWithStatics", "first|from a static object|"},
+        {"endByExitOfAThread", "first|from a thread-local object|from a static object|"},
         {"endByException", "first|"},
         {"endByTerminate", "first|"},
         {"endAfterFatal", "first|second|"},
