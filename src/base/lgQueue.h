@@ -43,7 +43,8 @@
 ///
 /// Pitfalls: drain a queue before its destruction, which otherwise raises. Once reserved, an entry
 /// should be added: whatever was appended for an abandoned one becomes the beginning of the next
-/// message.
+/// message, or, if it was ended, the text of the next entry. For the same reason nothing is
+/// appended to the stream of a queue outside a message.
 
 #include <base/assert.h>
 #include <base/hwCounter.h>
