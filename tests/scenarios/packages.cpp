@@ -85,6 +85,7 @@ SCENARIO_PACKAGE(orphan, absent);
 
 SCENARIO_PACKAGE(red, );
 SCENARIO_PACKAGE(green, red);
+SCENARIO_PACKAGE(cyan, red);
 SCENARIO_PACKAGE(blue, green);
 SCENARIO_PACKAGE(alpha, red, red, red);
 SCENARIO_PACKAGE(needsLibrary, base, logger);
@@ -102,32 +103,40 @@ InInitMgr& manager()
     return InInitMgr::getInstance();
 }
 
-void initialize()
+struct NoArguments
 {
     int argc = 0;
     const char* const* argv = nullptr;
-    manager().initialize(argc, argv);
+};
+
+void initialize()
+{
+    NoArguments none;
+    manager().initialize(none.argc, none.argv);
+}
+
+using Report = std::ostream& (InInitMgr::*)(std::ostream&) const;
+
+std::string textOf(Report report)
+{
+    std::ostringstream text;
+    (manager().*report)(text);
+    return text.str();
 }
 
 std::string dump()
 {
-    std::ostringstream text;
-    manager().dump(text);
-    return text.str();
+    return textOf(&InInitMgr::dump);
 }
 
 std::string cycles()
 {
-    std::ostringstream text;
-    manager().reportCycles(text);
-    return text.str();
+    return textOf(&InInitMgr::reportCycles);
 }
 
 std::string graph()
 {
-    std::ostringstream text;
-    manager().writeGraph(text);
-    return text.str();
+    return textOf(&InInitMgr::writeGraph);
 }
 
 bool contains(const std::string& text, const std::string& part)
@@ -135,28 +144,21 @@ bool contains(const std::string& text, const std::string& part)
     return text.find(part) != std::string::npos;
 }
 
-/// What is written to the standard error stream in its scope.
-class CapturedErrors
+const char* const needsGuard = "Reinitialize without using the reinitialize guard.";
+const char* const doubleFinalise = "Multiple calls to finalize().";
+
+/// A package that keeps no record, registered by hand.
+struct Plain : InPackageInit
 {
-public:
-    CapturedErrors()
-        : _previous(std::cerr.rdbuf(_text.rdbuf()))
+    explicit Plain(const char* packageName)
+        : InPackageInit(packageName)
     {
+        registerPackage();
     }
-    ~CapturedErrors() { std::cerr.rdbuf(_previous); }
-    CapturedErrors(const CapturedErrors&) = delete;
-    CapturedErrors& operator=(const CapturedErrors&) = delete;
-
-    std::string take()
-    {
-        const std::string text = _text.str();
-        _text.str("");
-        return text;
-    }
-
-private:
-    std::ostringstream _text;
-    std::streambuf* _previous;
+    void performInitialize() override {}
+    void performFinalize() override {}
+    void setInitialized(bool /*initialized*/) override {}
+    using InPackageInit::addDependency;
 };
 
 struct LibraryPackage
@@ -198,43 +200,41 @@ void libraryStartsInOrderAndStopsInReverse()
     for (std::size_t i = 0; i < names.size(); ++i)
         takenUp += "_packagesToInit[" + std::to_string(i) + "]: " + names[i] + "\n";
 
-    CapturedErrors errors;
+    static std::ostringstream errors; // outlives the stream that is bound to it
+    std::cerr.rdbuf(errors.rdbuf());
     OsEnv::putVariable("KR_DEBUG_INITIALIZE=1");
     {
-        int argc = 0;
-        const char* const* argv = nullptr;
+        NoArguments none;
         SCENARIO_CHECK(!InInit<logger>::isInitialized());
-        const InInitGuard guard(argc, argv);
-        SCENARIO_CHECK(errors.take() == takenUp + started);
+        const InInitGuard guard(none.argc, none.argv);
+        SCENARIO_CHECK(errors.str() == takenUp + started);
         SCENARIO_CHECK(dump() == known);
         SCENARIO_CHECK(InInit<logger>::isInitialized() && InInit<base>::isInitialized());
+        errors.str("");
     }
-    SCENARIO_CHECK(errors.take() == stopped);
+    SCENARIO_CHECK(errors.str() == stopped);
     SCENARIO_CHECK(dump() == "No packages waiting to be initialize.\nNo packages saved.\n");
     SCENARIO_CHECK(!InInit<logger>::isInitialized() && !InInit<base>::isInitialized());
 
     // The live environment decides at each step.
+    errors.str("");
     {
         const InReinitGuard guard;
         const InInit<red> first;
         OsEnv::putVariable("KR_DEBUG_INITIALIZE=");
         const InInit<green> second;
-        SCENARIO_CHECK(errors.take() == "Registering Package: InInit<red>\n");
+        SCENARIO_CHECK(errors.str() == "Registering Package: InInit<red>\n");
     }
 }
 
 /// Raises after it has registered.
-struct Unfinished : InPackageInit
+struct Unfinished : Plain
 {
     Unfinished()
-        : InPackageInit("unfinished")
+        : Plain("unfinished")
     {
-        registerPackage();
         throw std::runtime_error("unfinished");
     }
-    void performInitialize() override {}
-    void performFinalize() override {}
-    void setInitialized(bool /*initialized*/) override {}
 };
 
 void programPackagesFollowTheirDependencies()
@@ -272,16 +272,12 @@ void reportsTheStart()
     std::ostringstream text;
     text << std::hex;
     manager().reportStart(text);
-    std::vector<std::string> lines;
-    std::istringstream stream(text.str());
-    for (std::string line; std::getline(stream, line);)
-        lines.push_back(line);
-    SCENARIO_CHECK(lines.size() >= 4);
-    SCENARIO_CHECK(lines.front() == "package     dependencies  variables ms      start ms");
-    SCENARIO_CHECK(contains(lines[1], "initialize             0         0.0"));
-    SCENARIO_CHECK(contains(lines[lines.size() - 2], "green                  1         0.0"));
-    SCENARIO_CHECK(contains(lines[lines.size() - 2], "  failed"));
-    SCENARIO_CHECK(contains(lines.back(), "total"));
+    const std::string report = text.str();
+    SCENARIO_CHECK(report.rfind("package     dependencies  variables ms      start ms\n"
+                                "initialize             0         0.0",
+                                0) == 0);
+    SCENARIO_CHECK(contains(report, "\ngreen                  1         0.0"));
+    SCENARIO_CHECK(contains(report, "  failed\ntotal"));
 }
 
 void finaliseNeedsAnInitialise()
@@ -295,19 +291,16 @@ void finaliseNeedsAnInitialise()
     manager().finalize();
     SCENARIO_CHECK(InContextAliasMgrBase::args().empty());
     InContextAliasMgrBase::args().push_back(new char[1]());
-    SCENARIO_CHECK_THROWS(manager().finalize(), InEx::ExDoubleFinalise,
-                          "Multiple calls to finalize().");
+    SCENARIO_CHECK_THROWS(manager().finalize(), InEx::ExDoubleFinalise, doubleFinalise);
     SCENARIO_CHECK(InContextAliasMgrBase::args().empty());
-    SCENARIO_CHECK_THROWS(InInit<red>(), InEx::ExReinitWithoutGuard,
-                          "Reinitialize without using the reinitialize guard.");
+    SCENARIO_CHECK_THROWS(InInit<red>(), InEx::ExReinitWithoutGuard, needsGuard);
     // The guard passes the failure on, and keeps it back while another one is on its way.
-    int argc = 0;
-    const char* const* argv = nullptr;
-    SCENARIO_CHECK_THROWS(InInitGuard(argc, argv), InEx::ExDoubleFinalise,
-                          "Multiple calls to finalize().");
+    NoArguments none;
+    SCENARIO_CHECK_THROWS(InInitGuard(none.argc, none.argv), InEx::ExDoubleFinalise,
+                          doubleFinalise);
     const auto leaveByException = [&]
     {
-        const InInitGuard guard(argc, argv);
+        const InInitGuard guard(none.argc, none.argv);
         throw std::runtime_error("first");
     };
     SCENARIO_CHECK_THROWS(leaveByException(), std::runtime_error, "first");
@@ -391,13 +384,15 @@ void reportsCycles()
     const InInit<knotC> c;
     const InInit<knotD> d;
     const InInit<behindKnot> e;
+    const InInit<selfish> f;
     SCENARIO_CHECK(cycles() == "No dependency cycles to report.\n");
     SCENARIO_CHECK_THROWS(initialize(), InEx::ExDependencyCycle,
                           "Init dependencies contain cycle(s)");
     SCENARIO_CHECK(events.empty());
     // d stays with a in truth, but b, which needs it, lists it again.
     const std::string report = "'knotA' is in a cycle with:\n\t'knotD'\n"
-                               "'knotB' is in a cycle with:\n\t'knotC'\n\t'knotD'\n";
+                               "'knotB' is in a cycle with:\n\t'knotC'\n\t'knotD'\n"
+                               "'selfish' is in a cycle with:\n";
     SCENARIO_CHECK(cycles() == report);
     SCENARIO_CHECK(contains(dump(), "\t'knotA' Not initialized\n\t'knotB' Not initialized\n"));
     SCENARIO_CHECK(
@@ -408,19 +403,12 @@ void reportsCycles()
     // A package that goes away after the failure leaves the report in order.
     b.reset();
     SCENARIO_CHECK(cycles() == "'knotA' is in a cycle with:\n\t'knotD'\n"
-                               "'knotC' is in a cycle with:\n\t'knotD'\n");
+                               "'knotC' is in a cycle with:\n\t'knotD'\n"
+                               "'selfish' is in a cycle with:\n");
     initialize(); // nothing new
     SCENARIO_CHECK(events.empty());
     manager().finalize();
-    SCENARIO_CHECK(contains(dump(), "17 packages waiting to be initialize:\n"));
-}
-
-void packageThatNeedsItselfIsACycle()
-{
-    const InInit<selfish> a;
-    SCENARIO_CHECK_THROWS(initialize(), std::logic_error, "Init dependencies contain cycle(s)");
-    SCENARIO_CHECK(cycles() == "'selfish' is in a cycle with:\n");
-    manager().finalize();
+    SCENARIO_CHECK(contains(dump(), "18 packages waiting to be initialize:\n"));
 }
 
 void drawsTheGraph()
@@ -428,21 +416,10 @@ void drawsTheGraph()
     initialize();
     const InReinitGuard guard;
     SCENARIO_CHECK(contains(graph(), "label=\"initialize\", style=filled];\n"));
-    struct Quoted : InPackageInit
-    {
-        Quoted()
-            : InPackageInit("a\"b\\c\nd")
-        {
-            registerPackage();
-            InPackageInit::addDependency(InInit<logger>::getType()); // up already
-            InPackageInit::addDependency(&typeid(Quoted));
-        }
-        void performInitialize() override {}
-        void performFinalize() override {}
-        void setInitialized(bool /*initialized*/) override {}
-    };
-    const auto quoted = std::make_unique<Quoted>();
-    SCENARIO_CHECK(quoted->getDependencies().size() == 1);
+    Plain quoted("a\"b\\c\nd");
+    quoted.addDependency(InInit<logger>::getType()); // up already
+    quoted.addDependency(&typeid(Plain));
+    SCENARIO_CHECK(quoted.getDependencies().size() == 1);
     SCENARIO_CHECK(contains(graph(), "    p13 [label=\"a\\\"b\\\\c\\nd\", color=red];\n"));
     SCENARIO_CHECK(contains(graph(), "    p13 -> p6;\n    p13 -> p13 [color=red];\n}\n"));
     SCENARIO_CHECK(graph().rfind("digraph packages\n{\n", 0) == 0);
@@ -510,8 +487,7 @@ void failureInTheMiddleKeepsWhatIsUp()
 void guardsAdmitLaterPackages()
 {
     initialize();
-    SCENARIO_CHECK_THROWS(InInit<red>(), InEx::ExReinitWithoutGuard,
-                          "Reinitialize without using the reinitialize guard.");
+    SCENARIO_CHECK_THROWS(InInit<red>(), InEx::ExReinitWithoutGuard, needsGuard);
     auto outer = std::make_unique<InReinitGuard>();
     const InInit<green> b;
     const InInit<needsLibrary> c; // what it needs is up: rank 0
@@ -562,10 +538,7 @@ void registersInTheMiddleOfAPass()
     static std::unique_ptr<InInit<green>> b;
     static std::unique_ptr<InInit<blue>> d;
     Recorded<red>::onStart = []
-    {
-        SCENARIO_CHECK_THROWS(InInit<green>(), InEx::ExReinitWithoutGuard,
-                              "Reinitialize without using the reinitialize guard.");
-    };
+    { SCENARIO_CHECK_THROWS(InInit<green>(), InEx::ExReinitWithoutGuard, needsGuard); };
     // An open guard admits them to a pass of their own; here it closes inside the start routine.
     Recorded<alpha>::onStart = []
     {
@@ -588,30 +561,22 @@ void openGuardPutsOffToTheSameCall()
     const InInit<alpha> c;
     static std::unique_ptr<InReinitGuard> guard;
     static std::unique_ptr<InInit<green>> b;
+    static std::unique_ptr<InInit<cyan>> late;
     Recorded<red>::onStart = [] { guard = std::make_unique<InReinitGuard>(); };
     Recorded<alpha>::onStart = [] { b = std::make_unique<InInit<green>>(); };
+    // What a stop routine starts is stopped too.
+    Recorded<alpha>::onStop = []
+    {
+        const InReinitGuard within;
+        late = std::make_unique<InInit<cyan>>();
+    };
     initialize();
     SCENARIO_CHECK(events == "+red+alpha+green");
     guard.reset();
-    manager().finalize();
-    SCENARIO_CHECK(events == "+red+alpha+green-green-alpha-red");
-    b.reset();
-}
-
-void packagesStartedByAStopRoutineAreStopped()
-{
-    const InInit<red> a;
-    const InInit<alpha> b;
-    static std::unique_ptr<InInit<green>> late;
-    Recorded<alpha>::onStop = []
-    {
-        const InReinitGuard guard;
-        late = std::make_unique<InInit<green>>();
-    };
-    initialize();
     events.clear();
     manager().finalize();
-    SCENARIO_CHECK(events == "-alpha+green-green-red");
+    SCENARIO_CHECK(events == "-green-alpha+cyan-cyan-red");
+    b.reset();
     late.reset();
 }
 
@@ -633,8 +598,7 @@ void failingStopCanBeContinued()
     SCENARIO_CHECK(contains(dump(), "\t'red' Initialized (0 dependencies)\n"));
     manager().finalize();
     SCENARIO_CHECK(events == "-blue-green-red");
-    SCENARIO_CHECK_THROWS(manager().finalize(), InEx::ExDoubleFinalise,
-                          "Multiple calls to finalize().");
+    SCENARIO_CHECK_THROWS(manager().finalize(), InEx::ExDoubleFinalise, doubleFinalise);
 }
 
 void environmentIsASnapshot()
@@ -693,22 +657,12 @@ void libraryLoadedAtRunTime()
 
 void libraryUnloadedWhileUp()
 {
+    auto plugin = std::make_unique<Plugin>(); // before the first pass no guard is needed
     initialize();
-    auto guard = std::make_unique<InReinitGuard>();
-    auto plugin = std::make_unique<Plugin>();
-    guard.reset();
-    SCENARIO_CHECK(contains(dump(), "'effects' Initialized"));
+    SCENARIO_CHECK(pluginEvents() == "+effects+blending");
     plugin.reset();
     SCENARIO_CHECK(contains(dump(), "13 packages currently saved:\n"));
     SCENARIO_CHECK(!contains(dump(), "effects") && !contains(graph(), "effects"));
-    manager().finalize();
-}
-
-void libraryLoadedWithoutAGuard()
-{
-    const Plugin plugin; // before the first pass no guard is needed
-    initialize();
-    SCENARIO_CHECK(pluginEvents() == "+effects+blending");
     manager().finalize();
 }
 
@@ -726,22 +680,6 @@ void libraryRaises()
     SCENARIO_CHECK(pluginEvents() == "+effects");
     manager().finalize();
     SCENARIO_CHECK(pluginEvents() == "+effects-effects");
-    // The library's own exceptions, by their type, standard base and root.
-    SCENARIO_CHECK_THROWS(manager().finalize(), std::runtime_error,
-                          "Multiple calls to finalize().");
-    SCENARIO_CHECK_THROWS(manager().finalize(), std::exception, "Multiple calls to finalize().");
-    try
-    {
-        manager().finalize();
-    }
-    catch (const ExBase& error)
-    {
-        SCENARIO_CHECK(std::strcmp(error.getFileName(), "src/base/inInitMgr") == 0);
-        SCENARIO_CHECK(dynamic_cast<const InEx*>(&error) != nullptr);
-        SCENARIO_CHECK(typeid(error) == typeid(InEx::ExDoubleFinalise));
-        const std::unique_ptr<ExBase> copy(error.clone());
-        SCENARIO_CHECK(dynamic_cast<InEx::ExDoubleFinalise*>(copy.get()) != nullptr);
-    }
 }
 
 const Scenario::Case cases[] = {
@@ -753,19 +691,16 @@ const Scenario::Case cases[] = {
     {"finaliseAtExit", finalisesAtExit},
     {"missing", missingDependencyStartsNothing},
     {"cycle", reportsCycles},
-    {"selfCycle", packageThatNeedsItselfIsACycle},
     {"graph", drawsTheGraph},
     {"duplicates", startsEachTypeOnce},
     {"failure", failureInTheMiddleKeepsWhatIsUp},
     {"guards", guardsAdmitLaterPackages},
     {"nestedPass", registersInTheMiddleOfAPass},
     {"openGuard", openGuardPutsOffToTheSameCall},
-    {"startWhileStopping", packagesStartedByAStopRoutineAreStopped},
     {"failingStop", failingStopCanBeContinued},
     {"environment", environmentIsASnapshot},
     {"plugin", libraryLoadedAtRunTime},
     {"pluginUnloaded", libraryUnloadedWhileUp},
-    {"pluginEarly", libraryLoadedWithoutAGuard},
     {"pluginRaises", libraryRaises},
 };
 
