@@ -1,9 +1,9 @@
 // Fuzzes what people type for initialisation variables: the text of one value, and a whole command
 // line. The first byte chooses.
 
+#include "variablesFixture.h"
+
 #include <base/inContextAlias.h>
-#include <base/inContextAliasMgrBase.h>
-#include <base/inPackageInitBase.h>
 #include <base/inVariable.h>
 #include <base/inVariableEx.h>
 
@@ -99,24 +99,6 @@ void checkValue(std::uint8_t choice, const std::string& text)
     }
 }
 
-class Package : public Kr::InPackageInitBase
-{
-public:
-    void addDependency(Kr::InVariableBase* variable) override { _variables.push_back(variable); }
-    void removeDependency(Kr::InVariableBase* variable) override
-    {
-        _variables.erase(std::find(_variables.begin(), _variables.end(), variable));
-    }
-    void start()
-    {
-        for (Kr::InVariableBase* variable : _variables)
-            variable->initialize();
-    }
-
-private:
-    std::vector<Kr::InVariableBase*> _variables;
-};
-
 /// The words that are left stand in the order of the command line, the program name first, and
 /// everything from "--" on among them.
 void checkRemaining()
@@ -147,30 +129,22 @@ void checkCommandLine(const std::string& input)
     const Kr::InVariable<bool> flag(package, "v", false, "");
     const Kr::InVariable<std::string> text(package, "v.text", "", "");
 
-    Kr::Vector<char*>& words = Kr::InContextAliasMgrBase::args();
-    std::istringstream lines("program\n" + input);
+    std::vector<std::string> words;
+    std::istringstream lines(input);
     for (std::string line; std::getline(lines, line);)
-    {
-        words.push_back(new char[line.size() + 1]);
-        std::memcpy(words.back(), line.c_str(), line.size() + 1);
-    }
+        words.emplace_back(line.c_str()); // a terminator inside ends the word
+    const CommandLine commandLine(words);
     try
     {
         package.start();
         require(integer.getValue() >= 1 && integer.getValue() <= 64);
-        checkRemaining();
     }
     catch (const Kr::InVariableEx&)
     {
-        checkRemaining();
     }
+    checkRemaining();
     std::ostringstream report;
     Kr::InVariableBase::dumpAll(report);
-
-    Kr::InVariableBase::clearPendingOverrides();
-    for (const char* word : words)
-        delete[] word;
-    words.clear();
 }
 
 } // namespace

@@ -120,10 +120,6 @@ void precedence()
                "viewer.title = '', from environment variable VIEWER_TITLE\n"
                "    not the default: 'untitled'\n",
                __LINE__);
-    SCENARIO_CHECK_THROWS(
-        Kr::InContextAlias("viewer.title", "--title"), Kr::InEx::ExNoNewContextAliasAfterInit,
-        "Trying to do post initialization registration of context alias instance: 'viewer.title' "
-        "(key: --title).");
 }
 
 /// VIEWER_SAMPLES=many, VIEWER_RAYS=17, VIEWER_SHADING=
@@ -189,10 +185,6 @@ void lateLibrary()
     static Kr::InInit<KrInit::effects> effectsPackage;
     const Kr::InVariable<double> bloom(effectsPackage, "effects.bloom", 0., "");
     const Kr::InVariable<std::int32_t> passes(effectsPackage, "effects.passes", 1, "");
-    SCENARIO_CHECK_THROWS(
-        Kr::InContextAlias("effects.bloom", "--bloom"), Kr::InEx::ExNoNewContextAliasAfterInit,
-        "Trying to do post initialization registration of context alias instance: 'effects.bloom' "
-        "(key: --bloom).");
     guard.reset();
     SCENARIO_CHECK(bloom.getValue() == .5);
     SCENARIO_CHECK(passes.getValue() == 3);
