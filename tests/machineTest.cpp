@@ -161,19 +161,6 @@ TEST(Machine, VersionAndFeatures)
     EXPECT_FALSE(hasMMX || hasSSE);
 }
 
-TEST(Machine, ThisProcessor)
-{
-    OsCpuInfo::initialize();
-    EXPECT_STREQ("IA32", OsCpuInfo::getTypeName());
-    OsCpuInfo::Type type = OsCpuInfo::UNKNOWN;
-    OsCpuInfo::getDetailedType(&type, nullptr, nullptr, nullptr);
-    EXPECT_EQ(OsCpuInfo::IA32, type);
-    EXPECT_TRUE(OsCpuInfo::hasMMX());
-    EXPECT_TRUE(OsCpuInfo::hasSSE());
-    OsCpuInfo::finalize();
-    EXPECT_TRUE(OsCpuInfo::hasSSE());
-}
-
 TEST(Machine, MemoryArchitecture)
 {
     const Kr::OsMemoryArchImp described({16384, 2, 32}, {262144, 8, 64}, 4096);

@@ -46,7 +46,10 @@ void startUp()
     int argc = 0;
     const char* const* argv = nullptr;
     const Kr::InInitGuard guard(argc, argv);
-    SCENARIO_CHECK(Kr::OsCpuInfo::hasSSE());
+    SCENARIO_CHECK(Kr::OsCpuInfo::hasMMX() && Kr::OsCpuInfo::hasSSE());
+    Kr::OsCpuInfo::Type type = Kr::OsCpuInfo::UNKNOWN;
+    Kr::OsCpuInfo::getDetailedType(&type, nullptr, nullptr, nullptr);
+    SCENARIO_CHECK(type == Kr::OsCpuInfo::IA32);
     SCENARIO_CHECK(std::strcmp(Kr::OsCpuInfo::getTypeName(), "IA32") == 0);
     SCENARIO_CHECK(Kr::OsCpuInfo::getHwCounterFrequency() != 0);
 }

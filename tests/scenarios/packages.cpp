@@ -35,8 +35,8 @@ std::string events; ///< "+name" for each start, "-name" for each stop
 template <class Tag>
 struct Recorded
 {
-    static std::function<void()> onStart;
-    static std::function<void()> onStop;
+    static inline std::function<void()> onStart;
+    static inline std::function<void()> onStop;
 
     static void start()
     {
@@ -51,11 +51,6 @@ struct Recorded
             onStop();
     }
 };
-
-template <class Tag>
-std::function<void()> Recorded<Tag>::onStart;
-template <class Tag>
-std::function<void()> Recorded<Tag>::onStop;
 
 } // namespace
 
@@ -145,6 +140,11 @@ bool contains(const std::string& text, const std::string& part)
 }
 
 const char* const needsGuard = "Reinitialize without using the reinitialize guard.";
+std::string absentReason()
+{
+    return std::string("Init Package not registered: '") + InInit<absent>::getType()->name() + "'.";
+}
+
 const char* const doubleFinalise = "Multiple calls to finalize().";
 
 /// A package that keeps no record, registered by hand.
@@ -200,8 +200,8 @@ void libraryStartsInOrderAndStopsInReverse()
     for (std::size_t i = 0; i < names.size(); ++i)
         takenUp += "_packagesToInit[" + std::to_string(i) + "]: " + names[i] + "\n";
 
-    static std::ostringstream errors; // outlives the stream that is bound to it
-    std::cerr.rdbuf(errors.rdbuf());
+    std::ostringstream errors;
+    std::streambuf* const standardError = std::cerr.rdbuf(errors.rdbuf());
     OsEnv::putVariable("KR_DEBUG_INITIALIZE=1");
     {
         NoArguments none;
@@ -225,6 +225,7 @@ void libraryStartsInOrderAndStopsInReverse()
         const InInit<green> second;
         SCENARIO_CHECK(errors.str() == "Registering Package: InInit<red>\n");
     }
+    std::cerr.rdbuf(standardError);
 }
 
 /// Raises after it has registered.
@@ -363,10 +364,7 @@ void missingDependencyStartsNothing()
 {
     const InInit<orphan> a;
     const InInit<red> b;
-    SCENARIO_CHECK_THROWS(
-        initialize(), InEx::ExPackageNotRegistered,
-        (std::string("Init Package not registered: '") + InInit<absent>::getType()->name() + "'.")
-            .c_str());
+    SCENARIO_CHECK_THROWS(initialize(), InEx::ExPackageNotRegistered, absentReason().c_str());
     SCENARIO_CHECK(events.empty() && !InInit<base>::isInitialized());
     SCENARIO_CHECK(contains(dump(), "15 packages waiting to be initialize:\n"));
     SCENARIO_CHECK(contains(dump(), "\t'orphan' Not initialized\n\t'osal' Not initialized\n"));
@@ -506,10 +504,7 @@ void guardsAdmitLaterPackages()
         const InReinitGuard guard;
         static const InInit<orphan> lost;
     };
-    SCENARIO_CHECK_THROWS(
-        guardedOrphan(), InEx::ExPackageNotRegistered,
-        (std::string("Init Package not registered: '") + InInit<absent>::getType()->name() + "'.")
-            .c_str());
+    SCENARIO_CHECK_THROWS(guardedOrphan(), InEx::ExPackageNotRegistered, absentReason().c_str());
     const auto leaveByException = []
     {
         const InReinitGuard guard;
