@@ -174,7 +174,7 @@ constexpr int floodMessages = 3000;
 /// Threads that each log and end, in two waves, while the reader drains.
 void flood()
 {
-    const Program program;
+    std::optional<Program> program(std::in_place);
     for (int wave = 0; wave < 2; ++wave)
     {
         std::vector<std::thread> threads;
@@ -183,11 +183,12 @@ void flood()
                 [&program]
                 {
                     for (int n = 0; n < floodMessages; ++n)
-                        KR_LOG(program.group, Warning) << "message " << n;
+                        KR_LOG(program->group, Warning) << "message " << n;
                 });
         for (std::thread& thread : threads)
             thread.join();
     }
+    program.reset();
     std::printf("lost %lu\n", static_cast<unsigned long>(Kr::LgLog::getLostCount()));
 }
 
@@ -527,7 +528,7 @@ void statementForm()
     SCENARIO_CHECK(start(folder, "allocations") == 0);
 }
 
-/// Where the folder cannot be, the program goes on, says so once, and counts.
+/// Where the folder cannot be, the program goes on, says so once, and counts every message once.
 void unwritable()
 {
     const LogFolder folder;
@@ -536,13 +537,12 @@ void unwritable()
         std::fclose(file);
     }
     set("KR_LOG_DIR", folder / "plain/logs");
-    set("KR_LOG_INFORMATIONAL", "none");
     SCENARIO_CHECK(start(folder, "flood") == 0);
     const std::vector<std::string> complaints = readLines(folder / "err");
     SCENARIO_CHECK(complaints.size() == 1 && contains(complaints[0], "The log cannot be written"));
     unsigned long lost = 0;
     SCENARIO_CHECK(std::sscanf(readFile(folder / "out").c_str(), "lost %lu", &lost) == 1);
-    SCENARIO_CHECK(lost > 0 && lost < floodTotal);
+    SCENARIO_CHECK(lost == floodTotal);
 }
 
 void timeline()
