@@ -337,17 +337,14 @@ void InInitMgr::State::endStart(const PackageEntry& entry, const std::type_info&
 void InInitMgr::State::stopPackages()
 {
     const ScopedFlag finalizing(_finalizing);
-    std::size_t rest = _savedPackages.size();
-    while (rest != 0)
+    const auto isUp = [](const SavedEntry& entry) { return entry.initialized; };
+    // Looked for anew each time: a stop routine may load and unload libraries.
+    for (auto last = std::find_if(_savedPackages.rbegin(), _savedPackages.rend(), isUp);
+         last != _savedPackages.rend();
+         last = std::find_if(_savedPackages.rbegin(), _savedPackages.rend(), isUp))
     {
-        SavedEntry& entry = _savedPackages[--rest];
-        if (!entry.initialized)
-            continue;
-        entry.initialized = false;
-        const std::size_t size = _savedPackages.size();
-        entry.package->finalize();
-        if (_savedPackages.size() != size) // it loaded or unloaded a library
-            rest = _savedPackages.size();
+        last->initialized = false;
+        last->package->finalize();
     }
     _savedPackages.clear();
     _savedByType.clear();
