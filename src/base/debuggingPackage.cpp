@@ -9,7 +9,8 @@ static Kr::InInit<KrInit::debugging> package;
 
 Kr::LgMinorGroup* LgGroups::KR_XGLUE(MinorLevel, BuildInfo) = nullptr;
 
-// clang-format off: the spacing of the checks is part of their texts
+// The spacing of the checks is part of their texts.
+// clang-format off
 void KrInit::debugging::start()
 {
     KR_ASSERT(LgGroups::KR_XGLUE( MinorLevel, BuildInfo ) == 0);
