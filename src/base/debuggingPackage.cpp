@@ -9,8 +9,9 @@ static Kr::InInit<KrInit::debugging> package;
 
 Kr::LgMinorGroup* LgGroups::KR_XGLUE(MinorLevel, BuildInfo) = nullptr;
 
-// The spacing of the checks is part of their texts.
+// The spacing and the zeros of the checks are part of their texts.
 // clang-format off
+// NOLINTBEGIN(modernize-use-nullptr)
 void KrInit::debugging::start()
 {
     KR_ASSERT(LgGroups::KR_XGLUE( MinorLevel, BuildInfo ) == 0);
@@ -24,4 +25,5 @@ void KrInit::debugging::stop()
     delete LgGroups::KR_XGLUE(MinorLevel, BuildInfo);
     LgGroups::KR_XGLUE(MinorLevel, BuildInfo) = nullptr;
 }
+// NOLINTEND(modernize-use-nullptr)
 // clang-format on
