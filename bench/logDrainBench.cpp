@@ -107,6 +107,13 @@ void spdlogSink(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * messages);
 }
 
+/// The loop around a statement, to be taken off the next one.
+void emptyLoop(benchmark::State& state)
+{
+    for (auto _ : state)
+        benchmark::ClobberMemory();
+}
+
 /// What a statement costs whose level is off.
 void disabledStatement(benchmark::State& state)
 {
@@ -128,6 +135,7 @@ void disabledStatement(benchmark::State& state)
 BENCHMARK(drain);
 BENCHMARK(drainJson);
 BENCHMARK(spdlogSink);
+BENCHMARK(emptyLoop);
 BENCHMARK(disabledStatement);
 
 } // namespace
