@@ -412,13 +412,19 @@ void killed()
 {
     const LogFolder folder;
     start(folder, "endInTheMiddle");
+    std::vector<std::string> texts = textsIn(folder / "events.log");
+    // The system may end a write at the boundary of a page when the process is killed in it; that
+    // can only be the last line.
+    if (!texts.empty() && contains(texts.back(), "<cut>"))
+        texts.pop_back();
     int whole = 0;
-    for (const std::string& text : textsIn(folder / "events.log"))
+    for (const std::string& text : texts)
     {
-        // Where the ring is full, a number sign stands for the rest of a message.
-        const bool isCut = contains(text, "#") || contains(text, "Event overflow [");
+        // A full ring ends a message between two values; where it has room for a character, a
+        // number sign stands for the rest.
+        const bool isCut = contains(text, "#") || contains(text, "Event overflow [") ||
+                           text.empty() || text == "whole ";
         SCENARIO_CHECK(isCut || text == "whole " + std::string(200, 'w'));
-        SCENARIO_CHECK(!contains(text, "<cut>"));
         whole += isCut ? 0 : 1;
     }
     SCENARIO_CHECK(whole != 0);
