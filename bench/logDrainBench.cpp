@@ -3,9 +3,9 @@
 // made, outside the timing.
 
 #include <base/hwCounter.h>
+#include <base/internal/log/lgReader.h>
+#include <base/internal/log/lgRegistry.h>
 #include <base/lgQueue.h>
-#include <base/lgReader.h>
-#include <base/lgRegistry.h>
 #include <base/log.h>
 
 #include <benchmark/benchmark.h>

@@ -3,9 +3,9 @@
 
 #include "manyPackages.h"
 
-#include <base/inDependencyMatrix.h>
 #include <base/inInitGuard.h>
 #include <base/inReinitGuard.h>
+#include <base/internal/init/inDependencyMatrix.h>
 
 #include <benchmark/benchmark.h>
 #include <boost/graph/adjacency_list.hpp>

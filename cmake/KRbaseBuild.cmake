@@ -47,11 +47,18 @@ endif()
 # kr_family(<sources>...): adds one family's sources (paths below src) to the library.
 function(kr_family)
     list(TRANSFORM ARGN PREPEND ${CMAKE_SOURCE_DIR}/src/)
-    target_sources(base PRIVATE ${ARGN})
+    target_sources(kr_base_objects PRIVATE ${ARGN})
 endfunction()
 
 # kr_program(<name> <sources>...): a program of this tree that uses the library.
 function(kr_program name)
     add_executable(${name} ${ARGN})
     target_link_libraries(${name} PRIVATE Kr::base kr_build_flags kr_warnings Threads::Threads)
+endfunction()
+
+# kr_internal_program(<name> <sources>...): the same, linked with the archive of the library's objects
+# instead of the shared library, so that it reaches what is internal.
+function(kr_internal_program name)
+    add_executable(${name} ${ARGN})
+    target_link_libraries(${name} PRIVATE kr_base_whole kr_build_flags kr_warnings)
 endfunction()

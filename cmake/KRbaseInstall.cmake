@@ -2,7 +2,7 @@
 # pkg-config file. On Windows the compiler's runtime DLLs go beside the library.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS base EXPORT KRbaseTargets
+install(TARGETS kr_base EXPORT KRbaseTargets
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})

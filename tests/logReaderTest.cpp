@@ -1,10 +1,10 @@
 #include <base/hwCounter.h>
-#include <base/lgFile.h>
-#include <base/lgLineFormat.h>
+#include <base/internal/log/lgFile.h>
+#include <base/internal/log/lgLineFormat.h>
+#include <base/internal/log/lgReader.h>
+#include <base/internal/log/lgRegistry.h>
+#include <base/internal/log/lgSettings.h>
 #include <base/lgQueue.h>
-#include <base/lgReader.h>
-#include <base/lgRegistry.h>
-#include <base/lgSettings.h>
 
 #include <logTestFiles.h>
 

@@ -1,15 +1,15 @@
 #include "allocationCount.h"
 
 #include <base/hwCounter.h>
-#include <base/hwCounterIA32.h>
 #include <base/hwIntervalTimer.h>
+#include <base/internal/clocks/hwCounterIA32.h>
+#include <base/internal/errors/sourcePosition.h>
+#include <base/internal/os/osCpuInfoWinNT.h>
+#include <base/internal/os/osMemoryArchImp.h>
 #include <base/osCpuInfo.h>
-#include <base/osCpuInfoWinNT.h>
 #include <base/osEndian.h>
 #include <base/osMemoryArch.h>
 #include <base/osMemoryArchEx.h>
-#include <base/osMemoryArchImp.h>
-#include <base/sourcePosition.h>
 #include <base/todIntervalTimer.h>
 
 #include <gtest/gtest.h>

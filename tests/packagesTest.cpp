@@ -1,12 +1,12 @@
 // What packages can be tested without starting them; scenarios/packages.cpp starts them.
 
-#include <base/inDependencyMatrix.h>
-#include <base/inEnvSnapshot.h>
 #include <base/inEx.h>
 #include <base/inInitGuard.h>
 #include <base/inPackageInit.h>
 #include <base/inReinitGuard.h>
 #include <base/inVariableBase.h>
+#include <base/internal/init/inDependencyMatrix.h>
+#include <base/internal/init/inEnvSnapshot.h>
 
 #include <gtest/gtest.h>
 

@@ -9,7 +9,7 @@
 /// ++histogram[17];
 /// @endcode
 
-#include <base/ownedPtr.h>
+#include <base/internal/errors/ownedPtr.h>
 
 namespace Kr
 {

@@ -11,8 +11,8 @@
 /// @endcode
 /// Invariants of the library's own are the runtime's `assert` instead.
 
+#include <base/internal/errors/sourcePosition.h>
 #include <base/krBaseApi.h>
-#include <base/sourcePosition.h>
 
 namespace Kr
 {
@@ -44,3 +44,9 @@ public:
 #define KR_ASSERT_AT(expression, line)                                                             \
     ((expression) ? static_cast<void>(0)                                                           \
                   : ::Kr::Assertions::throwAssertionFailed(KR_HERE_AT(line), #expression))
+
+/// The same with a text and a line that are part of the interface, whatever the condition is
+/// written as: `KR_ASSERT_TEXT(size != 0, "_size > 0", 87)`.
+#define KR_ASSERT_TEXT(holds, text, line)                                                          \
+    ((holds) ? static_cast<void>(0)                                                                \
+             : ::Kr::Assertions::throwAssertionFailed(KR_HERE_AT(line), text))

@@ -1,9 +1,9 @@
 #include <base/dtTime.h>
 
 #include <base/dtEx.h>
+#include <base/internal/numeric/twosComplement.h>
+#include <base/internal/numeric/wideRatio.h>
 #include <base/trace.h>
-#include <base/twosComplement.h>
-#include <base/wideRatio.h>
 
 #include <ostream>
 

@@ -25,8 +25,8 @@
 
 #include <base/dtEx.h>
 #include <base/dtTime.h>
+#include <base/internal/numeric/twosComplement.h>
 #include <base/trace.h>
-#include <base/twosComplement.h>
 
 #include <chrono>
 #include <cstdint>

@@ -2,10 +2,10 @@
 
 #include <base/dtEx.h>
 #include <base/floatUtil.h>
+#include <base/internal/numeric/wideRatio.h>
 #include <base/rationalEx.h>
 #include <base/streamInserters.h>
 #include <base/trace.h>
-#include <base/wideRatio.h>
 
 #include <ostream>
 

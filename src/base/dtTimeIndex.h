@@ -23,9 +23,9 @@
 /// A value type; distinct values can be used by distinct threads.
 
 #include <base/assert.h>
+#include <base/internal/numeric/twosComplement.h>
 #include <base/krBaseApi.h>
 #include <base/rational.h>
-#include <base/twosComplement.h>
 
 #include <iosfwd>
 #include <limits>

@@ -22,7 +22,7 @@
 /// differs by a few parts per million from one process to the next, so tick counts do not travel
 /// between processes; differences in seconds do. See docs/clocks.md for where the ticks come from.
 
-#include <base/hwCounterEng.h>
+#include <base/internal/clocks/hwCounterEng.h>
 #include <base/krBaseApi.h>
 
 #include <atomic>

@@ -1,9 +1,9 @@
 #include <base/inContextAliasMgrBase.h>
 
-#include <base/inCommandLine.h>
 #include <base/inContextAlias.h>
 #include <base/inEx.h>
-#include <base/inVariableRegistry.h>
+#include <base/internal/init/inCommandLine.h>
+#include <base/internal/init/inVariableRegistry.h>
 #include <base/trace.h>
 
 #include <algorithm>

@@ -1,13 +1,13 @@
 #include <base/inInitMgr.h>
 
 #include <base/assert.h>
-#include <base/inCommandLine.h>
 #include <base/inContextAliasMgrBase.h>
 #include <base/inEx.h>
-#include <base/inInitDebug.h>
-#include <base/inInitMgrState.h>
 #include <base/inVariableBase.h>
-#include <base/inVariableRegistry.h>
+#include <base/internal/init/inCommandLine.h>
+#include <base/internal/init/inInitDebug.h>
+#include <base/internal/init/inInitMgrState.h>
+#include <base/internal/init/inVariableRegistry.h>
 #include <base/osEnv.h>
 #include <base/trace.h>
 

@@ -1,9 +1,9 @@
 #include <base/inPackageInit.h>
 
 #include <base/assert.h>
-#include <base/inInitDebug.h>
 #include <base/inInitMgr.h>
 #include <base/inVariableBase.h>
+#include <base/internal/init/inInitDebug.h>
 
 #include <algorithm>
 #include <cassert>

@@ -41,8 +41,8 @@
 /// started never start. Reading is free of locks and may be done by any thread while the package is
 /// up; everything else is not for use by several threads.
 
-#include <base/inNamedVariable.h>
-#include <base/inValueForm.h>
+#include <base/internal/init/inNamedVariable.h>
+#include <base/internal/init/inValueForm.h>
 #include <base/krBaseApi.h>
 
 #include <cstdint>

@@ -1,11 +1,11 @@
 #include <base/inVariableBase.h>
 
 #include <base/assert.h>
-#include <base/inCommandLine.h>
 #include <base/inEx.h>
-#include <base/inNamedVariable.h>
 #include <base/inPackageInit.h>
-#include <base/inVariableRegistry.h>
+#include <base/internal/init/inCommandLine.h>
+#include <base/internal/init/inNamedVariable.h>
+#include <base/internal/init/inVariableRegistry.h>
 #include <base/trace.h>
 #include <base/vector.h>
 

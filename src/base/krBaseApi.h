@@ -11,8 +11,10 @@
 /// };
 /// @endcode
 
-#if defined(_WIN32) // the one place outside the platform layer: export and import differ
-#if defined(KR_BASE_BUILD)
+#if defined(_WIN32)         // the one place outside the platform layer: export and import differ
+#if defined(KR_BASE_STATIC) // linked with the library's objects themselves
+#define KR_BASE_API
+#elif defined(KR_BASE_BUILD)
 #define KR_BASE_API __declspec(dllexport)
 #else
 #define KR_BASE_API __declspec(dllimport)

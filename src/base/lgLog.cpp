@@ -1,8 +1,8 @@
 #include <base/lgLog.h>
 
+#include <base/internal/log/lgLogState.h>
+#include <base/internal/log/lgProducer.h>
 #include <base/lgGroups.h>
-#include <base/lgLogState.h>
-#include <base/lgProducer.h>
 #include <base/lgTimeline.h>
 #include <base/osEnv.h>
 

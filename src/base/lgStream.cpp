@@ -1,7 +1,7 @@
 #include <base/lgStream.h>
 
 #include <base/assert.h>
-#include <base/lgFormat.h>
+#include <base/internal/log/lgFormat.h>
 
 #include <charconv>
 #include <cstdio>

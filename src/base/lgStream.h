@@ -24,8 +24,8 @@
 /// decimals, also for 1e-9. A text cannot hold a NUL, which would end it: NULs are left out. In a
 /// message of an `LgQueue`, nothing is appended after `ends` or once a full ring has cut it.
 
+#include <base/internal/log/lgFormat.h>
 #include <base/krBaseApi.h>
-#include <base/lgFormat.h>
 
 #include <atomic>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include <base/log.h>
 
-#include <base/lgLogState.h>
-#include <base/lgProducer.h>
+#include <base/internal/log/lgLogState.h>
+#include <base/internal/log/lgProducer.h>
 
 namespace Kr
 {

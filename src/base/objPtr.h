@@ -13,7 +13,7 @@
 /// the object is deleted. Pitfall: a copy empties its source, so these pointers do not belong in
 /// standard containers.
 
-#include <base/ownedPtr.h>
+#include <base/internal/errors/ownedPtr.h>
 
 namespace Kr
 {

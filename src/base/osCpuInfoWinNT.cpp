@@ -1,4 +1,4 @@
-#include <base/osCpuInfoWinNT.h>
+#include <base/internal/os/osCpuInfoWinNT.h>
 
 #include <base/exSysError.h>
 #include <base/trace.h>

@@ -1,6 +1,6 @@
 #include <base/osMemoryArch.h>
 
-#include <base/osMemoryArchImp.h>
+#include <base/internal/os/osMemoryArchImp.h>
 
 namespace Kr
 {

@@ -1,6 +1,6 @@
 #include <base/profConsolidator.h>
 
-#include <base/profTable.h>
+#include <base/internal/prof/profTable.h>
 #include <base/profilerBase.h>
 
 #include <algorithm>

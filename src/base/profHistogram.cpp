@@ -1,7 +1,7 @@
 #include <base/profHistogram.h>
 
 #include <base/assert.h>
-#include <base/profTable.h>
+#include <base/internal/prof/profTable.h>
 
 #include <algorithm>
 #include <cmath>

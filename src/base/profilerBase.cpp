@@ -1,9 +1,9 @@
 #include <base/profilerBase.h>
 
 #include <base/hwCounter.h>
+#include <base/internal/prof/profTable.h>
 #include <base/lgStream.h>
 #include <base/lgTimeline.h>
-#include <base/profTable.h>
 
 #include <charconv>
 #include <iterator>

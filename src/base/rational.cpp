@@ -1,9 +1,9 @@
 #include <base/rational.h>
 
 #include <base/floatUtil.h>
+#include <base/internal/numeric/twosComplement.h>
 #include <base/rationalEx.h>
 #include <base/trace.h>
-#include <base/twosComplement.h>
 
 #include <limits>
 #include <numeric>

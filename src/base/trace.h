@@ -39,8 +39,8 @@
 /// objects too, early and late. Nothing locks, allocates or throws, and any thread may call it.
 
 #include <base/exBase.h>
+#include <base/internal/errors/sourcePosition.h>
 #include <base/krBaseApi.h>
-#include <base/sourcePosition.h>
 
 #include <chrono>
 #include <cstddef>

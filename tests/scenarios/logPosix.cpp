@@ -4,7 +4,7 @@
 #include "scenario.h"
 
 #include <base/inInitGuard.h>
-#include <base/lgFile.h>
+#include <base/internal/log/lgFile.h>
 #include <base/log.h>
 #include <base/osEnv.h>
 

@@ -1,0 +1,80 @@
+#pragma once
+
+/// @file
+/// Internal to the library: where the lines of one or more levels go, a file or a standard stream,
+/// with a buffer before it.
+///
+/// While the file cannot be written, lines wait in the buffer; what no longer fits is counted. The
+/// first failure is told once on the standard error stream. When the file can be written again, the
+/// waiting lines follow, and a record that tells how many were lost.
+///
+/// Used by one thread at a time, but for `getLostCount`.
+
+#include <base/internal/log/lgFile.h>
+#include <base/internal/log/lgLineFormat.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Kr
+{
+
+class LgOutput
+{
+public:
+    /// How many bytes are written at a time, and how many may wait for a file that fails.
+    static constexpr std::size_t batchSize = 64 * 1024;
+    static constexpr std::size_t maxWaiting = 256 * 1024;
+
+    /// @param name what the complaint on the standard error stream calls it
+    /// @param maxBatch the most bytes to be written at a time
+    LgOutput(std::unique_ptr<LgFile> file, const std::string& name, LgLineFormat& format,
+             std::size_t maxBatch = batchSize);
+    LgOutput(const LgOutput&) = delete;
+    LgOutput& operator=(const LgOutput&) = delete;
+
+    ~LgOutput();
+
+    /// Writes what waits, as far as that is possible; the rest is lost.
+    void close();
+
+    /// Puts the record into the buffer, and a full buffer into the file.
+    void write(const LgRecord& record);
+
+    /// Writes the buffer. After a failure the next try is made a little later, unless `now` is set.
+    void flush(bool now = false);
+
+    /// Writes the buffer and returns when it is on the disk.
+    void sync();
+
+    /// How many messages were lost here: records that report others' loss do not count. May be
+    /// called by any thread.
+    std::uint64_t getLostCount() const { return _lost.load(std::memory_order_relaxed); }
+
+private:
+    bool append(const LgRecord& record);
+    bool writeWaiting();
+    bool writeBatch();
+    std::size_t nextBatch() const;
+    void takeWritten(std::size_t size);
+    void beginOutage();
+    void endOutage();
+
+    const std::unique_ptr<LgFile> _file;
+    const std::string _name;
+    LgLineFormat& _format;
+    const std::size_t _maxBatch;
+    std::string _waiting;
+    std::vector<std::size_t> _reportEnds; ///< where the records in it end that report a loss
+    bool _isFailing;
+    bool _hasComplained;
+    std::chrono::steady_clock::time_point _nextTry;
+    std::atomic<std::uint64_t> _lost;
+    std::uint64_t _unreported; ///< lost messages of which the file does not tell
+};
+
+} // namespace Kr

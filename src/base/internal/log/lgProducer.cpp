@@ -1,0 +1,152 @@
+#include <base/internal/log/lgProducer.h>
+
+#include <base/internal/log/lgLogState.h>
+#include <base/internal/log/lgRecordGroup.h>
+
+#include <new>
+#include <thread>
+
+namespace Kr
+{
+
+namespace
+{
+
+// In blocking mode every message starts with that much room, so that no shorter one is cut.
+constexpr unsigned int roomAhead = 16383;
+
+bool hasRoom(const LgQueue& queue)
+{
+    return !queue.isFull() && queue.getStream().getNumCharacters() >= roomAhead;
+}
+
+/// The producer that waits does the reader's work meanwhile, if nobody else is doing it.
+void waitForRoom(const LgQueue& queue)
+{
+    while (!hasRoom(queue) && LgLogState::mayDrain())
+    {
+        LgLogState::drain(LgDrain::toBuffers);
+        std::this_thread::yield();
+    }
+}
+
+class BlockingObserver : public LgQueue::Observer
+{
+public:
+    void entryAdded(LgQueue*) override {}
+    void entryRemoved(LgQueue*) override {}
+    void waitForSpace(LgQueue* queue, int) override { waitForRoom(*queue); }
+};
+
+/// What a session left in the queue goes with the session.
+void discardQueue(LgQueue* queue)
+{
+    for (; !queue->isEmpty(); queue->removeEntry())
+    {
+        const LgQueue::Entry& entry = queue->readEntry();
+        const int count = entry.isOverflowEntry() ? entry.getOverflowCount() : 1;
+        LgLogState::countLost(static_cast<std::uint64_t>(count));
+    }
+    delete queue;
+}
+
+} // namespace
+
+LgProducer::LgProducer(bool isForOneMessage) noexcept
+    : _isForOneMessage(isForOneMessage)
+    , _sessionNumber(0)
+    , _thread(0)
+    , _depth(0)
+{
+}
+
+void LgProducer::join(std::uint32_t sessionNumber, unsigned long thread)
+{
+    end();
+    _sessionNumber = sessionNumber;
+    _thread = thread;
+    _depth = 0;
+}
+
+LgSpanRing* LgProducer::getRing() noexcept
+{
+    if (_ring != nullptr)
+        return _ring.get();
+    try
+    {
+        auto ring = std::make_shared<LgSpanRing>(_thread);
+        if (LgLogState::addRing(_sessionNumber, ring))
+            _ring = std::move(ring);
+    }
+    catch (const std::bad_alloc&)
+    {
+    }
+    return _ring.get();
+}
+
+/// Fatal and internal errors make room for themselves in any mode.
+LgStream* LgProducer::open(const char* group, LgTypes::Level level) noexcept
+{
+    LgQueue* queue = _depth < maxDepth ? getQueue(_depth) : nullptr;
+    if (queue == nullptr)
+    {
+        LgLogState::countLost(1);
+        return nullptr;
+    }
+    if (level <= LgTypes::FatalError)
+        waitForRoom(*queue);
+    else
+        queue->waitForSpace(1);
+    if (!queue->reserveEntry(level))
+        return nullptr;
+    ++_depth;
+    LgRecordGroup::write(queue->getStream(), group);
+    return &queue->getStream();
+}
+
+/// There is no message left to complete if the thread has joined another session meanwhile.
+bool LgProducer::close()
+{
+    if (_depth != 0)
+        _queues[--_depth]->addEntry();
+    return _isForOneMessage && _depth == 0;
+}
+
+void LgProducer::end()
+{
+    for (std::shared_ptr<LgQueue>& queue : _queues)
+    {
+        if (queue != nullptr)
+            queue->creatorExit();
+        queue.reset();
+    }
+    if (_ring != nullptr)
+        _ring->end();
+    _ring.reset();
+}
+
+LgQueue* LgProducer::getQueue(std::size_t depth) noexcept
+{
+    if (_queues[depth] != nullptr)
+        return _queues[depth].get();
+    try
+    {
+        std::shared_ptr<LgQueue> queue = makeQueue();
+        if (LgLogState::addQueue(_sessionNumber, queue))
+            _queues[depth] = std::move(queue);
+    }
+    catch (const std::bad_alloc&)
+    {
+    }
+    return _queues[depth].get();
+}
+
+std::shared_ptr<LgQueue> LgProducer::makeQueue() const
+{
+    std::shared_ptr<LgQueue> queue(new LgQueue(_thread), discardQueue);
+    if (LgLogState::isBlocking())
+        queue->changeObserver(ObjPtr<LgQueue::Observer>(new BlockingObserver));
+    return queue;
+}
+
+} // namespace Kr

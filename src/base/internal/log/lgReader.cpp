@@ -1,0 +1,115 @@
+#include <base/internal/log/lgReader.h>
+
+#include <base/hwCounter.h>
+#include <base/internal/log/lgRecordGroup.h>
+
+#include <algorithm>
+#include <cassert>
+#include <cstdio>
+#include <cstring>
+
+namespace Kr
+{
+
+namespace
+{
+
+constexpr std::size_t BufSize = 32768; // the stream's
+
+} // namespace
+
+LgReader::LgReader(LgRegistry& registry)
+    : _registry(registry)
+    , _buffer(new char[BufSize])
+    , _overflowed(0)
+{
+}
+
+bool LgReader::eventsPending()
+{
+    for (const std::shared_ptr<LgQueue>& queue : _registry.getQueues())
+        if (!queue->isEmpty())
+            return true;
+    return false;
+}
+
+bool LgReader::flushEarliest()
+{
+    _heads.clear();
+    for (const std::shared_ptr<LgQueue>& queue : _registry.getQueues())
+        addHead(queue.get(), ~0ULL);
+    if (_heads.empty())
+        return false;
+    flushEvent(_heads.front().queue);
+    return true;
+}
+
+/// What is logged while this runs is left for the next time, so that it ends in any flood.
+std::size_t LgReader::flushAll()
+{
+    const unsigned long long until = HwCounter::timeStamp();
+    _heads.clear();
+    for (const std::shared_ptr<LgQueue>& queue : _registry.getQueues())
+        addHead(queue.get(), until);
+    std::size_t count = 0;
+    while (!_heads.empty())
+    {
+        LgQueue* queue = _heads.front().queue;
+        std::pop_heap(_heads.begin(), _heads.end(), isLater);
+        _heads.pop_back();
+        flushEvent(queue);
+        addHead(queue, until);
+        ++count;
+    }
+    _registry.dropFinishedQueues();
+    return count;
+}
+
+void LgReader::addHead(LgQueue* queue, unsigned long long until)
+{
+    if (queue->isEmpty() || queue->readEntry().getTimeStamp() > until)
+        return;
+    _heads.push_back({queue->readEntry().getTimeStamp(), queue});
+    std::push_heap(_heads.begin(), _heads.end(), isLater);
+}
+
+/// The entry goes before anything that may throw: text and entry are read together or not at all.
+void LgReader::flushEvent(LgQueue* queue)
+{
+    const LgRecord record =
+        queue->readEntry().isOverflowEntry() ? readOverflow(queue) : readRecord(queue);
+    queue->removeEntry();
+    write(record);
+}
+
+LgRecord LgReader::readRecord(LgQueue* q)
+{
+    const LgQueue::Entry& entry = q->readEntry();
+    assert(q->getStream().getNextSize() < BufSize);
+    q->getStream() >> _buffer.get();
+    LgRecord record = {
+        entry.getLevel(), entry.getTimeStamp(), q->getThreadId(), {}, _buffer.get(), 0};
+    LgRecordGroup::split(record.text, record.group);
+    return record;
+}
+
+LgRecord LgReader::readOverflow(const LgQueue* queue)
+{
+    const LgQueue::Entry& entry = queue->readEntry();
+    const int count = entry.getOverflowCount();
+    _overflowed.fetch_add(static_cast<std::uint64_t>(count), std::memory_order_relaxed);
+    std::snprintf(_overflowText, sizeof _overflowText, "Event overflow [%d]", count);
+    return {LgTypes::Informational, entry.getTimeStamp(),
+            queue->getThreadId(),   {},
+            _overflowText,          count};
+}
+
+void LgReader::write(const LgRecord& record)
+{
+    if (_watcher)
+        _watcher(record);
+    if (LgOutput* output = _registry.getOutput(record.level))
+        output->write(record);
+}
+
+} // namespace Kr
