@@ -55,10 +55,11 @@ if(WIN32)
     endif()
 endif()
 
-# kr_family(<sources>...): adds one family's sources (paths below src) to the library.
-function(kr_family)
-    list(TRANSFORM ARGN PREPEND ${PROJECT_SOURCE_DIR}/src/)
-    target_sources(kr_base_objects PRIVATE ${ARGN})
+# kr_family(<name> [USES <families>...] SOURCES <files>...): adds one family's files (paths below src) to the library.
+function(kr_family name)
+    cmake_parse_arguments(arg "" "" "USES;SOURCES" ${ARGN})
+    list(TRANSFORM arg_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/src/)
+    target_sources(kr_base_objects PRIVATE ${arg_SOURCES})
 endfunction()
 
 # kr_program(<name> <sources>...): a program of this tree that uses the library.
