@@ -211,6 +211,16 @@ BOOL UnlockFileEx(HANDLE file, DWORD reserved, DWORD sizeLow, DWORD sizeHigh,
 BOOL MoveFileExA(const char* from, const char* to, DWORD flags) noexcept;
 BOOL CreateDirectoryA(const char* path, SECURITY_ATTRIBUTES* security) noexcept;
 
+// Machine (posix/machine.cpp)
+
+struct SYSTEM_INFO
+{
+    DWORD dwPageSize;
+};
+void GetSystemInfo(SYSTEM_INFO* info) noexcept;
+/// In bytes; 0 if there are no large pages.
+std::size_t GetLargePageMinimum() noexcept;
+
 // Processes (posix/process.cpp)
 
 DWORD GetCurrentProcessId() noexcept;
@@ -238,13 +248,27 @@ struct KrProcessorRegisters
 
 /// What the processor identification instruction answers to a leaf; all zero on a processor that
 /// does not have it, so that leaf 0 gives 0 as the maximum leaf.
-inline KrProcessorRegisters krIdentifyProcessor(std::uint32_t leaf) noexcept
+inline KrProcessorRegisters krIdentifyProcessor(std::uint32_t leaf,
+                                                std::uint32_t subleaf = 0) noexcept
 {
     KrProcessorRegisters answer;
 #if defined(__i386__) || defined(__x86_64__)
-    __cpuid_count(leaf, 0, answer.eax, answer.ebx, answer.ecx, answer.edx);
+    __cpuid_count(leaf, subleaf, answer.eax, answer.ebx, answer.ecx, answer.edx);
 #else
     static_cast<void>(leaf);
+    static_cast<void>(subleaf);
 #endif
     return answer;
+}
+
+/// Which register states the system saves, a bit each; only where bit 27 of leaf 1's third register
+/// says that it can be asked.
+inline std::uint64_t krSavedProcessorStates() noexcept
+{
+    std::uint32_t low = 0;
+    std::uint32_t high = 0;
+#if defined(__i386__) || defined(__x86_64__)
+    __asm__("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
+#endif
+    return std::uint64_t{high} << 32 | low;
 }
