@@ -1,6 +1,8 @@
 #include <base/hwCounter.h>
+#include <base/internal/log/lgColumnFormat.h>
 #include <base/internal/log/lgFile.h>
-#include <base/internal/log/lgLineFormat.h>
+#include <base/internal/log/lgJsonFormat.h>
+#include <base/internal/log/lgOutputs.h>
 #include <base/internal/log/lgReader.h>
 #include <base/internal/log/lgRegistry.h>
 #include <base/internal/log/lgSettings.h>
@@ -73,13 +75,13 @@ protected:
         auto output =
             std::make_shared<Kr::LgOutput>(std::make_unique<MemoryFile>(memory), "memory", format);
         for (unsigned int level = 0; level < LgTypes::NUM_LEVELS; ++level)
-            registry.setOutput(static_cast<LgTypes::Level>(level), output);
+            outputs.setOutput(static_cast<LgTypes::Level>(level), output);
     }
 
     std::shared_ptr<Kr::LgQueue> addQueue(unsigned long thread)
     {
         auto queue = std::make_shared<Kr::LgQueue>(thread);
-        registry.addQueue(queue);
+        queues.addQueue(queue);
         return queue;
     }
 
@@ -96,7 +98,7 @@ protected:
     /// The texts of all lines written so far.
     std::vector<std::string> texts()
     {
-        registry.flushOutputs(true);
+        outputs.flush(true);
         std::vector<std::string> all;
         std::istringstream stream(memory.text);
         for (std::string line; std::getline(stream, line);)
@@ -106,9 +108,10 @@ protected:
 
     const Kr::LgClock clock;
     Memory memory;
-    Kr::LgLineFormat format{clock, false, false};
-    Kr::LgRegistry registry;
-    Kr::LgReader reader{registry};
+    Kr::LgColumnFormat format{clock, false};
+    Kr::LgRegistry queues;
+    Kr::LgOutputs outputs;
+    Kr::LgReader reader{queues, outputs};
 };
 
 TEST_F(LogReader, WritesTheQueuesInTheOrderOfTheStamps)
@@ -176,7 +179,7 @@ TEST_F(LogReader, TakesTextsOfEverySizeAroundTheRingsLimit)
 TEST_F(LogReader, LevelsWithoutAnOutputAreDiscarded)
 {
     const auto queue = addQueue(1);
-    registry.setOutput(LgTypes::Warning, nullptr);
+    outputs.setOutput(LgTypes::Warning, nullptr);
     log(*queue, "unseen");
     log(*queue, "seen", LgTypes::Error);
     EXPECT_EQ(reader.flushAll(), 2U);
@@ -234,20 +237,20 @@ TEST_F(LogReader, AnOutageLosesOnlyWhatFindsNoRoomAndTellsSo)
         for (int i = 0; i < 20; ++i)
             log(*queue, std::string(1000, 'z'));
         reader.flushAll();
-        registry.flushOutputs(true);
+        outputs.flush(true);
     }
     const std::string complaint = testing::internal::GetCapturedStderr();
     EXPECT_EQ(countLines(complaint), 1U) << complaint;
     EXPECT_THAT(complaint, HasSubstr("memory: No room."));
     memory.fails = false;
-    const std::uint64_t lost = registry.getLostCount();
+    const std::uint64_t lost = outputs.getLostCount();
     const std::vector<std::string> all = texts();
     EXPECT_GT(lost, 0U);
     EXPECT_EQ(all.size() + lost, 401U + 1U);
     EXPECT_EQ(all.front(), "kept");
     EXPECT_EQ(all.back(),
               std::to_string(lost) + " messages were lost: the log could not be written");
-    EXPECT_EQ(registry.getLostCount(), lost);
+    EXPECT_EQ(outputs.getLostCount(), lost);
 }
 
 TEST_F(LogReader, AFailingFileIsNotTriedAtEveryTurn)
@@ -259,12 +262,12 @@ TEST_F(LogReader, AFailingFileIsNotTriedAtEveryTurn)
     {
         log(*queue, "w");
         reader.flushAll();
-        registry.flushOutputs(false);
+        outputs.flush(false);
     }
     testing::internal::GetCapturedStderr();
     EXPECT_LT(memory.appends, 50);
-    registry.closeOutputs();
-    EXPECT_EQ(registry.getLostCount(), 100U);
+    outputs.close();
+    EXPECT_EQ(outputs.getLostCount(), 100U);
 }
 
 /// The messages for which an overflow record stands are counted by the reader; when the record is
@@ -296,7 +299,7 @@ TEST_F(LogReader, AnOverflowRecordThatIsLostIsNoMessage)
             ++written;
     }
     EXPECT_EQ(written + reported, messages);
-    EXPECT_EQ(written + reader.getOverflowCount() + registry.getLostCount(), messages);
+    EXPECT_EQ(written + reader.getOverflowCount() + outputs.getLostCount(), messages);
 }
 
 struct LineCase
@@ -322,8 +325,8 @@ constexpr LineCase lineCases[] = {
 TEST(LogLine, EveryRecordIsOneLineInBothForms)
 {
     const Kr::LgClock clock;
-    Kr::LgLineFormat text(clock, false, false);
-    Kr::LgLineFormat json(clock, true, true);
+    Kr::LgColumnFormat text(clock, false);
+    Kr::LgJsonFormat json(clock, true);
     for (const LineCase& each : lineCases)
     {
         const Kr::LgRecord record = {
@@ -353,7 +356,7 @@ TEST(LogLine, ShowsTheTimeOfDayInUtc)
     };
     const std::string before = text(std::time(nullptr));
     const Kr::LgClock clock;
-    Kr::LgLineFormat format(clock, false, true);
+    Kr::LgColumnFormat format(clock, true);
     std::string line;
     format.append(line, {LgTypes::Error, Kr::HwCounter::timeStamp(), 0, {}, "now", 0});
     const std::string after = text(std::time(nullptr) + 1);

@@ -65,9 +65,9 @@ public:
     static std::string getTimelinePath();
 };
 
-/// In each source that logs: what its static objects log while the program ends is not lost.
-/// Windows ends all other threads before a library's own static objects go, so each module does
-/// this for itself.
+/// Older than the static objects of each source that logs: what these log while the program ends is
+/// not lost. One in a module, a program or a library: Windows ends all other threads before a
+/// library's own static objects go, so each does this for itself.
 class KR_BASE_API LgEndGuard
 {
 public:
@@ -77,6 +77,6 @@ public:
     ~LgEndGuard();
 };
 
-static const LgEndGuard lgEndGuard{};
+inline const LgEndGuard lgEndGuard{};
 
 } // namespace Kr

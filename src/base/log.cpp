@@ -1,6 +1,5 @@
 #include <base/log.h>
 
-#include <base/internal/log/lgLogState.h>
 #include <base/internal/log/lgProducer.h>
 
 namespace Kr
@@ -8,7 +7,7 @@ namespace Kr
 
 void LgStatement::open(const char* groupName) noexcept
 {
-    _producer = LgLogState::getProducer();
+    _producer = LgProducer::get();
     if (_producer != nullptr)
         _stream = _producer->open(groupName, _level);
 }
@@ -17,7 +16,7 @@ void LgStatement::complete() noexcept
 {
     _stream = nullptr;
     if (_producer->close())
-        LgLogState::endProducer();
+        LgProducer::end();
     if (_level <= LgTypes::FatalError)
         LgLog::flushToDisk();
 }

@@ -1,13 +1,13 @@
 #include <base/internal/log/lgLogState.h>
 
 #include <base/internal/log/lgProcess.h>
-#include <base/internal/log/lgProducer.h>
+#include <base/internal/log/lgReaderThread.h>
+#include <base/internal/log/lgThread.h>
 
 #include <atomic>
 #include <chrono>
 #include <exception>
 #include <mutex>
-#include <optional>
 #include <thread>
 
 namespace Kr
@@ -15,6 +15,11 @@ namespace Kr
 
 namespace
 {
+
+std::size_t drainToBuffers() noexcept
+{
+    return LgLogState::drain(LgDrain::toBuffers);
+}
 
 /// Never destroyed: threads may log while the process ends.
 struct State
@@ -27,9 +32,7 @@ struct State
     std::atomic<std::uint64_t> lost{0};
     std::atomic<bool> isBlocking{false};
     std::atomic<unsigned long> mainThread{0}; // the one that started the session
-    LgProducer* mainProducer = nullptr;
-    bool isMainForking = false;
-    std::terminate_handler previousHandler = nullptr;
+    std::atomic<LgReaderThread*> readerThread{new LgReaderThread(drainToBuffers)};
 };
 
 State& state()
@@ -38,65 +41,13 @@ State& state()
     return instance;
 }
 
-// Plain thread-locals, which can be looked at while the thread ends.
-thread_local LgProducer* producer = nullptr;
-thread_local bool isEnded = false;
-thread_local bool isDraining = false;
-
-bool isMainThread()
-{
-    return LgProcess::getThreadId() == state().mainThread;
-}
-
-/// Ends the producer of its thread. That of the main thread lives on with the session: static
-/// objects may log while they are destroyed.
-struct ProducerEnd
-{
-    ProducerEnd() = default;
-    ProducerEnd(const ProducerEnd&) = delete;
-    ProducerEnd& operator=(const ProducerEnd&) = delete;
-
-    ~ProducerEnd()
-    {
-        if (producer == nullptr || (isMainThread() && state().number != 0))
-            return;
-        isEnded = true;
-        LgLogState::endProducer();
-    }
-
-    void arm() {}
-};
-
-thread_local ProducerEnd producerEnd;
-
-/// Keeps the output path from logging into what it drains.
-class OutputGuard
-{
-public:
-    OutputGuard()
-    {
-        LgQueue* queue = producer != nullptr ? producer->findQueue() : nullptr;
-        if (queue != nullptr)
-            _suppress.emplace(*queue);
-        isDraining = true;
-    }
-
-    OutputGuard(const OutputGuard&) = delete;
-    OutputGuard& operator=(const OutputGuard&) = delete;
-
-    ~OutputGuard() { isDraining = false; }
-
-private:
-    std::optional<LgQueue::SuppressGuard> _suppress;
-};
-
-/// Drains; the caller holds the lock.
+/// The caller holds the lock.
 std::size_t drainSession(LgDrain how) noexcept
 {
     LgSession* session = state().session;
     if (session == nullptr)
         return 0;
-    const OutputGuard guard;
+    const LgThread::OutputGuard guard;
     try
     {
         return session->drain(how);
@@ -108,109 +59,21 @@ std::size_t drainSession(LgDrain how) noexcept
     }
 }
 
-std::size_t drainToBuffers() noexcept
-{
-    return LgLogState::drain(LgDrain::toBuffers);
-}
-
-[[noreturn]] void onTerminate()
-{
-    LgLogState::drainAtEnd(LgDrain::toDisk);
-    if (state().previousHandler != nullptr)
-        state().previousHandler();
-    std::abort();
-}
-
-void beforeFork()
-{
-    state().isMainForking = isMainThread();
-    if (!isDraining)
-    {
-        state().draining.lock();
-        drainSession(LgDrain::toSystem);
-    }
-    state().pointer.lock();
-}
-
-void inParent()
-{
-    state().pointer.unlock();
-    if (!isDraining)
-        state().draining.unlock();
-}
-
-/// The other threads are gone, and what they logged is the parent's: a new session begins.
-void inChild()
-{
-    if (state().session != nullptr)
-    {
-        state().session = LgSession::forFork(state().session);
-        state().number = ++state().lastNumber;
-    }
-    if (state().isMainForking)
-        state().mainThread = LgProcess::getThreadId();
-    inParent();
-}
-
-void installHandlers()
-{
-    static const bool isHandlingForks = (LgProcess::onFork(beforeFork, inParent, inChild), true);
-    static_cast<void>(isHandlingForks);
-    const std::terminate_handler previous = std::set_terminate(onTerminate);
-    if (previous != onTerminate)
-        state().previousHandler = previous;
-}
-
-/// The library may be unloaded after it has stopped.
-void removeTerminateHandler()
-{
-    if (std::get_terminate() == onTerminate)
-        std::set_terminate(state().previousHandler);
-}
-
-/// Joins the calling thread to the session of that number; null if memory is short.
-LgProducer* join(std::uint32_t number) noexcept
-{
-    if (producer == nullptr)
-        producer = new (std::nothrow) LgProducer(isEnded);
-    if (producer == nullptr)
-        return nullptr;
-    if (!isEnded)
-        producerEnd.arm();
-    const bool isMain = isMainThread();
-    producer->join(number, isMain ? 0 : LgProcess::getThreadId());
-    const std::lock_guard<std::mutex> lock(state().pointer);
-    if (isMain)
-        state().mainProducer = producer;
-    if (state().number == number)
-        state().session->startReader(drainToBuffers);
-    return producer;
-}
-
 } // namespace
 
-LgProducer* LgLogState::getProducer() noexcept
+std::uint32_t LgLogState::getSessionNumber() noexcept
 {
-    const std::uint32_t number = state().number.load(std::memory_order_acquire);
-    if (number == 0 || isDraining)
-        return nullptr;
-    if (producer != nullptr && producer->getSessionNumber() == number)
-        return producer;
-    return join(number);
+    return state().number.load(std::memory_order_acquire);
 }
 
-LgProducer* LgLogState::getLastingProducer() noexcept
+bool LgLogState::isMainThread() noexcept
 {
-    return isEnded ? nullptr : getProducer();
+    return LgProcess::getThreadId() == state().mainThread;
 }
 
-void LgLogState::endProducer() noexcept
+bool LgLogState::isBlocking() noexcept
 {
-    if (producer == state().mainProducer)
-        state().mainProducer = nullptr;
-    producer->end();
-    delete producer;
-    producer = nullptr;
+    return state().isBlocking;
 }
 
 bool LgLogState::addQueue(std::uint32_t sessionNumber, const std::shared_ptr<LgQueue>& queue)
@@ -231,19 +94,31 @@ bool LgLogState::addRing(std::uint32_t sessionNumber, const std::shared_ptr<LgSp
     return true;
 }
 
-bool LgLogState::isBlocking() noexcept
+void LgLogState::startReader(std::uint32_t sessionNumber) noexcept
 {
-    return state().isBlocking;
+    const std::lock_guard<std::mutex> lock(state().pointer);
+    if (state().number == sessionNumber)
+        state().readerThread.load()->start();
+}
+
+void LgLogState::wakeReader() noexcept
+{
+    state().readerThread.load()->wake();
+}
+
+void LgLogState::countLost(std::uint64_t count) noexcept
+{
+    state().lost.fetch_add(count, std::memory_order_relaxed);
 }
 
 bool LgLogState::mayDrain() noexcept
 {
-    return !isDraining && state().number != 0;
+    return !LgThread::get().isInOutput && state().number != 0;
 }
 
 std::size_t LgLogState::drain(LgDrain how) noexcept
 {
-    if (isDraining)
+    if (LgThread::get().isInOutput)
         return 0;
     const std::lock_guard<std::mutex> lock(state().draining);
     return drainSession(how);
@@ -251,7 +126,7 @@ std::size_t LgLogState::drain(LgDrain how) noexcept
 
 void LgLogState::drainAtEnd(LgDrain how) noexcept
 {
-    if (isDraining)
+    if (LgThread::get().isInOutput)
         return;
     std::unique_lock<std::mutex> lock(state().draining, std::defer_lock);
     for (int milliseconds = 0; !lock.try_lock(); ++milliseconds)
@@ -263,14 +138,8 @@ void LgLogState::drainAtEnd(LgDrain how) noexcept
     drainSession(how);
 }
 
-void LgLogState::countLost(std::uint64_t count) noexcept
-{
-    state().lost.fetch_add(count, std::memory_order_relaxed);
-}
-
 void LgLogState::start(std::unique_ptr<LgSession> session)
 {
-    installHandlers();
     const std::scoped_lock lock(state().draining, state().pointer);
     state().isBlocking = session->getSettings().isBlocking;
     state().mainThread = LgProcess::getThreadId();
@@ -288,8 +157,7 @@ void LgLogState::stop()
     }
     if (state().session == nullptr)
         return;
-    state().session->stopReader();
-    removeTerminateHandler();
+    state().readerThread.load()->stop();
     const std::lock_guard<std::mutex> draining(state().draining);
     drainSession(LgDrain::toSystem);
     drainSession(LgDrain::toSystem);
@@ -312,6 +180,36 @@ LgSettings LgLogState::getSettings()
 {
     const std::lock_guard<std::mutex> lock(state().pointer);
     return state().session != nullptr ? state().session->getSettings() : LgSettings();
+}
+
+/// A thread that forks inside the logger's output holds the first lock already.
+void LgLogState::lockForFork() noexcept
+{
+    if (!LgThread::get().isInOutput)
+    {
+        state().draining.lock();
+        drainSession(LgDrain::toSystem);
+    }
+    state().pointer.lock();
+}
+
+void LgLogState::unlockAfterFork() noexcept
+{
+    state().pointer.unlock();
+    if (!LgThread::get().isInOutput)
+        state().draining.unlock();
+}
+
+void LgLogState::beginForkedSession(bool isMainThread)
+{
+    state().readerThread = new LgReaderThread(drainToBuffers, state().readerThread);
+    if (state().session != nullptr)
+    {
+        state().session = LgSession::forFork(state().session);
+        state().number = ++state().lastNumber;
+    }
+    if (isMainThread)
+        state().mainThread = LgProcess::getThreadId();
 }
 
 } // namespace Kr

@@ -1,8 +1,11 @@
 #include <base/internal/log/lgProducer.h>
 
 #include <base/internal/log/lgLogState.h>
+#include <base/internal/log/lgProcess.h>
 #include <base/internal/log/lgRecordGroup.h>
+#include <base/internal/log/lgThread.h>
 
+#include <atomic>
 #include <new>
 #include <thread>
 
@@ -50,7 +53,76 @@ void discardQueue(LgQueue* queue)
     delete queue;
 }
 
+// Plain thread-locals, which can be looked at while the thread ends.
+thread_local LgProducer* producer = nullptr;
+thread_local bool isEnded = false;
+
+/// That of the thread that started the session, which nothing else may be left to name.
+std::atomic<LgProducer*> mainProducer{nullptr};
+
+/// Ends the producer of its thread. That of the main thread lives on with the session: static
+/// objects may log while they are destroyed.
+struct ProducerEnd
+{
+    ProducerEnd() = default;
+    ProducerEnd(const ProducerEnd&) = delete;
+    ProducerEnd& operator=(const ProducerEnd&) = delete;
+
+    ~ProducerEnd()
+    {
+        if (producer == nullptr ||
+            (LgLogState::isMainThread() && LgLogState::getSessionNumber() != 0))
+            return;
+        isEnded = true;
+        LgProducer::end();
+    }
+
+    void arm() {}
+};
+
+thread_local ProducerEnd producerEnd;
+
 } // namespace
+
+LgProducer* LgProducer::get() noexcept
+{
+    const std::uint32_t number = LgLogState::getSessionNumber();
+    if (number == 0 || LgThread::get().isInOutput)
+        return nullptr;
+    if (producer != nullptr && producer->_sessionNumber == number)
+        return producer;
+    return joinCaller(number);
+}
+
+LgProducer* LgProducer::getLasting() noexcept
+{
+    return isEnded ? nullptr : get();
+}
+
+void LgProducer::end() noexcept
+{
+    if (producer == mainProducer)
+        mainProducer = nullptr;
+    delete producer;
+    producer = nullptr;
+}
+
+/// Joins the calling thread to the session of that number; null if memory is short.
+LgProducer* LgProducer::joinCaller(std::uint32_t sessionNumber) noexcept
+{
+    if (producer == nullptr)
+        producer = new (std::nothrow) LgProducer(isEnded);
+    if (producer == nullptr)
+        return nullptr;
+    if (!isEnded)
+        producerEnd.arm();
+    const bool isMain = LgLogState::isMainThread();
+    if (isMain)
+        mainProducer = producer;
+    producer->join(sessionNumber, isMain ? 0 : LgProcess::getThreadId());
+    LgLogState::startReader(sessionNumber);
+    return producer;
+}
 
 LgProducer::LgProducer(bool isForOneMessage) noexcept
     : _isForOneMessage(isForOneMessage)
@@ -60,9 +132,10 @@ LgProducer::LgProducer(bool isForOneMessage) noexcept
 {
 }
 
+/// Leaves the session for another one, where the thread has logged nothing yet.
 void LgProducer::join(std::uint32_t sessionNumber, unsigned long thread)
 {
-    end();
+    leave();
     _sessionNumber = sessionNumber;
     _thread = thread;
     _depth = 0;
@@ -112,8 +185,9 @@ bool LgProducer::close()
     return _isForOneMessage && _depth == 0;
 }
 
-void LgProducer::end()
+void LgProducer::leave() noexcept
 {
+    LgThread::get().queue = nullptr;
     for (std::shared_ptr<LgQueue>& queue : _queues)
     {
         if (queue != nullptr)
@@ -134,6 +208,7 @@ LgQueue* LgProducer::getQueue(std::size_t depth) noexcept
         std::shared_ptr<LgQueue> queue = makeQueue();
         if (LgLogState::addQueue(_sessionNumber, queue))
             _queues[depth] = std::move(queue);
+        LgThread::get().queue = _queues[0].get();
     }
     catch (const std::bad_alloc&)
     {

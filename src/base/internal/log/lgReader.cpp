@@ -18,8 +18,9 @@ constexpr std::size_t BufSize = 32768; // the stream's
 
 } // namespace
 
-LgReader::LgReader(LgRegistry& registry)
-    : _registry(registry)
+LgReader::LgReader(LgRegistry& queues, LgOutputs& outputs)
+    : _queues(queues)
+    , _outputs(outputs)
     , _buffer(new char[BufSize])
     , _overflowed(0)
 {
@@ -27,7 +28,7 @@ LgReader::LgReader(LgRegistry& registry)
 
 bool LgReader::eventsPending()
 {
-    for (const std::shared_ptr<LgQueue>& queue : _registry.getQueues())
+    for (const std::shared_ptr<LgQueue>& queue : _queues.getQueues())
         if (!queue->isEmpty())
             return true;
     return false;
@@ -36,7 +37,7 @@ bool LgReader::eventsPending()
 bool LgReader::flushEarliest()
 {
     _heads.clear();
-    for (const std::shared_ptr<LgQueue>& queue : _registry.getQueues())
+    for (const std::shared_ptr<LgQueue>& queue : _queues.getQueues())
         addHead(queue.get(), ~0ULL);
     if (_heads.empty())
         return false;
@@ -49,7 +50,7 @@ std::size_t LgReader::flushAll()
 {
     const unsigned long long until = HwCounter::timeStamp();
     _heads.clear();
-    for (const std::shared_ptr<LgQueue>& queue : _registry.getQueues())
+    for (const std::shared_ptr<LgQueue>& queue : _queues.getQueues())
         addHead(queue.get(), until);
     std::size_t count = 0;
     while (!_heads.empty())
@@ -61,7 +62,7 @@ std::size_t LgReader::flushAll()
         addHead(queue, until);
         ++count;
     }
-    _registry.dropFinishedQueues();
+    _queues.dropFinishedQueues();
     return count;
 }
 
@@ -108,8 +109,7 @@ void LgReader::write(const LgRecord& record)
 {
     if (_watcher)
         _watcher(record);
-    if (LgOutput* output = _registry.getOutput(record.level))
-        output->write(record);
+    _outputs.write(record);
 }
 
 } // namespace Kr

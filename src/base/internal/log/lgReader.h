@@ -7,6 +7,7 @@
 /// Used by one thread at a time. Pitfall: a message is seen when its thread has completed it. One
 /// that was begun before, but completed after a message that is written already, comes behind it.
 
+#include <base/internal/log/lgOutputs.h>
 #include <base/internal/log/lgRegistry.h>
 
 #include <atomic>
@@ -24,7 +25,8 @@ public:
     /// Sees every record that is read, before its output does.
     using Watcher = std::function<void(const LgRecord&)>;
 
-    explicit LgReader(LgRegistry& registry);
+    /// Both must outlive it.
+    LgReader(LgRegistry& queues, LgOutputs& outputs);
     LgReader(const LgReader&) = delete;
     LgReader& operator=(const LgReader&) = delete;
 
@@ -56,7 +58,8 @@ private:
     LgRecord readOverflow(const LgQueue* queue);
     void write(const LgRecord& record);
 
-    LgRegistry& _registry;
+    LgRegistry& _queues;
+    LgOutputs& _outputs;
     Watcher _watcher;
     std::vector<Head> _heads; // a heap, the earliest in front
     std::unique_ptr<char[]> _buffer;
