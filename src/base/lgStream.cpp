@@ -12,7 +12,7 @@ namespace Kr
 
 LgStream::LgStream(unsigned int ringSize)
     : _mask(ringSize - 1)
-    , _room(ringSize - 1)
+    , _room((ringSize - 1) / 2)
 {
     KR_ASSERT(ringSize >= 4 && (ringSize & (ringSize - 1)) == 0);
     _buffer.reset(new char[ringSize]);
