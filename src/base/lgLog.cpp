@@ -49,6 +49,11 @@ std::uint64_t LgLog::getLostCount()
     return LgLogState::getLostCount();
 }
 
+std::uint64_t LgLog::getCutCount()
+{
+    return LgLogState::getCutCount();
+}
+
 std::string LgLog::getDirectory()
 {
     return LgLogState::getSettings().directory;

@@ -60,6 +60,10 @@ public:
     /// could not be written, or while the logger stopped.
     static std::uint64_t getLostCount();
 
+    /// How many messages were written of which a part is missing, since the process began: a value
+    /// that did not fit into its queue and reads "#", or the rest after the queue was full.
+    static std::uint64_t getCutCount();
+
     /// Where the files are, and the timeline; empty while the logger is not up, or has no timeline.
     static std::string getDirectory();
     static std::string getTimelinePath();

@@ -1,5 +1,6 @@
 #include <base/internal/log/lgFork.h>
 
+#include <base/internal/log/lgGroupNames.h>
 #include <base/internal/log/lgLogState.h>
 #include <base/internal/log/lgProcess.h>
 
@@ -15,20 +16,26 @@ void beforeFork()
 {
     isMainForking = LgLogState::isMainThread();
     LgLogState::lockForFork();
+    LgGroupNames::getMutex().lock();
+}
+
+void inParent()
+{
+    LgGroupNames::getMutex().unlock();
+    LgLogState::unlockAfterFork();
 }
 
 void inChild()
 {
     LgLogState::beginForkedSession(isMainForking);
-    LgLogState::unlockAfterFork();
+    inParent();
 }
 
 } // namespace
 
 void LgFork::install()
 {
-    static const bool isInstalled =
-        (LgProcess::onFork(beforeFork, LgLogState::unlockAfterFork, inChild), true);
+    static const bool isInstalled = (LgProcess::onFork(beforeFork, inParent, inChild), true);
     static_cast<void>(isInstalled);
 }
 

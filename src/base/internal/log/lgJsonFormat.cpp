@@ -39,6 +39,8 @@ void LgJsonFormat::append(std::string& line, const LgRecord& record)
         line += ",\"lost\":";
         LgLineText::appendNumber(line, record.lost);
     }
+    if (record.isCut)
+        line += ",\"cut\":true";
     line += ",\"text\":";
     LgJson::appendString(line, record.text);
     line += "}\n";

@@ -27,9 +27,9 @@ struct State
     std::mutex draining; // held by whoever drains; taken before `pointer`
     std::mutex pointer;  // guards `session` against those who add to it
     LgSession* session = nullptr;
-    std::atomic<std::uint32_t> number{0}; // of the session; 0 while there is none
     std::uint32_t lastNumber = 0;
     std::atomic<std::uint64_t> lost{0};
+    std::uint64_t cut = 0; // in sessions that have ended
     std::atomic<bool> isBlocking{false};
     std::atomic<unsigned long> mainThread{0}; // the one that started the session
     std::atomic<LgReaderThread*> readerThread{new LgReaderThread(drainToBuffers)};
@@ -61,10 +61,7 @@ std::size_t drainSession(LgDrain how) noexcept
 
 } // namespace
 
-std::uint32_t LgLogState::getSessionNumber() noexcept
-{
-    return state().number.load(std::memory_order_acquire);
-}
+std::atomic<std::uint32_t> LgLogState::_number{0};
 
 bool LgLogState::isMainThread() noexcept
 {
@@ -79,7 +76,7 @@ bool LgLogState::isBlocking() noexcept
 bool LgLogState::addQueue(std::uint32_t sessionNumber, const std::shared_ptr<LgQueue>& queue)
 {
     const std::lock_guard<std::mutex> lock(state().pointer);
-    if (state().number != sessionNumber)
+    if (_number != sessionNumber)
         return false;
     state().session->getRegistry().addQueue(queue);
     return true;
@@ -88,7 +85,7 @@ bool LgLogState::addQueue(std::uint32_t sessionNumber, const std::shared_ptr<LgQ
 bool LgLogState::addRing(std::uint32_t sessionNumber, const std::shared_ptr<LgSpanRing>& ring)
 {
     const std::lock_guard<std::mutex> lock(state().pointer);
-    if (state().number != sessionNumber || state().session->getTimeline() == nullptr)
+    if (_number != sessionNumber || state().session->getTimeline() == nullptr)
         return false;
     state().session->getTimeline()->addRing(ring);
     return true;
@@ -97,7 +94,7 @@ bool LgLogState::addRing(std::uint32_t sessionNumber, const std::shared_ptr<LgSp
 void LgLogState::startReader(std::uint32_t sessionNumber) noexcept
 {
     const std::lock_guard<std::mutex> lock(state().pointer);
-    if (state().number == sessionNumber)
+    if (_number == sessionNumber)
         state().readerThread.load()->start();
 }
 
@@ -113,7 +110,7 @@ void LgLogState::countLost(std::uint64_t count) noexcept
 
 bool LgLogState::mayDrain() noexcept
 {
-    return !LgThread::get().isInOutput && state().number != 0;
+    return !LgThread::get().isInOutput && _number != 0;
 }
 
 std::size_t LgLogState::drain(LgDrain how) noexcept
@@ -144,7 +141,7 @@ void LgLogState::start(std::unique_ptr<LgSession> session)
     state().isBlocking = session->getSettings().isBlocking;
     state().mainThread = LgProcess::getThreadId();
     state().session = session.release();
-    state().number = ++state().lastNumber;
+    _number = ++state().lastNumber;
 }
 
 /// The number goes first, so that nothing new is logged and no reader started. Messages that were
@@ -153,7 +150,7 @@ void LgLogState::stop()
 {
     {
         const std::lock_guard<std::mutex> lock(state().pointer);
-        state().number = 0;
+        _number = 0;
     }
     if (state().session == nullptr)
         return;
@@ -166,6 +163,7 @@ void LgLogState::stop()
     state().session = nullptr;
     session->close();
     countLost(session->getLostCount());
+    state().cut += session->getCutCount();
 }
 
 std::uint64_t LgLogState::getLostCount()
@@ -174,6 +172,12 @@ std::uint64_t LgLogState::getLostCount()
     const std::uint64_t inSession =
         state().session != nullptr ? state().session->getLostCount() : 0;
     return state().lost + inSession;
+}
+
+std::uint64_t LgLogState::getCutCount()
+{
+    const std::lock_guard<std::mutex> lock(state().pointer);
+    return state().cut + (state().session != nullptr ? state().session->getCutCount() : 0);
 }
 
 LgSettings LgLogState::getSettings()
@@ -206,7 +210,7 @@ void LgLogState::beginForkedSession(bool isMainThread)
     if (state().session != nullptr)
     {
         state().session = LgSession::forFork(state().session);
-        state().number = ++state().lastNumber;
+        _number = ++state().lastNumber;
     }
     if (isMainThread)
         state().mainThread = LgProcess::getThreadId();

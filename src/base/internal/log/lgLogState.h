@@ -6,6 +6,7 @@
 
 #include <base/internal/log/lgSession.h>
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 
@@ -18,7 +19,10 @@ public:
     // For those who log
 
     /// The number of the session; 0 while there is none.
-    static std::uint32_t getSessionNumber() noexcept;
+    static std::uint32_t getSessionNumber() noexcept
+    {
+        return _number.load(std::memory_order_acquire);
+    }
 
     /// Whether the calling thread is the one that started the session.
     static bool isMainThread() noexcept;
@@ -55,6 +59,7 @@ public:
     static void start(std::unique_ptr<LgSession> session);
     static void stop();
     static std::uint64_t getLostCount();
+    static std::uint64_t getCutCount();
 
     /// Empty ones while there is no session.
     static LgSettings getSettings();
@@ -68,6 +73,9 @@ public:
     /// Replaces the session by one that goes on in the child. The caller holds the locks.
     /// @param isMainThread whether the thread that forked had started the session
     static void beginForkedSession(bool isMainThread);
+
+private:
+    static std::atomic<std::uint32_t> _number;
 };
 
 } // namespace Kr

@@ -2,7 +2,6 @@
 
 #include <base/internal/log/lgLogState.h>
 #include <base/internal/log/lgProcess.h>
-#include <base/internal/log/lgRecordGroup.h>
 #include <base/internal/log/lgThread.h>
 
 #include <atomic>
@@ -128,7 +127,6 @@ LgProducer::LgProducer(bool isForOneMessage) noexcept
     : _isForOneMessage(isForOneMessage)
     , _sessionNumber(0)
     , _thread(0)
-    , _depth(0)
 {
 }
 
@@ -138,7 +136,6 @@ void LgProducer::join(std::uint32_t sessionNumber, unsigned long thread)
     leave();
     _sessionNumber = sessionNumber;
     _thread = thread;
-    _depth = 0;
 }
 
 LgSpanRing* LgProducer::getRing() noexcept
@@ -158,9 +155,9 @@ LgSpanRing* LgProducer::getRing() noexcept
 }
 
 /// Fatal and internal errors make room for themselves in any mode.
-LgStream* LgProducer::open(const char* group, LgTypes::Level level) noexcept
+LgQueue* LgProducer::open(std::uint16_t group, LgTypes::Level level) noexcept
 {
-    LgQueue* queue = _depth < maxDepth ? getQueue(_depth) : nullptr;
+    LgQueue* queue = findFreeQueue();
     if (queue == nullptr)
     {
         LgLogState::countLost(1);
@@ -170,30 +167,23 @@ LgStream* LgProducer::open(const char* group, LgTypes::Level level) noexcept
         waitForRoom(*queue);
     else
         queue->waitForSpace(1);
-    if (!queue->reserveEntry(level))
-        return nullptr;
-    ++_depth;
-    LgRecordGroup::write(queue->getStream(), group);
-    return &queue->getStream();
+    return queue->reserveGroupEntry(level, group) ? queue : nullptr;
 }
 
-/// There is no message left to complete if the thread has joined another session meanwhile.
-bool LgProducer::close()
+void LgProducer::endIfDone() noexcept
 {
-    if (_depth != 0)
-        _queues[--_depth]->addEntry();
-    return _isForOneMessage && _depth == 0;
+    if (producer != nullptr && producer->_isForOneMessage && !producer->_queues[0]->isReserved())
+        end();
 }
 
 void LgProducer::leave() noexcept
 {
     LgThread::get().queue = nullptr;
-    for (std::shared_ptr<LgQueue>& queue : _queues)
-    {
+    LgThread::get().session = LgThread::noSession;
+    for (const std::shared_ptr<LgQueue>& queue : _queues)
         if (queue != nullptr)
             queue->creatorExit();
-        queue.reset();
-    }
+    _formerQueues = std::move(_queues);
     if (_ring != nullptr)
         _ring->end();
     _ring.reset();
@@ -208,7 +198,8 @@ LgQueue* LgProducer::getQueue(std::size_t depth) noexcept
         std::shared_ptr<LgQueue> queue = makeQueue();
         if (LgLogState::addQueue(_sessionNumber, queue))
             _queues[depth] = std::move(queue);
-        LgThread::get().queue = _queues[0].get();
+        if (depth == 0)
+            showQueue();
     }
     catch (const std::bad_alloc&)
     {
@@ -216,9 +207,32 @@ LgQueue* LgProducer::getQueue(std::size_t depth) noexcept
     return _queues[depth].get();
 }
 
+/// From now on the thread's statements go into the queue without asking the producer, unless that
+/// is for one message.
+void LgProducer::showQueue() noexcept
+{
+    LgThread& thread = LgThread::get();
+    thread.queue = _queues[0].get();
+    if (thread.queue != nullptr && !_isForOneMessage)
+        thread.session = _sessionNumber;
+}
+
+/// The first one into which no message is being written.
+LgQueue* LgProducer::findFreeQueue() noexcept
+{
+    for (std::size_t depth = 0; depth < _queues.size(); ++depth)
+    {
+        LgQueue* queue = getQueue(depth);
+        if (queue == nullptr || !queue->isReserved())
+            return queue;
+    }
+    return nullptr;
+}
+
 std::shared_ptr<LgQueue> LgProducer::makeQueue() const
 {
     std::shared_ptr<LgQueue> queue(new LgQueue(_thread), discardQueue);
+    queue->setHalfFullHandler(LgLogState::wakeReader);
     if (LgLogState::isBlocking())
         queue->changeObserver(ObjPtr<LgQueue::Observer>(new BlockingObserver));
     return queue;

@@ -33,16 +33,17 @@ public:
     LgQueue* getQueue() noexcept { return getQueue(0); }
     LgSpanRing* getRing() noexcept;
 
-    /// Begins a message; null if it is dropped.
-    LgStream* open(const char* group, LgTypes::Level level) noexcept;
+    /// Begins a message, which the returned queue takes; null if it is dropped.
+    /// @param group its number, see `LgMinorGroup`
+    LgQueue* open(std::uint16_t group, LgTypes::Level level) noexcept;
 
-    /// Completes the message that was begun last. Returns whether the producer has done its work.
-    bool close();
+    /// To be called when a message is complete: lets go of a producer for one message.
+    static void endIfDone() noexcept;
 
 private:
     // A message that is logged while the values of another one are computed goes into a queue of
     // its own, or the two texts would mix.
-    static constexpr std::size_t maxDepth = 4;
+    using Queues = std::array<std::shared_ptr<LgQueue>, 4>;
 
     explicit LgProducer(bool isForOneMessage) noexcept;
     ~LgProducer() { leave(); }
@@ -51,13 +52,15 @@ private:
     void join(std::uint32_t sessionNumber, unsigned long thread);
     void leave() noexcept;
     LgQueue* getQueue(std::size_t depth) noexcept;
+    LgQueue* findFreeQueue() noexcept;
+    void showQueue() noexcept;
     std::shared_ptr<LgQueue> makeQueue() const;
 
     const bool _isForOneMessage; // its thread is about to end
     std::uint32_t _sessionNumber;
     unsigned long _thread; // the number under which its records appear
-    std::size_t _depth;
-    std::array<std::shared_ptr<LgQueue>, maxDepth> _queues;
+    Queues _queues;
+    Queues _formerQueues; // of the session that was left: a message may be on its way there
     std::shared_ptr<LgSpanRing> _ring;
 };
 

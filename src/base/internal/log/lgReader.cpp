@@ -1,7 +1,7 @@
 #include <base/internal/log/lgReader.h>
 
 #include <base/hwCounter.h>
-#include <base/internal/log/lgRecordGroup.h>
+#include <base/internal/log/lgGroupNames.h>
 
 #include <algorithm>
 #include <cassert>
@@ -23,6 +23,7 @@ LgReader::LgReader(LgRegistry& queues, LgOutputs& outputs)
     , _outputs(outputs)
     , _buffer(new char[BufSize])
     , _overflowed(0)
+    , _cut(0)
 {
 }
 
@@ -86,12 +87,20 @@ void LgReader::flushEvent(LgQueue* queue)
 LgRecord LgReader::readRecord(LgQueue* q)
 {
     const LgQueue::Entry& entry = q->readEntry();
+    const std::string_view group = getGroupName(entry.getGroup());
     assert(q->getStream().getNextSize() < BufSize);
     q->getStream() >> _buffer.get();
-    LgRecord record = {
-        entry.getLevel(), entry.getTimeStamp(), q->getThreadId(), {}, _buffer.get(), 0};
-    LgRecordGroup::split(record.text, record.group);
-    return record;
+    _cut.fetch_add(entry.isCut() ? 1 : 0, std::memory_order_relaxed);
+    return {entry.getLevel(), entry.getTimeStamp(), q->getThreadId(), group, _buffer.get(), 0,
+            entry.isCut()};
+}
+
+std::string_view LgReader::getGroupName(std::uint16_t number)
+{
+    while (number >= _groupNames.size())
+        _groupNames.push_back(
+            LgGroupNames::getName(static_cast<std::uint16_t>(_groupNames.size())));
+    return _groupNames[number];
 }
 
 LgRecord LgReader::readOverflow(const LgQueue* queue)

@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 namespace Kr
@@ -44,6 +45,9 @@ public:
     /// The sum of the overflow entries' counts. May be called by any thread.
     std::uint64_t getOverflowCount() const { return _overflowed.load(std::memory_order_relaxed); }
 
+    /// How many messages were read that had been cut. May be called by any thread.
+    std::uint64_t getCutCount() const { return _cut.load(std::memory_order_relaxed); }
+
 private:
     struct Head
     {
@@ -56,6 +60,7 @@ private:
     void flushEvent(LgQueue* queue);
     LgRecord readRecord(LgQueue* queue);
     LgRecord readOverflow(const LgQueue* queue);
+    std::string_view getGroupName(std::uint16_t number);
     void write(const LgRecord& record);
 
     LgRegistry& _queues;
@@ -64,7 +69,9 @@ private:
     std::vector<Head> _heads; // a heap, the earliest in front
     std::unique_ptr<char[]> _buffer;
     char _overflowText[40];
+    std::vector<std::string_view> _groupNames; // by number, as far as they were met
     std::atomic<std::uint64_t> _overflowed;
+    std::atomic<std::uint64_t> _cut;
 };
 
 } // namespace Kr

@@ -51,7 +51,7 @@ void LgReaderThread::stop()
 /// The lock makes sure that the thread is not just between its look at the flag and its wait.
 void LgReaderThread::wake() noexcept
 {
-    if (_isWoken.exchange(true))
+    if (_isWoken.load(std::memory_order_relaxed) || _isWoken.exchange(true))
         return;
     {
         const std::lock_guard<std::mutex> lock(_mutex);

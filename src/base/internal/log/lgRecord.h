@@ -17,7 +17,8 @@ struct LgRecord
     unsigned long thread;         ///< 0: the thread that started the logger
     std::string_view group;       ///< empty: none
     std::string_view text;
-    int lost = 0; ///< how many messages the record stands for that were dropped
+    int lost = 0;       ///< how many messages the record stands for that were dropped
+    bool isCut = false; ///< something of the message did not fit into its queue
 };
 
 } // namespace Kr

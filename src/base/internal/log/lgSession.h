@@ -48,6 +48,9 @@ public:
     /// Messages that overflow entries or outputs report as lost.
     std::uint64_t getLostCount() const;
 
+    /// Messages of which a part is missing.
+    std::uint64_t getCutCount() const { return _reader.getCutCount(); }
+
     /// Makes the session that goes on in a forked process: the same settings, files of its own, and
     /// no timeline, which stays the parent's.
     static LgSession* forFork(LgSession* parent);

@@ -3,18 +3,6 @@
 namespace Kr
 {
 
-namespace
-{
-
-thread_local LgThread thread;
-
-} // namespace
-
-LgThread& LgThread::get() noexcept
-{
-    return thread;
-}
-
 LgThread::OutputGuard::OutputGuard()
 {
     LgThread& self = get();
