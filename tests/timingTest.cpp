@@ -273,7 +273,8 @@ TEST(PeriodicTimers, LetGoWhoWaits)
 {
     for (int round = 0; round < 50; ++round)
     {
-        auto* const timer = Kr::PeriodicTimer::create(20.).release();
+        auto* const timer = Kr::PeriodicTimer::create(0.01).release();
+        timer->setInterval(20.); // no beat comes
         std::atomic<bool> waits{false};
         timer->start();
         std::thread waiter(
