@@ -18,6 +18,7 @@
 
 #include <mmsystem.h>
 
+#include <assert.h>
 #include <stdlib.h>
 #include <sys/timeb.h>
 
@@ -38,7 +39,6 @@ using HANDLE = void*;
 // Errors (posix/error.cpp)
 
 constexpr DWORD ERROR_SUCCESS = 0;
-constexpr DWORD ERROR_INVALID_FUNCTION = 1;
 constexpr DWORD ERROR_FILE_NOT_FOUND = 2;
 constexpr DWORD ERROR_PATH_NOT_FOUND = 3;
 constexpr DWORD ERROR_TOO_MANY_OPEN_FILES = 4;
@@ -48,8 +48,6 @@ constexpr DWORD ERROR_NOT_ENOUGH_MEMORY = 8;
 constexpr DWORD ERROR_WRITE_PROTECT = 19;
 constexpr DWORD ERROR_SHARING_VIOLATION = 32;
 constexpr DWORD ERROR_LOCK_VIOLATION = 33;
-constexpr DWORD ERROR_HANDLE_EOF = 38;
-constexpr DWORD ERROR_HANDLE_DISK_FULL = 39;
 constexpr DWORD ERROR_FILE_EXISTS = 80;
 constexpr DWORD ERROR_INVALID_PARAMETER = 87;
 constexpr DWORD ERROR_DISK_FULL = 112;
@@ -71,9 +69,6 @@ void SetLastError(DWORD code) noexcept;
 /// terminator, or 0 with the last error set.
 DWORD FormatMessageA(DWORD flags, const void* source, DWORD code, DWORD language, char* buffer,
                      DWORD size, void* arguments) noexcept;
-
-/// The kernel's number of the calling thread.
-DWORD GetCurrentThreadId() noexcept;
 
 /// For the other sources of this folder: the code of the system that an `errno` value stands for.
 DWORD krErrorFromErrno(int error) noexcept;
@@ -214,6 +209,12 @@ BOOL CreateDirectoryA(const char* path, SECURITY_ATTRIBUTES* security) noexcept;
 // Processes (posix/process.cpp)
 
 DWORD GetCurrentProcessId() noexcept;
+
+/// The kernel's number of the calling thread.
+DWORD GetCurrentThreadId() noexcept;
+
+/// What the runtime's `assert` does on a failure: prints where and what, and aborts.
+void _assert(const char* text, const char* file, unsigned line);
 
 /// Has `before` called in the process that forks, then `inParent` or `inChild`. Once in a process.
 void krOnFork(void (*before)(), void (*inParent)(), void (*inChild)()) noexcept;
