@@ -1,7 +1,8 @@
 #include <base/internal/log/lgTimelineFile.h>
 
 #include <base/hwCounter.h>
-#include <base/internal/log/lgProcess.h>
+#include <base/internal/errors/processIdentity.h>
+#include <base/internal/log/lgJson.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -21,7 +22,7 @@ LgTimelineFile::LgTimelineFile(std::unique_ptr<LgFile> file, const std::string& 
     : _file(std::move(file))
     , _name(name)
     , _clock(clock)
-    , _process(std::to_string(LgProcess::getProcessId()))
+    , _process(std::to_string(ProcessIdentity::getProcessId()))
     , _isStarted(false)
     , _hasComplained(false)
 {
@@ -49,11 +50,11 @@ void LgTimelineFile::addMessage(const LgRecord& record)
     _waiting += ",\"s\":\"t\",\"cat\":\"";
     _waiting += LgTypes::getLevelName(record.level);
     _waiting += "\",\"name\":";
-    LgLineFormat::appendJson(_waiting, record.text);
+    LgJson::appendString(_waiting, record.text);
     if (!record.group.empty())
     {
         _waiting += ",\"args\":{\"group\":";
-        LgLineFormat::appendJson(_waiting, record.group);
+        LgJson::appendString(_waiting, record.group);
         _waiting += '}';
     }
     _waiting += '}';
@@ -119,7 +120,7 @@ void LgTimelineFile::addSpan(const LgSpanRing& ring, const LgSpanRing::Span& spa
     appendTime("ts", start);
     appendTime("dur", _clock.getElapsed(span.end) - start);
     _waiting += ",\"name\":";
-    LgLineFormat::appendJson(_waiting, span.name);
+    LgJson::appendString(_waiting, span.name);
     _waiting += '}';
     if (_waiting.size() >= batchSize)
         flush();
