@@ -4,7 +4,7 @@
 
 #include <base/assert.h>
 #include <base/osDateEx.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <cmath>
 #include <cstdio>

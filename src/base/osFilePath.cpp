@@ -2,7 +2,7 @@
 
 #include <base/assert.h>
 #include <base/osFileEx.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <cstring>
 #include <ostream>

@@ -10,7 +10,7 @@
 #include <base/internal/errors/fixedText.h>
 #include <base/internal/init/inCommandLine.h>
 #include <base/internal/init/inVariableRegistry.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <algorithm>
 #include <iostream>
