@@ -1,4 +1,4 @@
-#include <platform/platform.h>
+#include <platform/posix/handle.h>
 
 #undef NDEBUG // the runtime declares what stands behind its assert only where that is on
 #include <assert.h>
@@ -31,6 +31,22 @@ DWORD GetCurrentThreadId() noexcept
     if (threadId == 0)
         threadId = static_cast<DWORD>(::gettid());
     return threadId;
+}
+
+HANDLE GetCurrentProcess() noexcept
+{
+    return INVALID_HANDLE_VALUE; // the two are one value, as on the system that they come from
+}
+
+BOOL GetProcessHandleCount(HANDLE process, DWORD* count) noexcept
+{
+    if (process != GetCurrentProcess() || count == nullptr)
+    {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return 0;
+    }
+    *count = KrHandleObject::getCount();
+    return 1;
 }
 
 void krOnFork(void (*before)(), void (*inParent)(), void (*inChild)()) noexcept
