@@ -31,6 +31,7 @@ constexpr SystemText systemTexts[] = {
     {ERROR_LOCK_VIOLATION, "The process cannot access the file because another process has locked "
                            "a portion of the file."},
     {ERROR_BAD_LENGTH, "The program issued a command but the command length is incorrect."},
+    {ERROR_HANDLE_EOF, "Reached the end of the file."},
     {ERROR_BAD_NETPATH, "The network path was not found."},
     {ERROR_FILE_EXISTS, "The file exists."},
     {ERROR_INVALID_PARAMETER, "The parameter is incorrect."},
