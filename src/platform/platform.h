@@ -63,7 +63,7 @@ constexpr DWORD ERROR_WRITE_PROTECT = 19;
 constexpr DWORD ERROR_SHARING_VIOLATION = 32;
 constexpr DWORD ERROR_LOCK_VIOLATION = 33;
 constexpr DWORD ERROR_HANDLE_EOF = 38;
-constexpr DWORD ERROR_BAD_NETPATH = 53;
+constexpr DWORD ERROR_HANDLE_DISK_FULL = 39;
 constexpr DWORD ERROR_FILE_EXISTS = 80;
 constexpr DWORD ERROR_INVALID_PARAMETER = 87;
 constexpr DWORD ERROR_DISK_FULL = 112;
@@ -143,10 +143,7 @@ constexpr DWORD ERROR_NEGATIVE_SEEK = 131;
 
 constexpr DWORD GENERIC_READ = 0x80000000;
 constexpr DWORD GENERIC_WRITE = 0x40000000;
-constexpr DWORD DELETE = 0x00010000;
-constexpr DWORD FILE_READ_DATA = 0x0001;
-constexpr DWORD FILE_WRITE_DATA = 0x0002;
-constexpr DWORD FILE_APPEND_DATA = 0x0004; ///< without FILE_WRITE_DATA: every write appends
+constexpr DWORD FILE_APPEND_DATA = 0x0004; ///< without GENERIC_WRITE: every write appends
 
 constexpr DWORD FILE_SHARE_READ = 0x1;
 constexpr DWORD FILE_SHARE_WRITE = 0x2;
@@ -156,7 +153,6 @@ constexpr DWORD CREATE_NEW = 1;
 constexpr DWORD CREATE_ALWAYS = 2;
 constexpr DWORD OPEN_EXISTING = 3;
 constexpr DWORD OPEN_ALWAYS = 4;
-constexpr DWORD TRUNCATE_EXISTING = 5;
 
 constexpr DWORD FILE_ATTRIBUTE_READONLY = 0x01;
 constexpr DWORD FILE_ATTRIBUTE_SYSTEM = 0x04; ///< a device, a pipe, a socket

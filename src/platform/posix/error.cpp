@@ -32,7 +32,7 @@ constexpr SystemText systemTexts[] = {
                            "a portion of the file."},
     {ERROR_BAD_LENGTH, "The program issued a command but the command length is incorrect."},
     {ERROR_HANDLE_EOF, "Reached the end of the file."},
-    {ERROR_BAD_NETPATH, "The network path was not found."},
+    {ERROR_HANDLE_DISK_FULL, "The disk is full."},
     {ERROR_FILE_EXISTS, "The file exists."},
     {ERROR_INVALID_PARAMETER, "The parameter is incorrect."},
     {ERROR_DISK_FULL, "There is not enough space on the disk."},
