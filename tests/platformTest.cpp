@@ -144,137 +144,81 @@ void check(const Row& row)
     EXPECT_EQ(row.error != unchecked ? row.error : error, error) << row.call;
 }
 
-// clang-format off: a table
-const Row openings[] = {
-    {"missing file", [] { return opens("a", GENERIC_READ, shareAll, OPEN_EXISTING); }, false,
-     ERROR_FILE_NOT_FOUND},
-    {"missing folder", [] { return opens("b/a", GENERIC_READ, shareAll, OPEN_EXISTING); }, false,
-     ERROR_PATH_NOT_FOUND},
-    {"empty path", [] { return opened(open("", GENERIC_READ, shareAll, OPEN_EXISTING)); }, false,
-     ERROR_PATH_NOT_FOUND},
-    {"missing drive",
-     [] { return opened(open("Q:\\b\\a", GENERIC_READ, shareAll, OPEN_EXISTING)); }, false,
-     ERROR_PATH_NOT_FOUND},
-    {"forbidden character", [] { return opens("a?", GENERIC_READ, shareAll, OPEN_EXISTING); },
-     false, ERROR_INVALID_NAME},
-    {"unknown disposition", [] { return opens("a", readWrite, shareAll, 9); }, false,
-     ERROR_INVALID_PARAMETER},
-    {"folder", [] { return opened(open(folder, GENERIC_READ, shareAll, OPEN_EXISTING)); }, false,
-     ERROR_ACCESS_DENIED},
+// A row to a line.
+// clang-format off
+const Row rows[] = {
+    // opening
+    {"missing file", [] { return opens("a", GENERIC_READ, shareAll, OPEN_EXISTING); }, false, ERROR_FILE_NOT_FOUND},
+    {"missing folder", [] { return opens("b/a", GENERIC_READ, shareAll, OPEN_EXISTING); }, false, ERROR_PATH_NOT_FOUND},
+    {"empty path", [] { return opened(open("", GENERIC_READ, shareAll, OPEN_EXISTING)); }, false, ERROR_PATH_NOT_FOUND},
+    {"missing drive", [] { return opened(open("Q:\\b\\a", GENERIC_READ, shareAll, OPEN_EXISTING)); }, false, ERROR_PATH_NOT_FOUND},
+    {"forbidden character", [] { return opens("a?", GENERIC_READ, shareAll, OPEN_EXISTING); }, false, ERROR_INVALID_NAME},
+    {"unknown disposition", [] { return opens("a", readWrite, shareAll, 9); }, false, ERROR_INVALID_PARAMETER},
+    {"folder", [] { return opened(open(folder, GENERIC_READ, shareAll, OPEN_EXISTING)); }, false, ERROR_ACCESS_DENIED},
     {"create new", [] { return opens("a", readWrite, 0, CREATE_NEW); }, true},
-    {"create new again", [] { return opens("a", readWrite, 0, CREATE_NEW); }, false,
-     ERROR_FILE_EXISTS},
-    {"create always", [] { return opens("a", readWrite, 0, CREATE_ALWAYS); }, true,
-     ERROR_ALREADY_EXISTS},
-    {"open always", [] { return opens("a", readWrite, 0, OPEN_ALWAYS); }, true,
-     ERROR_ALREADY_EXISTS},
-    {"open always a new one", [] { return opens("c", readWrite, 0, OPEN_ALWAYS); }, true,
-     ERROR_SUCCESS},
+    {"create new again", [] { return opens("a", readWrite, 0, CREATE_NEW); }, false, ERROR_FILE_EXISTS},
+    {"create always", [] { return opens("a", readWrite, 0, CREATE_ALWAYS); }, true, ERROR_ALREADY_EXISTS},
+    {"open always", [] { return opens("a", readWrite, 0, OPEN_ALWAYS); }, true, ERROR_ALREADY_EXISTS},
+    {"open always a new one", [] { return opens("c", readWrite, 0, OPEN_ALWAYS); }, true, ERROR_SUCCESS},
     {"open", [] { return opens("a", GENERIC_READ, 0, OPEN_EXISTING); }, true},
-    {"create read-only",
-     [] { return opened(open(in("r"), GENERIC_WRITE, 0, CREATE_NEW, FILE_ATTRIBUTE_READONLY)); },
-     true},
-    {"which is kept",
-     []
-     {
-         hold(first, "r", GENERIC_READ, 0);
-         const Described d(first);
-         return release(first) && (d.information.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
-     },
-     true},
-};
-
-const Row sharings[] = {
+    {"create read-only", [] { return opened(open(in("r"), GENERIC_WRITE, 0, CREATE_NEW, FILE_ATTRIBUTE_READONLY)); }, true},
+    {"which is kept", [] { hold(first, "r", GENERIC_READ, 0); const Described d(first); return release(first) && (d.information.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0; }, true},
+    // sharing
     {"hold for oneself", [] { return hold(first, "a", GENERIC_READ, 0); }, true},
-    {"read what is held", [] { return opens("a", GENERIC_READ, shareAll, OPEN_EXISTING); }, false,
-     ERROR_SHARING_VIOLATION},
+    {"read what is held", [] { return opens("a", GENERIC_READ, shareAll, OPEN_EXISTING); }, false, ERROR_SHARING_VIOLATION},
     {"ask about what is held", [] { return opens("a", 0, 0, OPEN_EXISTING); }, true},
     {"move what is held", [] { return moves("a", "b"); }, false, ERROR_SHARING_VIOLATION},
     {"release", [] { return release(first); }, true},
-    {"write, let others read", [] { return hold(first, "a", GENERIC_WRITE, FILE_SHARE_READ); },
-     true},
+    {"write, let others read", [] { return hold(first, "a", GENERIC_WRITE, FILE_SHARE_READ); }, true},
     {"read beside it", [] { return opens("a", GENERIC_READ, shareAll, OPEN_EXISTING); }, true},
-    {"read, deny writing", [] { return opens("a", GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING); },
-     false, ERROR_SHARING_VIOLATION},
-    {"write beside it", [] { return opens("a", GENERIC_WRITE, shareAll, OPEN_EXISTING); }, false,
-     ERROR_SHARING_VIOLATION},
+    {"read, deny writing", [] { return opens("a", GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING); }, false, ERROR_SHARING_VIOLATION},
+    {"write beside it", [] { return opens("a", GENERIC_WRITE, shareAll, OPEN_EXISTING); }, false, ERROR_SHARING_VIOLATION},
     {"release it", [] { return release(first); }, true},
     {"share all", [] { return hold(first, "a", readWrite, shareAll); }, true},
     {"move what is shared", [] { return moves("a", "b"); }, true},
     {"move back", [] { return moves("b", "a"); }, true},
-    {"move over what is open", [] { return moves("c", "a", MOVEFILE_REPLACE_EXISTING); }, false,
-     ERROR_ACCESS_DENIED},
+    {"move over what is open", [] { return moves("c", "a", MOVEFILE_REPLACE_EXISTING); }, false, ERROR_ACCESS_DENIED},
     {"release the shared", [] { return release(first); }, true},
-};
-
-const Row contents[] = {
+    // contents, locks
     {"open", [] { return hold(first, "a", readWrite, shareAll); }, true},
     {"open again", [] { return hold(second, "a", GENERIC_READ, shareAll); }, true},
     {"write", [] { return writes(first, "123456"); }, true},
     {"size", [] { return hasSize(second, 6); }, true},
     {"seek from the start", [] { return seeks(first, 4, FILE_BEGIN, 4); }, true},
     {"seek from the end", [] { return seeks(first, -3, FILE_END, 3); }, true},
-    {"seek before the start", [] { return seeks(first, -1, FILE_BEGIN); }, false,
-     ERROR_NEGATIVE_SEEK},
+    {"seek before the start", [] { return seeks(first, -1, FILE_BEGIN); }, false, ERROR_NEGATIVE_SEEK},
     {"unknown origin", [] { return seeks(first, 0, 3); }, false, ERROR_INVALID_PARAMETER},
     {"end here", [] { return SetEndOfFile(first) != 0 && hasSize(first, 3); }, true},
     {"flush", [] { return FlushFileBuffers(first) != 0; }, true},
     {"write without access", [] { return writes(second, "x"); }, false, ERROR_ACCESS_DENIED},
     {"cut without access", [] { return SetEndOfFile(second) != 0; }, false},
     {"one file", [] { return Described(first).isSameFile(Described(second)); }, true},
-    {"its description",
-     []
-     {
-         const Described d(first);
-         return d.information.nFileSizeLow == 3 && d.information.nFileSizeHigh == 0 &&
-                d.information.nNumberOfLinks == 1;
-     },
-     true},
-    {"not another's",
-     []
-     {
-         HANDLE other = nullptr;
-         hold(other, "c", 0, shareAll);
-         const bool same = Described(other).isSameFile(Described(first));
-         release(other);
-         return same;
-     },
-     false},
+    {"its description", [] { const Described d(first); return d.information.nFileSizeLow == 3 && d.information.nFileSizeHigh == 0 && d.information.nNumberOfLinks == 1; }, true},
+    {"not another's", [] { HANDLE other = nullptr; hold(other, "c", 0, shareAll); const bool same = Described(other).isSameFile(Described(first)); release(other); return same; }, false},
     {"own a range", [] { return locks(first, LOCKFILE_EXCLUSIVE_LOCK, 10, 5); }, true},
     {"share what is owned", [] { return locks(second, 0, 14, 1); }, false, ERROR_LOCK_VIOLATION},
     {"share behind it", [] { return locks(second, 0, 15, 5); }, true},
     {"share it, too", [] { return locks(first, 0, 15, 5); }, true},
     {"let go", [] { return unlocks(first, 10, 5) && unlocks(first, 15, 5); }, true},
     {"share what was owned", [] { return locks(second, 0, 10, 5); }, true},
-    {"own what is shared", [] { return locks(first, LOCKFILE_EXCLUSIVE_LOCK, 0, 16); }, false,
-     ERROR_LOCK_VIOLATION},
-    {"locks end with the handle",
-     [] { return release(second) && locks(first, LOCKFILE_EXCLUSIVE_LOCK, 0, 16); }, true},
+    {"own what is shared", [] { return locks(first, LOCKFILE_EXCLUSIVE_LOCK, 0, 16); }, false, ERROR_LOCK_VIOLATION},
+    {"locks end with the handle", [] { return release(second) && locks(first, LOCKFILE_EXCLUSIVE_LOCK, 0, 16); }, true},
     {"open to append", [] { return hold(second, "c", FILE_APPEND_DATA, shareAll); }, true},
-    {"append",
-     [] { return writes(second, "1") && seeks(second, 0, FILE_BEGIN) && writes(second, "23"); },
-     true},
+    {"append", [] { return writes(second, "1") && seeks(second, 0, FILE_BEGIN) && writes(second, "23"); }, true},
     {"appended", [] { return hasSize(second, 3); }, true},
     {"close", [] { return release(first) && release(second); }, true},
     {"no handle", [] { return hasSize(INVALID_HANDLE_VALUE, 0); }, false, ERROR_INVALID_HANDLE},
     {"close none", [] { return CloseHandle(nullptr) != 0; }, false, ERROR_INVALID_HANDLE},
-};
-
-const Row names[] = {
+    // names
     {"new folder", [] { return CreateDirectoryA(in("d").c_str(), nullptr) != 0; }, true},
-    {"existing folder", [] { return CreateDirectoryA(in("d").c_str(), nullptr) != 0; }, false,
-     ERROR_ALREADY_EXISTS},
-    {"folder in none", [] { return CreateDirectoryA(in("x/d").c_str(), nullptr) != 0; }, false,
-     ERROR_PATH_NOT_FOUND},
+    {"existing folder", [] { return CreateDirectoryA(in("d").c_str(), nullptr) != 0; }, false, ERROR_ALREADY_EXISTS},
+    {"folder in none", [] { return CreateDirectoryA(in("x/d").c_str(), nullptr) != 0; }, false, ERROR_PATH_NOT_FOUND},
     {"move a missing file", [] { return moves("x", "y"); }, false, ERROR_FILE_NOT_FOUND},
     {"move over another", [] { return moves("a", "c"); }, false, ERROR_ALREADY_EXISTS},
-    {"move over a folder", [] { return moves("a", "d", MOVEFILE_REPLACE_EXISTING); }, false,
-     ERROR_ACCESS_DENIED},
+    {"move over a folder", [] { return moves("a", "d", MOVEFILE_REPLACE_EXISTING); }, false, ERROR_ACCESS_DENIED},
     {"move into none", [] { return moves("a", "x/a"); }, false, ERROR_PATH_NOT_FOUND},
-    {"replace", [] { return moves("a", "c", MOVEFILE_REPLACE_EXISTING) && !fs::exists(in("a")); },
-     true},
-    {"both separators", [] { return opens("d\\../c", GENERIC_READ, shareAll, OPEN_EXISTING); },
-     true},
+    {"replace", [] { return moves("a", "c", MOVEFILE_REPLACE_EXISTING) && !fs::exists(in("a")); }, true},
+    {"both separators", [] { return opens("d\\../c", GENERIC_READ, shareAll, OPEN_EXISTING); }, true},
 };
 // clang-format on
 
@@ -283,13 +227,7 @@ TEST(Platform, FilesAsTheTableSays)
     folder = (fs::temp_directory_path() / ("kr-platform-" + std::to_string(GetCurrentProcessId())))
                  .string();
     fs::create_directory(folder);
-    for (const Row& row : openings)
-        check(row);
-    for (const Row& row : sharings)
-        check(row);
-    for (const Row& row : contents)
-        check(row);
-    for (const Row& row : names)
+    for (const Row& row : rows)
         check(row);
     fs::permissions(in("r"), fs::perms::owner_all);
     fs::remove_all(folder);

@@ -26,7 +26,7 @@
 #include <base/dtEx.h>
 #include <base/dtTime.h>
 #include <base/internal/numeric/twosComplement.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <chrono>
 #include <cstdint>

@@ -3,9 +3,9 @@
 #include <base/dtEx.h>
 #include <base/floatUtil.h>
 #include <base/internal/numeric/wideRatio.h>
+#include <base/raise.h>
 #include <base/rationalEx.h>
 #include <base/streamInserters.h>
-#include <base/trace.h>
 
 #include <ostream>
 

@@ -2,7 +2,7 @@
 
 #include <base/dtEx.h>
 #include <base/floatUtil.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <algorithm>
 #include <charconv>

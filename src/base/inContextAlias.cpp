@@ -2,17 +2,13 @@
 
 #include <base/assert.h>
 #include <base/inContextAliasMgrBase.h>
+#include <base/internal/errors/fixedText.h>
 
 namespace Kr
 {
 
 namespace
 {
-
-const char* orEmpty(const char* text)
-{
-    return text != nullptr ? text : "";
-}
 
 bool isOption(const std::string& text)
 {

@@ -4,7 +4,7 @@
 #include <base/inEx.h>
 #include <base/internal/init/inCommandLine.h>
 #include <base/internal/init/inVariableRegistry.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <algorithm>
 #include <cstring>

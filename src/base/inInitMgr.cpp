@@ -4,12 +4,13 @@
 #include <base/inContextAliasMgrBase.h>
 #include <base/inEx.h>
 #include <base/inVariableBase.h>
+#include <base/internal/errors/invariant.h>
 #include <base/internal/init/inCommandLine.h>
 #include <base/internal/init/inInitDebug.h>
 #include <base/internal/init/inInitMgrState.h>
 #include <base/internal/init/inVariableRegistry.h>
 #include <base/osEnv.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <algorithm>
 #include <cassert>
@@ -47,7 +48,7 @@ void releaseArguments()
     for (const char* argument : arguments)
         delete[] argument;
     arguments.clear();
-    assert(InContextAliasMgrBase::args().size() == 0); // NOLINT(readability-container-size-empty)
+    KR_INVARIANT_TEXT(arguments.empty(), "InContextAliasMgrBase::args().size() == 0", __LINE__);
 }
 
 /// Sets a flag for its scope.
@@ -152,13 +153,9 @@ void InInitMgr::incReinitCount()
 
 void InInitMgr::decReinitCount()
 {
-    std::int32_t& _reinitCount = _state->_reinitCount; // named as the assertion reports it
-#ifdef NDEBUG
-    --_reinitCount;
-#else
-    assert(--_reinitCount >= 0);
-#endif
-    if (_reinitCount == 0)
+    --_state->_reinitCount;
+    KR_INVARIANT_TEXT(_state->_reinitCount >= 0, "--_reinitCount >= 0", __LINE__);
+    if (_state->_reinitCount == 0)
         _state->initializeNewPackages();
 }
 

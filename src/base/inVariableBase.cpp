@@ -6,7 +6,7 @@
 #include <base/internal/init/inCommandLine.h>
 #include <base/internal/init/inNamedVariable.h>
 #include <base/internal/init/inVariableRegistry.h>
-#include <base/trace.h>
+#include <base/raise.h>
 #include <base/vector.h>
 
 #include <algorithm>

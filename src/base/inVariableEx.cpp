@@ -1,5 +1,7 @@
 #include <base/inVariableEx.h>
 
+#include <base/internal/errors/fixedText.h>
+
 #include <cstdio>
 
 namespace Kr
@@ -7,11 +9,6 @@ namespace Kr
 
 namespace
 {
-
-const char* orEmpty(const char* text)
-{
-    return text != nullptr ? text : "";
-}
 
 constexpr int cut = 256;
 constexpr std::size_t textSize = 4 * cut + 128; // four texts and the words around them

@@ -123,15 +123,13 @@ void LgMajorGroup::finalize()
 
 void LgMajorGroup::setDefaultThreshold(LgTypes::Level l)
 {
-    constexpr auto NUM_LEVELS = LgTypes::NUM_LEVELS;
-    KR_ASSERT_AT(l < NUM_LEVELS, 239);
+    KR_ASSERT_TEXT(l < LgTypes::NUM_LEVELS, "l < NUM_LEVELS", 239);
     _defaultThreshold = std::max(l, LgTypes::FatalError);
 }
 
 void LgMajorGroup::setLogThreshold(LgTypes::Level l, bool replaceAll)
 {
-    constexpr auto NUM_LEVELS = LgTypes::NUM_LEVELS;
-    KR_ASSERT_AT(l < NUM_LEVELS, 256);
+    KR_ASSERT_TEXT(l < LgTypes::NUM_LEVELS, "l < NUM_LEVELS", 256);
     const std::uint32_t profiling = _levelMask[LgTypes::Profiling];
     const std::uint32_t old = getLogLevels();
     std::uint32_t levels = old | profiling;

@@ -8,18 +8,6 @@ namespace Kr
 
 static_assert(sizeof(LgQueue::Entry) == 16);
 
-namespace
-{
-
-/// The texts of these checks are part of the interface, so they are not left to the expressions.
-void check(bool holds, const char* expression, int line)
-{
-    if (!holds)
-        Assertions::throwAssertionFailed(KR_HERE_AT(line), expression);
-}
-
-} // namespace
-
 LgQueue::LgQueue(unsigned long threadId)
     : LgQueue(threadId, defaultNumEntries, LgStream::defaultRingSize)
 {
@@ -38,7 +26,7 @@ LgQueue::LgQueue(unsigned long threadId, unsigned int numEntries, unsigned int n
 LgQueue::~LgQueue() noexcept(false)
 {
     if (std::uncaught_exceptions() == 0)
-        check(isEmpty(), "_beg == _end", 155);
+        KR_ASSERT_TEXT(isEmpty(), "_beg == _end", 155);
 }
 
 // The producer's side
@@ -86,8 +74,8 @@ void LgQueue::completeUnusual()
 void LgQueue::checkRoom(unsigned int end)
 {
     const unsigned int room = getRoom(_beg.load(std::memory_order_acquire), end);
-    check(room != 0, "_end+1U != _beg", 234);
-    check(room != 1, "_end+2U != _beg", 235);
+    KR_ASSERT_TEXT(room != 0, "_end+1U != _beg", 234);
+    KR_ASSERT_TEXT(room != 1, "_end+2U != _beg", 235);
 }
 
 /// Counts a refused message in the newest entry, or in a new one if that is a message or is already
@@ -118,7 +106,7 @@ void LgQueue::waitForSpace(int amount) const
 
 const LgQueue::Entry& LgQueue::readEntry() const
 {
-    check(!isEmpty(), "_beg != _end", 254);
+    KR_ASSERT_TEXT(!isEmpty(), "_beg != _end", 254);
     Entry& entry = _entries[_beg.load(std::memory_order_relaxed)];
     entry.close();
     return entry;
@@ -126,7 +114,7 @@ const LgQueue::Entry& LgQueue::readEntry() const
 
 void LgQueue::removeEntry()
 {
-    check(!isEmpty(), "_beg != _end", 262);
+    KR_ASSERT_TEXT(!isEmpty(), "_beg != _end", 262);
     const unsigned int beg = _beg.load(std::memory_order_relaxed);
     _entries[beg].close(); // it may not have been read
     _beg.store((beg + 1) & _mask, std::memory_order_release);

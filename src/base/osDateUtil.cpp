@@ -1,8 +1,10 @@
 #include <base/osDateUtil.h>
 
+#include <base/internal/errors/calendar.h>
+
 #include <base/assert.h>
 #include <base/osDateEx.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <cmath>
 #include <cstdio>
@@ -24,43 +26,6 @@ constexpr const char* weekDays[] = {"Sunday",   "Monday", "Tuesday", "Wednesday"
 constexpr const char* months[] = {"January",   "February", "March",    "April",
                                   "May",       "June",     "July",     "August",
                                   "September", "October",  "November", "December"};
-
-/// Days since 1970-01-01. Eras of 400 years, whose years begin in March.
-std::int64_t daysFromCivil(int year, int month, int day) noexcept
-{
-    const std::int64_t y = month <= 2 ? year - 1 : year;
-    const std::int64_t era = (y >= 0 ? y : y - 399) / 400;
-    const std::int64_t yearOfEra = y - era * 400;
-    const std::int64_t dayOfYear = (153 * ((month + 9) % 12) + 2) / 5 + day - 1;
-    const std::int64_t dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
-    return era * 146097 + dayOfEra - 719468;
-}
-
-struct CivilDay
-{
-    int year;
-    int month;
-    int day;
-};
-
-CivilDay civilFromDays(std::int64_t days) noexcept
-{
-    const std::int64_t z = days + 719468;
-    const std::int64_t era = (z >= 0 ? z : z - 146096) / 146097;
-    const std::int64_t dayOfEra = z - era * 146097;
-    const std::int64_t yearOfEra =
-        (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-    const std::int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-    const std::int64_t shifted = (5 * dayOfYear + 2) / 153;
-    const int month = static_cast<int>(shifted < 10 ? shifted + 3 : shifted - 9);
-    return {static_cast<int>(yearOfEra + era * 400) + (month <= 2 ? 1 : 0), month,
-            static_cast<int>(dayOfYear - (153 * shifted + 2) / 5 + 1)};
-}
-
-std::int64_t floorDivide(std::int64_t value, std::int64_t divisor) noexcept
-{
-    return value / divisor - (value % divisor < 0 ? 1 : 0);
-}
 
 void appendNumber(std::string& text, int width, std::int64_t value)
 {
@@ -240,30 +205,31 @@ int OsDateUtil::getDaysInMonth(int year, int month) noexcept
 
 int OsDateUtil::getWeekDay(int year, int month, int day) noexcept
 {
-    const std::int64_t days = daysFromCivil(year, month, day) + 4; // 1970 began on a Thursday
-    return static_cast<int>(days - 7 * floorDivide(days, 7));
+    const std::int64_t days = getCalendarDays({year, month, day}) + 4; // 1970 began on a Thursday
+    return static_cast<int>(days - 7 * divideDown(days, 7));
 }
 
 int OsDateUtil::getYearDay(int year, int month, int day) noexcept
 {
-    return static_cast<int>(daysFromCivil(year, month, day) - daysFromCivil(year, 1, 1)) + 1;
+    return static_cast<int>(getCalendarDays({year, month, day}) - getCalendarDays({year, 1, 1})) +
+           1;
 }
 
 std::int64_t OsDateUtil::getMicroseconds(const OsDateTypes::DateRep& date) noexcept
 {
     const std::int64_t minutes = date._hour * 60 + date._minute - date._utcOffset;
-    return daysFromCivil(date._year, date._month, date._day) * microsecondsPerDay +
+    return getCalendarDays({date._year, date._month, date._day}) * microsecondsPerDay +
            minutes * microsecondsPerMinute +
            static_cast<std::int64_t>(std::floor(date._seconds * 1e6 + 0.5));
 }
 
 OsDateTypes::DateRep OsDateUtil::fromMicroseconds(std::int64_t microseconds) noexcept
 {
-    const std::int64_t days = floorDivide(microseconds, microsecondsPerDay);
+    const std::int64_t days = divideDown(microseconds, microsecondsPerDay);
     const std::int64_t rest = microseconds - days * microsecondsPerDay;
-    const CivilDay civil = civilFromDays(days);
+    const CalendarDate civil = getCalendarDate(days);
     OsDateTypes::DateRep date;
-    date._year = civil.year;
+    date._year = static_cast<int>(civil.year);
     date._month = civil.month;
     date._day = civil.day;
     date._hour = static_cast<int>(rest / (60 * microsecondsPerMinute));

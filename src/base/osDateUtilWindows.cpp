@@ -1,7 +1,7 @@
 #include <base/osDateUtil.h>
 
 #include <base/exSysError.h>
-#include <base/trace.h>
+#include <base/raise.h>
 #include <platform/platform.h>
 
 namespace Kr

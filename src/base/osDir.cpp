@@ -3,7 +3,7 @@
 #include <base/internal/os/osDirSearch.h>
 #include <base/osDirWalker.h>
 #include <base/osFileEx.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <algorithm>
 #include <string>

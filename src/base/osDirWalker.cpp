@@ -3,7 +3,7 @@
 #include <base/internal/os/osDirSearch.h>
 #include <base/osFile.h>
 #include <base/osFileEx.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <utility>
 #include <vector>

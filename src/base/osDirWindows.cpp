@@ -3,7 +3,7 @@
 #include <base/exSysError.h>
 #include <base/internal/os/osDirSearch.h>
 #include <base/internal/os/osFsUtilsWindows.h>
-#include <base/trace.h>
+#include <base/raise.h>
 #include <platform/anyPath.h>
 
 #include <cstring>

@@ -5,7 +5,7 @@
 #include <base/osFileEx.h>
 #include <base/osFileReader.h>
 #include <base/osFileWriter.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <utility>
 

@@ -1,5 +1,7 @@
 #include <base/osFileEx.h>
 
+#include <base/internal/errors/fixedText.h>
+
 #include <cstdio>
 
 namespace Kr
@@ -14,7 +16,7 @@ void OsFileEx::formatReason(const char* format, const char* path) noexcept
 {
     constexpr int shownLength = 256;
     char reason[reasonSize];
-    std::snprintf(reason, sizeof reason, format, shownLength, path != nullptr ? path : "");
+    std::snprintf(reason, sizeof reason, format, shownLength, orEmpty(path));
     setReason(reason);
 }
 

@@ -1,8 +1,9 @@
 #include <base/osFilePath.h>
 
 #include <base/assert.h>
+#include <base/internal/errors/fixedText.h>
 #include <base/osFileEx.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <cstring>
 #include <ostream>
@@ -19,7 +20,7 @@ OsFilePath::OsFilePath()
 OsFilePath::OsFilePath(const char* path)
     : _path(nullptr)
 {
-    set(path != nullptr ? path : "");
+    set(orEmpty(path));
 }
 
 OsFilePath::OsFilePath(std::string_view path)

@@ -4,7 +4,7 @@
 #include <base/internal/os/osFsUtilsWindows.h>
 #include <base/osFile.h>
 #include <base/osFileEx.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <cerrno>
 

@@ -5,7 +5,7 @@
 #include <base/internal/os/osFsUtilsWindows.h>
 #include <base/osDateUtil.h>
 #include <base/osFileEx.h>
-#include <base/trace.h>
+#include <base/raise.h>
 #include <platform/anyPath.h>
 
 #include <limits>

@@ -2,7 +2,7 @@
 
 #include <base/exSysError.h>
 #include <base/internal/os/osFsUtilsWindows.h>
-#include <base/trace.h>
+#include <base/raise.h>
 #include <platform/platform.h>
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 #include <base/assert.h>
 #include <base/exSysError.h>
 #include <base/osFileEx.h>
-#include <base/trace.h>
+#include <base/raise.h>
 #include <platform/anyPath.h>
 
 namespace Kr

@@ -3,7 +3,7 @@
 #include <base/exSysError.h>
 #include <base/internal/os/osFsUtilsWindows.h>
 #include <base/osFileEx.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <atomic>
 #include <cerrno>

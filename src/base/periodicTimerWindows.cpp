@@ -1,12 +1,12 @@
 #include <base/exSysError.h>
 #include <base/internal/clocks/beatTest.h>
 #include <base/internal/clocks/timerPeriod.h>
+#include <base/internal/errors/invariant.h>
 #include <base/periodicTimer.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <platform/platform.h>
 
-#include <cassert>
 #include <condition_variable>
 #include <cstdio>
 
@@ -109,10 +109,7 @@ PeriodicTimerWindows::PeriodicTimerWindows(double interval)
     : PeriodicTimer(interval)
 {
     getDelay(interval);
-    // The spacing of the check and its line are what tools look for in a report.
-    // clang-format off
-    assert(waitBeating( *this ));
-    // clang-format on
+    KR_INVARIANT_TEXT(waitBeating(*this), "waitBeating( *this )", 121);
 }
 
 PeriodicTimerWindows::~PeriodicTimerWindows()

@@ -19,6 +19,7 @@
 #include <mmsystem.h>
 #include <tlhelp32.h>
 
+#include <assert.h>
 #include <direct.h>
 #include <io.h>
 #include <stdlib.h>
@@ -51,7 +52,6 @@ using HANDLE = void*;
 // Errors (posix/error.cpp)
 
 constexpr DWORD ERROR_SUCCESS = 0;
-constexpr DWORD ERROR_INVALID_FUNCTION = 1;
 constexpr DWORD ERROR_FILE_NOT_FOUND = 2;
 constexpr DWORD ERROR_PATH_NOT_FOUND = 3;
 constexpr DWORD ERROR_TOO_MANY_OPEN_FILES = 4;
@@ -64,7 +64,6 @@ constexpr DWORD ERROR_SHARING_VIOLATION = 32;
 constexpr DWORD ERROR_LOCK_VIOLATION = 33;
 constexpr DWORD ERROR_HANDLE_EOF = 38;
 constexpr DWORD ERROR_HANDLE_DISK_FULL = 39;
-constexpr DWORD ERROR_BAD_NETPATH = 53;
 constexpr DWORD ERROR_FILE_EXISTS = 80;
 constexpr DWORD ERROR_INVALID_PARAMETER = 87;
 constexpr DWORD ERROR_DISK_FULL = 112;
@@ -90,9 +89,6 @@ void SetLastError(DWORD code) noexcept;
 /// terminator, or 0 with the last error set.
 DWORD FormatMessageA(DWORD flags, const void* source, DWORD code, DWORD language, char* buffer,
                      DWORD size, void* arguments) noexcept;
-
-/// The kernel's number of the calling thread.
-DWORD GetCurrentThreadId() noexcept;
 
 /// For the other sources of this folder: the code of the system that an `errno` value stands for.
 DWORD krErrorFromErrno(int error) noexcept;
@@ -147,10 +143,7 @@ constexpr DWORD ERROR_NEGATIVE_SEEK = 131;
 
 constexpr DWORD GENERIC_READ = 0x80000000;
 constexpr DWORD GENERIC_WRITE = 0x40000000;
-constexpr DWORD DELETE = 0x00010000;
-constexpr DWORD FILE_READ_DATA = 0x0001;
-constexpr DWORD FILE_WRITE_DATA = 0x0002;
-constexpr DWORD FILE_APPEND_DATA = 0x0004; ///< without FILE_WRITE_DATA: every write appends
+constexpr DWORD FILE_APPEND_DATA = 0x0004; ///< without GENERIC_WRITE: every write appends
 
 constexpr DWORD FILE_SHARE_READ = 0x1;
 constexpr DWORD FILE_SHARE_WRITE = 0x2;
@@ -160,7 +153,6 @@ constexpr DWORD CREATE_NEW = 1;
 constexpr DWORD CREATE_ALWAYS = 2;
 constexpr DWORD OPEN_EXISTING = 3;
 constexpr DWORD OPEN_ALWAYS = 4;
-constexpr DWORD TRUNCATE_EXISTING = 5;
 
 constexpr DWORD FILE_ATTRIBUTE_READONLY = 0x01;
 constexpr DWORD FILE_ATTRIBUTE_SYSTEM = 0x04; ///< a device, a pipe, a socket
@@ -476,6 +468,12 @@ HANDLE GetCurrentProcess() noexcept;
 
 /// How many handles of this layer the calling process holds.
 BOOL GetProcessHandleCount(HANDLE process, DWORD* count) noexcept;
+
+/// The kernel's number of the calling thread.
+DWORD GetCurrentThreadId() noexcept;
+
+/// What the runtime's `assert` does on a failure: prints where and what, and aborts.
+void _assert(const char* text, const char* file, unsigned line);
 
 /// Has `before` called in the process that forks, then `inParent` or `inChild`. Once in a process.
 void krOnFork(void (*before)(), void (*inParent)(), void (*inChild)()) noexcept;

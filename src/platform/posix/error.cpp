@@ -4,8 +4,6 @@
 #include <cstdio>
 #include <cstring>
 
-#include <unistd.h>
-
 namespace
 {
 
@@ -19,7 +17,6 @@ struct SystemText
 
 constexpr SystemText systemTexts[] = {
     {ERROR_SUCCESS, "The operation completed successfully."},
-    {ERROR_INVALID_FUNCTION, "Incorrect function."},
     {ERROR_FILE_NOT_FOUND, "The system cannot find the file specified."},
     {ERROR_PATH_NOT_FOUND, "The system cannot find the path specified."},
     {ERROR_TOO_MANY_OPEN_FILES, "The system cannot open the file."},
@@ -33,11 +30,9 @@ constexpr SystemText systemTexts[] = {
      "The process cannot access the file because it is being used by another process."},
     {ERROR_LOCK_VIOLATION, "The process cannot access the file because another process has locked "
                            "a portion of the file."},
-    {ERROR_NO_MORE_FILES, "There are no more files."},
     {ERROR_BAD_LENGTH, "The program issued a command but the command length is incorrect."},
     {ERROR_HANDLE_EOF, "Reached the end of the file."},
     {ERROR_HANDLE_DISK_FULL, "The disk is full."},
-    {ERROR_BAD_NETPATH, "The network path was not found."},
     {ERROR_FILE_EXISTS, "The file exists."},
     {ERROR_INVALID_PARAMETER, "The parameter is incorrect."},
     {ERROR_DISK_FULL, "There is not enough space on the disk."},
@@ -98,13 +93,6 @@ DWORD GetLastError() noexcept
 void SetLastError(DWORD code) noexcept
 {
     lastError = code;
-}
-
-DWORD GetCurrentThreadId() noexcept
-{
-    thread_local const auto id =
-        static_cast<DWORD>(::gettid()); // asked for once: it is a system call
-    return id;
 }
 
 DWORD krErrorFromErrno(int error) noexcept

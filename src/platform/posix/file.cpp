@@ -29,7 +29,6 @@ enum Sharing : off_t
 {
     usesRead = lockableEnd,
     usesWrite,
-    usesDelete,
     deniesRead,
     deniesWrite,
     deniesDelete
@@ -58,14 +57,12 @@ struct Access
     bool read;
     bool write;
     bool append; ///< every write goes to the end
-    bool remove;
 };
 
 Access decodeAccess(DWORD access)
 {
-    const bool write = (access & (GENERIC_WRITE | FILE_WRITE_DATA)) != 0;
-    return {(access & (GENERIC_READ | FILE_READ_DATA)) != 0, write,
-            !write && (access & FILE_APPEND_DATA) != 0, (access & DELETE) != 0};
+    const bool write = (access & GENERIC_WRITE) != 0;
+    return {(access & GENERIC_READ) != 0, write, !write && (access & FILE_APPEND_DATA) != 0};
 }
 
 struct flock rangeLock(int type, off_t start, off_t length)
@@ -127,7 +124,6 @@ bool share(int descriptor, const Access& access, DWORD shareMode)
         {access.read, (shareMode & FILE_SHARE_READ) == 0, usesRead, deniesRead},
         {access.write || access.append, (shareMode & FILE_SHARE_WRITE) == 0, usesWrite,
          deniesWrite},
-        {access.remove, (shareMode & FILE_SHARE_DELETE) == 0, usesDelete, deniesDelete},
     };
     const SharingGate gate(descriptor);
     for (const SharingRule& rule : rules)
@@ -141,6 +137,8 @@ bool share(int descriptor, const Access& access, DWORD shareMode)
         if (rule.denies)
             hold(descriptor, rule.deniesByte);
     }
+    if ((shareMode & FILE_SHARE_DELETE) == 0)
+        hold(descriptor, deniesDelete);
     return true;
 }
 
@@ -245,7 +243,7 @@ Use getUse(const char* path)
     const File file(descriptor, true);
     if (isHeld(descriptor, deniesDelete))
         return Use::denied;
-    for (const off_t byte : {usesRead, usesWrite, usesDelete})
+    for (const off_t byte : {usesRead, usesWrite})
         if (isHeld(descriptor, byte))
             return Use::shared;
     return Use::none;
@@ -261,8 +259,8 @@ HANDLE CreateFileA(const char* path, DWORD accessMask, DWORD shareMode, SECURITY
     if (hostPath == nullptr)
         return INVALID_HANDLE_VALUE;
     const Access access = decodeAccess(accessMask);
-    const bool knownDisposition = disposition >= CREATE_NEW && disposition <= TRUNCATE_EXISTING;
-    if (!knownDisposition || (disposition == TRUNCATE_EXISTING && !access.write))
+    const bool knownDisposition = disposition >= CREATE_NEW && disposition <= OPEN_ALWAYS;
+    if (!knownDisposition)
     {
         SetLastError(ERROR_INVALID_PARAMETER);
         return INVALID_HANDLE_VALUE;
@@ -285,7 +283,7 @@ HANDLE CreateFileA(const char* path, DWORD accessMask, DWORD shareMode, SECURITY
         return INVALID_HANDLE_VALUE;
     }
     const bool always = disposition == CREATE_ALWAYS || disposition == OPEN_ALWAYS;
-    if (existed && (disposition == CREATE_ALWAYS || disposition == TRUNCATE_EXISTING))
+    if (existed && disposition == CREATE_ALWAYS)
         static_cast<void>(::ftruncate(descriptor, 0) == 0);
     SetLastError(existed && always ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
     return file;

@@ -7,9 +7,10 @@
 #include <base/inInitMgr.h>
 #include <base/inPackageInitBase.h>
 #include <base/inVariableEx.h>
+#include <base/internal/errors/fixedText.h>
 #include <base/internal/init/inCommandLine.h>
 #include <base/internal/init/inVariableRegistry.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <algorithm>
 #include <iostream>
@@ -63,8 +64,8 @@ InNamedVariable::Registration::~Registration()
 }
 
 InNamedVariable::InNamedVariable(InPackageInitBase& package, const char* handle, const char* help)
-    : _handle(handle != nullptr ? handle : "")
-    , _help(help != nullptr ? help : "")
+    : _handle(orEmpty(handle))
+    , _help(orEmpty(help))
     , _package(&package)
     , _registration(*this)
 {

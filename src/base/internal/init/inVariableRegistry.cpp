@@ -4,7 +4,7 @@
 #include <base/inContextAliasMgrBase.h>
 #include <base/inEx.h>
 #include <base/internal/init/inNamedVariable.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 namespace Kr
 {

@@ -1,7 +1,7 @@
 #include <base/internal/log/lgColumnFormat.h>
 
+#include <base/internal/errors/processIdentity.h>
 #include <base/internal/log/lgLineText.h>
-#include <base/internal/log/lgProcess.h>
 
 namespace Kr
 {
@@ -32,7 +32,7 @@ void appendEscaped(std::string& line, std::string_view text)
 LgColumnFormat::LgColumnFormat(const LgClock& clock, bool hasTimeStamps)
     : _time(clock)
     , _hasTimeStamps(hasTimeStamps)
-    , _process(std::to_string(LgProcess::getProcessId()))
+    , _process(std::to_string(ProcessIdentity::getProcessId()))
 {
 }
 

@@ -1,8 +1,8 @@
 #include <base/internal/log/lgFork.h>
 
+#include <base/internal/errors/processIdentity.h>
 #include <base/internal/log/lgGroupNames.h>
 #include <base/internal/log/lgLogState.h>
-#include <base/internal/log/lgProcess.h>
 
 namespace Kr
 {
@@ -35,7 +35,7 @@ void inChild()
 
 void LgFork::install()
 {
-    static const bool isInstalled = (LgProcess::onFork(beforeFork, inParent, inChild), true);
+    static const bool isInstalled = (ProcessIdentity::onFork(beforeFork, inParent, inChild), true);
     static_cast<void>(isInstalled);
 }
 

@@ -1,8 +1,8 @@
 #include <base/internal/log/lgJsonFormat.h>
 
+#include <base/internal/errors/processIdentity.h>
 #include <base/internal/log/lgJson.h>
 #include <base/internal/log/lgLineText.h>
-#include <base/internal/log/lgProcess.h>
 
 namespace Kr
 {
@@ -10,7 +10,7 @@ namespace Kr
 LgJsonFormat::LgJsonFormat(const LgClock& clock, bool hasTimeStamps)
     : _time(clock)
     , _hasTimeStamps(hasTimeStamps)
-    , _process(std::to_string(LgProcess::getProcessId()))
+    , _process(std::to_string(ProcessIdentity::getProcessId()))
 {
 }
 

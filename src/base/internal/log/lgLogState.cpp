@@ -1,6 +1,6 @@
 #include <base/internal/log/lgLogState.h>
 
-#include <base/internal/log/lgProcess.h>
+#include <base/internal/errors/processIdentity.h>
 #include <base/internal/log/lgReaderThread.h>
 #include <base/internal/log/lgThread.h>
 
@@ -65,7 +65,7 @@ std::atomic<std::uint32_t> LgLogState::_number{0};
 
 bool LgLogState::isMainThread() noexcept
 {
-    return LgProcess::getThreadId() == state().mainThread;
+    return ProcessIdentity::getThreadId() == state().mainThread;
 }
 
 bool LgLogState::isBlocking() noexcept
@@ -139,7 +139,7 @@ void LgLogState::start(std::unique_ptr<LgSession> session)
 {
     const std::scoped_lock lock(state().draining, state().pointer);
     state().isBlocking = session->getSettings().isBlocking;
-    state().mainThread = LgProcess::getThreadId();
+    state().mainThread = ProcessIdentity::getThreadId();
     state().session = session.release();
     _number = ++state().lastNumber;
 }
@@ -213,7 +213,7 @@ void LgLogState::beginForkedSession(bool isMainThread)
         _number = ++state().lastNumber;
     }
     if (isMainThread)
-        state().mainThread = LgProcess::getThreadId();
+        state().mainThread = ProcessIdentity::getThreadId();
 }
 
 } // namespace Kr

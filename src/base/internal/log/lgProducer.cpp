@@ -1,7 +1,7 @@
 #include <base/internal/log/lgProducer.h>
 
+#include <base/internal/errors/processIdentity.h>
 #include <base/internal/log/lgLogState.h>
-#include <base/internal/log/lgProcess.h>
 #include <base/internal/log/lgThread.h>
 
 #include <atomic>
@@ -118,7 +118,7 @@ LgProducer* LgProducer::joinCaller(std::uint32_t sessionNumber) noexcept
     const bool isMain = LgLogState::isMainThread();
     if (isMain)
         mainProducer = producer;
-    producer->join(sessionNumber, isMain ? 0 : LgProcess::getThreadId());
+    producer->join(sessionNumber, isMain ? 0 : ProcessIdentity::getThreadId());
     LgLogState::startReader(sessionNumber);
     return producer;
 }

@@ -1,6 +1,6 @@
 #include <base/internal/log/lgSettings.h>
 
-#include <base/internal/log/lgProcess.h>
+#include <base/internal/errors/processIdentity.h>
 
 #include <charconv>
 #include <cstring>
@@ -96,7 +96,7 @@ bool isAbsolute(std::string_view path)
 /// Puts the process's number in the place of every "%p".
 std::string expand(std::string text)
 {
-    const std::string number = std::to_string(LgProcess::getProcessId());
+    const std::string number = std::to_string(ProcessIdentity::getProcessId());
     for (std::size_t at = text.find("%p"); at != text.npos; at = text.find("%p", at))
         text.replace(at, 2, number);
     return text;

@@ -1,8 +1,8 @@
 #include <base/internal/log/lgTimelineFile.h>
 
 #include <base/hwCounter.h>
+#include <base/internal/errors/processIdentity.h>
 #include <base/internal/log/lgJson.h>
-#include <base/internal/log/lgProcess.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -22,7 +22,7 @@ LgTimelineFile::LgTimelineFile(std::unique_ptr<LgFile> file, const std::string& 
     : _file(std::move(file))
     , _name(name)
     , _clock(clock)
-    , _process(std::to_string(LgProcess::getProcessId()))
+    , _process(std::to_string(ProcessIdentity::getProcessId()))
     , _isStarted(false)
     , _hasComplained(false)
 {

@@ -1,17 +1,19 @@
 #pragma once
 
 /// @file
-/// Internal to the library: who is logging, by the numbers of the process and of the calling
-/// thread.
+/// Who is running: the operating system's numbers of the process and of the calling thread. They
+/// are right in a forked process, too.
+
+#include <cstdint>
 
 namespace Kr
 {
 
-class LgProcess
+class ProcessIdentity
 {
 public:
-    static unsigned long getProcessId() noexcept;
-    static unsigned long getThreadId() noexcept;
+    static std::uint32_t getProcessId() noexcept;
+    static std::uint32_t getThreadId() noexcept;
 
     /// Has `before` called in the thread that forks the process, then `inParent` or `inChild`; on a
     /// system that has no fork, nothing is ever called. Once in a process.
