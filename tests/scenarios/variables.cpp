@@ -10,6 +10,7 @@
 #include <base/inInitGuard.h>
 #include <base/inOptionParser.h>
 #include <base/inReinitGuard.h>
+#include <base/inSettings.h>
 #include <base/inVariable.h>
 #include <base/inVariableEx.h>
 #include <base/krInitPackages.h>
@@ -81,7 +82,7 @@ void expectText(const std::string& text, const char* expected, int line)
 std::string dump()
 {
     std::ostringstream text;
-    Kr::InVariableBase::dumpAll(text);
+    Kr::InSettings::dumpAll(text);
     return text.str();
 }
 
@@ -104,7 +105,7 @@ private:
 /// VIEWER_SAMPLES=16, VIEWER_RAYS=17, VIEWER_TITLE=, VIEWER_SHADING=flat
 void precedence()
 {
-    Kr::InVariableBase::setOverride("viewer.samples", "32");
+    Kr::InSettings::setOverride("viewer.samples", "32");
     const Program program({"--samples=8", "--rays", "9", "--shading=smooth"});
     SCENARIO_CHECK(started == 1); // the start routine read the value
     expectText(dump(),
@@ -150,28 +151,30 @@ void rubbishInTheEnvironment()
 void rubbishOnTheCommandLine()
 {
     SCENARIO_CHECK_THROWS(
-        Program({"--viewer.title=kept", "--samples=0"}), Kr::InVariableEx::ExMalformedValue,
-        "Variable 'viewer.samples': the value '0' of option --samples is malformed, expected an "
-        "integer from 1 to 64.");
+        Program({"--samples=8", "--shading=0", "x"}), Kr::InVariableEx::ExMalformedValue,
+        "Variable 'viewer.shading': the value '0' of option --shading is malformed, expected one "
+        "of flat, smooth.");
     SCENARIO_CHECK(started == 0);
     SCENARIO_CHECK(!Kr::InInit<KrInit::viewer>::isInitialized());
     SCENARIO_CHECK(Kr::InInit<KrInit::base>::isInitialized());
     SCENARIO_CHECK_THROWS(
-        samples.getValue(), Kr::InEx::ExInvalidObject,
-        "Trying to access an object that has an invalid value: 'viewer.samples'.");
-    SCENARIO_CHECK_THROWS(
-        title.getValue(), Kr::InEx::ExUninitializedObject,
-        "Trying to access an object that is not fully initialized: 'viewer.title'.");
+        shading.getValue(), Kr::InEx::ExInvalidObject,
+        "Trying to access an object that has an invalid value: 'viewer.shading'.");
+    SCENARIO_CHECK_THROWS( // although it has been started
+        samples.getValue(), Kr::InEx::ExUninitializedObject,
+        "Trying to access an object that is not fully initialized: 'viewer.samples'.");
     expectText(dump(),
-               "viewer.samples: invalid\n"
-               "    not option --samples: '0', malformed\n"
+               "viewer.samples: its package failed to start\n"
+               "    not option --samples: '8'\n"
                "    not the default: '4'\n"
-               "viewer.shading: not started\n"
+               "viewer.shading: invalid\n"
+               "    not option --shading: '0', malformed\n"
                "    not the default: 'smooth'\n"
-               "viewer.title: not started\n"
+               "viewer.title: its package failed to start\n"
                "    not the default: 'untitled'\n",
                __LINE__);
     SCENARIO_CHECK(Kr::InContextAliasMgrBase::getRemainingWords().size() == 2);
+    Kr::InSettings::setOverride("viewer.shading", "flat"); // for a further attempt
     Kr::InInitMgr::getInstance().finalize();
 }
 
@@ -180,7 +183,7 @@ void lateLibrary()
     const Program program({"--effects.bloom", "0.5", "x", "--samples=8"});
     SCENARIO_CHECK(Kr::InContextAliasMgrBase::getRemainingWords().size() == 4);
 
-    Kr::InVariableBase::setOverride("effects.passes", "3");
+    Kr::InSettings::setOverride("effects.passes", "3");
     std::optional<Kr::InReinitGuard> guard(std::in_place);
     static Kr::InInit<KrInit::effects> effectsPackage;
     const Kr::InVariable<double> bloom(effectsPackage, "effects.bloom", 0., "");
@@ -216,7 +219,7 @@ void remainingWords()
 
 void stop()
 {
-    Kr::InVariableBase::setOverride("nobody", "1");
+    Kr::InSettings::setOverride("nobody", "1");
     {
         const Program program({"x"});
         SCENARIO_CHECK(samples.getValue() == 4);
