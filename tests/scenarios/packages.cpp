@@ -311,27 +311,21 @@ void finaliseNeedsAnInitialise()
 void takesTheArgumentsOver()
 {
     const std::string megabyte(1 << 20, 'm');
-    std::vector<const char*> words(10000, "word");
-    words.front() = "program";
-    words.back() = megabyte.c_str();
-    int argc = static_cast<int>(words.size());
-    const char* const* argv = words.data();
+    const char* const words[] = {"program", "--word", megabyte.c_str()};
+    int argc = 3;
+    const char* const* argv = words;
     manager().initialize(argc, argv);
     SCENARIO_CHECK(argc == 0 && argv == nullptr);
-    const Vector<char*>& taken = InContextAliasMgrBase::args();
-    SCENARIO_CHECK(taken.size() == 10000);
-    SCENARIO_CHECK(std::equal(taken.begin(), taken.end(), words.begin(),
-                              [](const char* left, const char* right)
-                              { return left != right && std::strcmp(left, right) == 0; }));
-
-    // As main has them.
     char again[] = "again";
     char* more[] = {again, nullptr};
-    char** moreArguments = more;
+    char** moreArguments = more; // as main has them
     argc = 1;
     manager().initialize(argc, moreArguments);
     SCENARIO_CHECK(argc == 0 && moreArguments == nullptr);
-    SCENARIO_CHECK(taken.size() == 10001 && std::strcmp(taken.back(), "again") == 0);
+    const Vector<char*>& taken = InContextAliasMgrBase::args();
+    const std::vector<std::string> expected{"program", "--word", megabyte, "again"};
+    SCENARIO_CHECK(std::equal(taken.begin(), taken.end(), expected.begin(), expected.end()));
+    SCENARIO_CHECK(taken.back() != again);
 
     argc = -1;
     SCENARIO_CHECK_THROWS(manager().initialize(argc, argv), ExInternalError,
@@ -340,10 +334,10 @@ void takesTheArgumentsOver()
     SCENARIO_CHECK_THROWS(manager().initialize(argc, argv), ExInternalError,
                           "Assertion 'argc == 0 || argv != nullptr' failed.");
     argc = 2;
-    argv = more;
-    SCENARIO_CHECK_THROWS(manager().initialize(argc, argv), ExInternalError,
+    moreArguments = more;
+    SCENARIO_CHECK_THROWS(manager().initialize(argc, moreArguments), ExInternalError,
                           "Assertion 'argv[i] != nullptr' failed.");
-    SCENARIO_CHECK(argc == 2 && argv == more && taken.size() == 10001);
+    SCENARIO_CHECK(argc == 2 && moreArguments == more && taken.size() == 4);
     // No finalize: what was taken is released at the end all the same, as the leak check tells.
 }
 
@@ -601,14 +595,11 @@ void failingStopCanBeContinued()
 
 void environmentIsASnapshot()
 {
-    OsEnv::putVariable("KR_SET_TOO_LATE=1");
-    SCENARIO_CHECK(InInitMgr::getEnv("KR_SET_TOO_LATE") == nullptr);
-    SCENARIO_CHECK(InInitMgr::getEnv(nullptr) == nullptr);
-    const char* const path = OsEnv::getVariable("PATH");
-    SCENARIO_CHECK(path != nullptr);
-    const std::string before = path;
+    const std::string before = OsEnv::getVariable("PATH");
     OsEnv::putVariable("PATH=elsewhere");
+    OsEnv::putVariable("KR_SET_TOO_LATE=1");
     SCENARIO_CHECK(InInitMgr::getEnv("PATH") == before);
+    SCENARIO_CHECK(InInitMgr::getEnv("KR_SET_TOO_LATE") == nullptr);
 }
 
 class Plugin

@@ -8,7 +8,6 @@
 #include <base/inEx.h>
 #include <base/inInit.imp>
 #include <base/inInitGuard.h>
-#include <base/inOptionParser.h>
 #include <base/inReinitGuard.h>
 #include <base/inSettings.h>
 #include <base/inVariable.h>
@@ -183,38 +182,20 @@ void lateLibrary()
     const Program program({"--effects.bloom", "0.5", "x", "--samples=8"});
     SCENARIO_CHECK(Kr::InContextAliasMgrBase::getRemainingWords().size() == 4);
 
+    // A second command line, and a library that is loaded later.
+    const char* const more[] = {"--effects.bloom=0.25"};
+    const char* const* arguments = more;
+    int count = 1;
+    Kr::InInitMgr::getInstance().initialize(count, arguments);
     Kr::InSettings::setOverride("effects.passes", "3");
     std::optional<Kr::InReinitGuard> guard(std::in_place);
     static Kr::InInit<KrInit::effects> effectsPackage;
     const Kr::InVariable<double> bloom(effectsPackage, "effects.bloom", 0., "");
     const Kr::InVariable<std::int32_t> passes(effectsPackage, "effects.passes", 1, "");
     guard.reset();
-    SCENARIO_CHECK(bloom.getValue() == .5);
+    SCENARIO_CHECK(bloom.getValue() == .25);
     SCENARIO_CHECK(passes.getValue() == 3);
     SCENARIO_CHECK(Kr::InContextAliasMgrBase::getRemainingWords().size() == 2);
-}
-
-/// The application's own short options, by the option parser, in what the variables left.
-void remainingWords()
-{
-    const std::string megabyte(1 << 20, 'x');
-    std::vector<const char*> words{"-v", "--samples", "8", "-o", "out.kr", "--no-viewer.title"};
-    words.insert(words.begin() + 1, 10000, "--rays=9");
-    words.push_back(megabyte.c_str());
-    const Program program(words);
-    SCENARIO_CHECK(samples.getValue() == 8);
-
-    Kr::Vector<char*> remaining = Kr::InContextAliasMgrBase::getRemainingWords();
-    SCENARIO_CHECK(remaining.size() == 6);
-    Kr::InOptionParser parser(static_cast<int>(remaining.size()), remaining.data(), "vo:");
-    SCENARIO_CHECK(parser.getOption() == 'v');
-    SCENARIO_CHECK(parser.getOption() == 'o');
-    SCENARIO_CHECK(parser.getValue() == std::string("out.kr"));
-    // An option that no variable knows remains, and ends the short options like any "--".
-    SCENARIO_CHECK(remaining[4] == std::string("--no-viewer.title"));
-    SCENARIO_CHECK(parser.getOption() == -1);
-    SCENARIO_CHECK(parser.getArgumentIndex() == 5);
-    SCENARIO_CHECK(remaining[5] == megabyte);
 }
 
 void stop()
@@ -255,7 +236,6 @@ int main(int argc, char** argv)
                           {"rubbishInTheEnvironment", rubbishInTheEnvironment},
                           {"rubbishOnTheCommandLine", rubbishOnTheCommandLine},
                           {"lateLibrary", lateLibrary},
-                          {"remainingWords", remainingWords},
                           {"stop", stop}},
                          argc, argv);
 }
