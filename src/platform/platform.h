@@ -17,7 +17,10 @@
 #include <windows.h>
 
 #include <mmsystem.h>
+#include <tlhelp32.h>
 
+#include <direct.h>
+#include <io.h>
 #include <stdlib.h>
 #include <sys/timeb.h>
 
@@ -26,13 +29,23 @@ inline void krOnFork(void (*)(), void (*)(), void (*)()) noexcept
 {
 }
 
+/// The system's texts say all that it tells of a library that does not load.
+inline const char* krLoadDetail() noexcept
+{
+    return "";
+}
+
 #else
 
 #include <cstddef>
 #include <cstdint>
 
+#include <pthread.h>
+
 using BOOL = int;
 using DWORD = std::uint32_t;
+using LONG = std::int32_t;
+using WORD = std::uint16_t;
 using HANDLE = void*;
 
 // Errors (posix/error.cpp)
@@ -45,19 +58,25 @@ constexpr DWORD ERROR_TOO_MANY_OPEN_FILES = 4;
 constexpr DWORD ERROR_ACCESS_DENIED = 5;
 constexpr DWORD ERROR_INVALID_HANDLE = 6;
 constexpr DWORD ERROR_NOT_ENOUGH_MEMORY = 8;
+constexpr DWORD ERROR_NO_MORE_FILES = 18;
 constexpr DWORD ERROR_WRITE_PROTECT = 19;
 constexpr DWORD ERROR_SHARING_VIOLATION = 32;
 constexpr DWORD ERROR_LOCK_VIOLATION = 33;
 constexpr DWORD ERROR_HANDLE_EOF = 38;
 constexpr DWORD ERROR_HANDLE_DISK_FULL = 39;
+constexpr DWORD ERROR_BAD_NETPATH = 53;
 constexpr DWORD ERROR_FILE_EXISTS = 80;
 constexpr DWORD ERROR_INVALID_PARAMETER = 87;
 constexpr DWORD ERROR_DISK_FULL = 112;
 constexpr DWORD ERROR_INSUFFICIENT_BUFFER = 122;
 constexpr DWORD ERROR_INVALID_NAME = 123;
+constexpr DWORD ERROR_MOD_NOT_FOUND = 126;
+constexpr DWORD ERROR_PROC_NOT_FOUND = 127;
 constexpr DWORD ERROR_DIR_NOT_EMPTY = 145;
 constexpr DWORD ERROR_ALREADY_EXISTS = 183;
+constexpr DWORD ERROR_BAD_EXE_FORMAT = 193;
 constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
+constexpr DWORD ERROR_DIRECTORY = 267;
 constexpr DWORD ERROR_MR_MID_NOT_FOUND = 317;
 constexpr DWORD ERROR_IO_DEVICE = 1117;
 
@@ -144,7 +163,15 @@ constexpr DWORD OPEN_ALWAYS = 4;
 constexpr DWORD TRUNCATE_EXISTING = 5;
 
 constexpr DWORD FILE_ATTRIBUTE_READONLY = 0x01;
+constexpr DWORD FILE_ATTRIBUTE_SYSTEM = 0x04; ///< a device, a pipe, a socket
+constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
+constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x20;
 constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
+constexpr DWORD FILE_ATTRIBUTE_REPARSE_POINT = 0x400;
+constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
+constexpr DWORD INVALID_FILE_SIZE = 0xFFFFFFFF;
+constexpr DWORD INVALID_SET_FILE_POINTER = 0xFFFFFFFF;
+constexpr std::size_t MAX_PATH = 260;
 
 constexpr DWORD FILE_BEGIN = 0;
 constexpr DWORD FILE_CURRENT = 1;
@@ -154,6 +181,8 @@ constexpr DWORD LOCKFILE_FAIL_IMMEDIATELY = 0x1;
 constexpr DWORD LOCKFILE_EXCLUSIVE_LOCK = 0x2;
 
 constexpr DWORD MOVEFILE_REPLACE_EXISTING = 0x1;
+constexpr DWORD MOVEFILE_COPY_ALLOWED = 0x2;  ///< takes no effect: never moves between devices
+constexpr DWORD MOVEFILE_WRITE_THROUGH = 0x8; ///< takes no effect
 
 struct SECURITY_ATTRIBUTES;
 
@@ -190,12 +219,22 @@ struct BY_HANDLE_FILE_INFORMATION
 HANDLE CreateFileA(const char* path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
                    DWORD disposition, DWORD flagsAndAttributes, HANDLE templateFile) noexcept;
 
+/// One read of the host's; 0 bytes at the end of the file.
+BOOL ReadFile(HANDLE file, void* buffer, DWORD size, DWORD* read, OVERLAPPED* overlapped) noexcept;
+
 /// On a failure the count tells how many bytes had been written.
 BOOL WriteFile(HANDLE file, const void* data, DWORD size, DWORD* written,
                OVERLAPPED* overlapped) noexcept;
 BOOL SetFilePointerEx(HANDLE file, LARGE_INTEGER distance, LARGE_INTEGER* position,
                       DWORD method) noexcept;
+DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD method) noexcept;
 BOOL SetEndOfFile(HANDLE file) noexcept;
+DWORD GetFileSize(HANDLE file, DWORD* sizeHigh) noexcept;
+BOOL GetFileTime(HANDLE file, FILETIME* creation, FILETIME* lastAccess,
+                 FILETIME* lastWrite) noexcept;
+/// Times that are null stay.
+BOOL SetFileTime(HANDLE file, const FILETIME* creation, const FILETIME* lastAccess,
+                 const FILETIME* lastWrite) noexcept;
 BOOL GetFileSizeEx(HANDLE file, LARGE_INTEGER* size) noexcept;
 BOOL FlushFileBuffers(HANDLE file) noexcept;
 BOOL GetFileInformationByHandle(HANDLE file, BY_HANDLE_FILE_INFORMATION* information) noexcept;
@@ -211,9 +250,233 @@ BOOL UnlockFileEx(HANDLE file, DWORD reserved, DWORD sizeLow, DWORD sizeHigh,
 BOOL MoveFileExA(const char* from, const char* to, DWORD flags) noexcept;
 BOOL CreateDirectoryA(const char* path, SECURITY_ATTRIBUTES* security) noexcept;
 
+// Machine (posix/machine.cpp)
+
+struct SYSTEM_INFO
+{
+    DWORD dwPageSize;
+};
+void GetSystemInfo(SYSTEM_INFO* info) noexcept;
+/// In bytes; 0 if there are no large pages.
+std::size_t GetLargePageMinimum() noexcept;
+
+/// Not a directory, not a read-only file, and not one that is open somewhere without
+/// FILE_SHARE_DELETE. A link is removed itself.
+BOOL DeleteFileA(const char* path) noexcept;
+
+// What the host tells of files without opening them (posix/fileQuery.cpp). A link is what it leads
+// to, and one to a directory a reparse point too; one that leads nowhere is only a reparse point.
+
+enum GET_FILEEX_INFO_LEVELS
+{
+    GetFileExInfoStandard
+};
+
+struct WIN32_FILE_ATTRIBUTE_DATA
+{
+    DWORD dwFileAttributes;
+    FILETIME ftCreationTime; ///< of the last change of the file's state
+    FILETIME ftLastAccessTime;
+    FILETIME ftLastWriteTime;
+    DWORD nFileSizeHigh;
+    DWORD nFileSizeLow;
+};
+
+DWORD GetFileAttributesA(const char* path) noexcept;
+BOOL SetFileAttributesA(const char* path, DWORD attributes) noexcept; ///< only the read-only one
+BOOL GetFileAttributesExA(const char* path, GET_FILEEX_INFO_LEVELS level, void* data) noexcept;
+
+// Directories (posix/directory.cpp)
+
+enum FINDEX_INFO_LEVELS
+{
+    FindExInfoBasic = 1 ///< here only names and attributes, the read-only one left out
+};
+enum FINDEX_SEARCH_OPS
+{
+    FindExSearchNameMatch
+};
+constexpr DWORD FIND_FIRST_EX_LARGE_FETCH = 0x2;
+
+struct WIN32_FIND_DATAA
+{
+    DWORD dwFileAttributes;
+    char cFileName[MAX_PATH];
+};
+
+/// Only for patterns that end in "*" as their last element.
+HANDLE FindFirstFileExA(const char* pattern, FINDEX_INFO_LEVELS level, void* data,
+                        FINDEX_SEARCH_OPS operation, void* filter, DWORD flags) noexcept;
+BOOL FindNextFileA(HANDLE search, WIN32_FIND_DATAA* data) noexcept;
+BOOL FindClose(HANDLE search) noexcept;
+BOOL RemoveDirectoryA(const char* path) noexcept;
+
+// Paths (posix/fullPath.cpp)
+
+/// The process's current directory is on drive C:. Returns the length, or the size that is needed
+/// if that is above `size`; 0 with the last error set.
+DWORD GetFullPathNameA(const char* path, DWORD size, char* buffer, char** lastElement) noexcept;
+
+/// The directory that TMPDIR names, or /tmp; ends in a separator. Returns as `GetFullPathNameA`.
+DWORD GetTempPathA(DWORD size, char* buffer) noexcept;
+
+/// The number of the current drive, 3 for C:.
+int _getdrive() noexcept;
+
+// Volumes (posix/volume.cpp)
+
+constexpr unsigned DRIVE_NO_ROOT_DIR = 1;
+constexpr unsigned DRIVE_FIXED = 3;
+constexpr unsigned DRIVE_REMOTE = 4;
+
+unsigned GetDriveTypeA(const char* root) noexcept;
+/// Counts beyond 32 bits are cut to the largest.
+BOOL GetDiskFreeSpaceA(const char* root, DWORD* sectorsPerCluster, DWORD* bytesPerSector,
+                       DWORD* freeClusters, DWORD* totalClusters) noexcept;
+
+/// Whether the descriptor is a terminal's.
+int _isatty(int descriptor) noexcept;
+
+// Dates (posix/date.cpp)
+
+struct SYSTEMTIME
+{
+    WORD wYear;
+    WORD wMonth;
+    WORD wDayOfWeek; ///< 0 is Sunday
+    WORD wDay;
+    WORD wHour;
+    WORD wMinute;
+    WORD wSecond;
+    WORD wMilliseconds;
+};
+struct TIME_ZONE_INFORMATION;
+
+void GetSystemTimeAsFileTime(FILETIME* time) noexcept;
+BOOL FileTimeToSystemTime(const FILETIME* fileTime, SYSTEMTIME* time) noexcept;
+/// Both only for the process's own time zone, which is named by a null.
+BOOL SystemTimeToTzSpecificLocalTime(const TIME_ZONE_INFORMATION* zone, const SYSTEMTIME* universal,
+                                     SYSTEMTIME* local) noexcept;
+BOOL TzSpecificLocalTimeToSystemTime(const TIME_ZONE_INFORMATION* zone, const SYSTEMTIME* local,
+                                     SYSTEMTIME* universal) noexcept;
+// Events (posix/event.cpp): automatic or manual, without names
+
+constexpr DWORD INFINITE = 0xFFFFFFFF;
+constexpr DWORD WAIT_OBJECT_0 = 0;
+constexpr DWORD WAIT_TIMEOUT = 258;
+constexpr DWORD WAIT_FAILED = 0xFFFFFFFF;
+
+HANDLE CreateEventA(SECURITY_ATTRIBUTES* security, BOOL manualReset, BOOL initialState,
+                    const char* name) noexcept;
+BOOL SetEvent(HANDLE event) noexcept;
+BOOL ResetEvent(HANDLE event) noexcept;
+
+/// Releases those who wait at this moment, all or one by the event's kind, and leaves it reset.
+BOOL PulseEvent(HANDLE event) noexcept;
+
+/// Waits on events only.
+DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) noexcept;
+
+// Multimedia timers (posix/timer.cpp)
+
+using UINT = unsigned int;
+using DWORD_PTR = std::uintptr_t;
+using MMRESULT = UINT;
+using LPTIMECALLBACK = void (*)(UINT, UINT, DWORD_PTR, DWORD_PTR, DWORD_PTR);
+
+constexpr MMRESULT MMSYSERR_NOERROR = 0;
+constexpr MMRESULT MMSYSERR_INVALPARAM = 11;
+constexpr MMRESULT TIMERR_NOERROR = 0;
+constexpr MMRESULT TIMERR_NOCANDO = 97;
+
+constexpr UINT TIME_ONESHOT = 0x00;
+constexpr UINT TIME_PERIODIC = 0x01;
+constexpr UINT TIME_CALLBACK_EVENT_SET = 0x10;
+constexpr UINT TIME_CALLBACK_EVENT_PULSE = 0x20;
+
+struct TIMECAPS
+{
+    UINT wPeriodMin; ///< milliseconds
+    UINT wPeriodMax;
+};
+
+MMRESULT timeGetDevCaps(TIMECAPS* capabilities, UINT size) noexcept;
+
+/// The system's timers are as fine as they get: only the period is checked.
+MMRESULT timeBeginPeriod(UINT period) noexcept;
+MMRESULT timeEndPeriod(UINT period) noexcept;
+
+/// Starts a timer on an event, which stands in the place of the callback; returns 0 if it cannot.
+/// No thread runs it: whoever waits on the event waits until the timer's next moment, an absolute
+/// one, so that beats do not drift, and a thread is woken once for each.
+MMRESULT timeSetEvent(UINT delay, UINT resolution, LPTIMECALLBACK event, DWORD_PTR user,
+                      UINT flags) noexcept;
+MMRESULT timeKillEvent(UINT timer) noexcept;
+
+void Sleep(DWORD milliseconds) noexcept;
+
+// Threads (posix/thread.cpp)
+
+constexpr DWORD TLS_OUT_OF_INDEXES = 0xFFFFFFFF;
+
+DWORD TlsAlloc() noexcept;
+void* TlsGetValue(DWORD index) noexcept;
+BOOL TlsSetValue(DWORD index, void* value) noexcept;
+BOOL TlsFree(DWORD index) noexcept;
+
+struct CRITICAL_SECTION
+{
+    pthread_mutex_t mutex; ///< recursive
+};
+
+void InitializeCriticalSection(CRITICAL_SECTION* section) noexcept;
+void EnterCriticalSection(CRITICAL_SECTION* section) noexcept;
+void LeaveCriticalSection(CRITICAL_SECTION* section) noexcept;
+void DeleteCriticalSection(CRITICAL_SECTION* section) noexcept;
+
+// Libraries (posix/module.cpp)
+
+using HMODULE = void*;
+using FARPROC = std::intptr_t (*)();
+
+/// A name without a folder is looked for beside the program, then where the system looks. One
+/// without an extension gets the system's.
+HMODULE LoadLibraryA(const char* path) noexcept;
+BOOL FreeLibrary(HMODULE library) noexcept;
+FARPROC GetProcAddress(HMODULE library, const char* name) noexcept;
+
+/// For the thread's last LoadLibraryA that failed: what the system's code for it leaves out, as
+/// which further library was missing. Empty if there is nothing to add.
+const char* krLoadDetail() noexcept;
+
+constexpr DWORD TH32CS_SNAPMODULE = 0x8;
+constexpr std::size_t MAX_MODULE_NAME32 = 255;
+constexpr std::size_t krModulePathSize = 4096;
+
+struct MODULEENTRY32
+{
+    DWORD dwSize;
+    unsigned char* modBaseAddr;
+    DWORD modBaseSize;
+    char szModule[MAX_MODULE_NAME32 + 1];
+    char szExePath[krModulePathSize];
+};
+
+/// Only of the modules of this process, in the order in which they were loaded.
+HANDLE CreateToolhelp32Snapshot(DWORD flags, DWORD process) noexcept;
+BOOL Module32First(HANDLE snapshot, MODULEENTRY32* entry) noexcept;
+BOOL Module32Next(HANDLE snapshot, MODULEENTRY32* entry) noexcept;
+
+constexpr DWORD ERROR_NO_MORE_FILES = 18;
+constexpr DWORD ERROR_BAD_LENGTH = 24;
+
 // Processes (posix/process.cpp)
 
 DWORD GetCurrentProcessId() noexcept;
+HANDLE GetCurrentProcess() noexcept;
+
+/// How many handles of this layer the calling process holds.
+BOOL GetProcessHandleCount(HANDLE process, DWORD* count) noexcept;
 
 /// Has `before` called in the process that forks, then `inParent` or `inChild`. Once in a process.
 void krOnFork(void (*before)(), void (*inParent)(), void (*inChild)()) noexcept;
@@ -238,13 +501,27 @@ struct KrProcessorRegisters
 
 /// What the processor identification instruction answers to a leaf; all zero on a processor that
 /// does not have it, so that leaf 0 gives 0 as the maximum leaf.
-inline KrProcessorRegisters krIdentifyProcessor(std::uint32_t leaf) noexcept
+inline KrProcessorRegisters krIdentifyProcessor(std::uint32_t leaf,
+                                                std::uint32_t subleaf = 0) noexcept
 {
     KrProcessorRegisters answer;
 #if defined(__i386__) || defined(__x86_64__)
-    __cpuid_count(leaf, 0, answer.eax, answer.ebx, answer.ecx, answer.edx);
+    __cpuid_count(leaf, subleaf, answer.eax, answer.ebx, answer.ecx, answer.edx);
 #else
     static_cast<void>(leaf);
+    static_cast<void>(subleaf);
 #endif
     return answer;
+}
+
+/// Which register states the system saves, a bit each; only where bit 27 of leaf 1's third register
+/// says that it can be asked.
+inline std::uint64_t krSavedProcessorStates() noexcept
+{
+    std::uint32_t low = 0;
+    std::uint32_t high = 0;
+#if defined(__i386__) || defined(__x86_64__)
+    __asm__("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
+#endif
+    return std::uint64_t{high} << 32 | low;
 }

@@ -1,24 +1,22 @@
 #pragma once
 
 /// @file
-/// Internal to the library: the names of types as people write them.
+/// The names of types, as people write them.
 
-#include <cstdlib>
-#include <cxxabi.h>
-#include <memory>
+#include <cstddef>
 #include <string>
 
 namespace Kr
 {
 
-/// What `type_info::name()` stands for, "Kr::InSingleton<Camera>"; a name that is no type's stays
-/// as it is.
-inline std::string demangle(const char* typeName)
-{
-    int status = 0;
-    const std::unique_ptr<char, void (*)(void*)> text(
-        abi::__cxa_demangle(typeName, nullptr, nullptr, &status), &std::free);
-    return text != nullptr ? text.get() : typeName;
-}
+/// The name that `type_info::name()` stands for (`Kr::InEx::ExDependencyCycle`), or the text itself
+/// when it stands for none; empty for null.
+std::string demangle(const char* name);
+
+/// The same without allocating, for names made of namespaces and classes only; other names (of
+/// templates, of a function's own classes) are copied as they are. What does not fit is cut.
+/// @param size the size of `text`, its terminator included; at least 1
+/// @return `text`
+const char* demanglePlain(const char* name, char* text, std::size_t size) noexcept;
 
 } // namespace Kr

@@ -1,0 +1,373 @@
+#include <platform/platform.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <thread>
+
+// The calls that the library is written to, held against one table of results and error codes: the
+// system's own on Windows, and those that stand for them elsewhere.
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+constexpr DWORD readWrite = GENERIC_READ | GENERIC_WRITE;
+constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+std::string folder;
+
+std::string in(const std::string& name)
+{
+    return (fs::path(folder) / name).string();
+}
+
+HANDLE open(const std::string& path, DWORD access, DWORD share, DWORD disposition,
+            DWORD attributes = FILE_ATTRIBUTE_NORMAL)
+{
+    return CreateFileA(path.c_str(), access, share, nullptr, disposition, attributes, nullptr);
+}
+
+/// Closes the file of a row; the last error stays that of the call.
+bool opened(HANDLE file)
+{
+    const DWORD error = GetLastError();
+    if (file != INVALID_HANDLE_VALUE)
+        CloseHandle(file);
+    SetLastError(error);
+    return file != INVALID_HANDLE_VALUE;
+}
+
+bool opens(const char* name, DWORD access, DWORD share, DWORD disposition)
+{
+    return opened(open(in(name), access, share, disposition));
+}
+
+bool moves(const char* from, const char* to, DWORD flags = 0)
+{
+    return MoveFileExA(in(from).c_str(), in(to).c_str(), flags) != 0;
+}
+
+bool writes(HANDLE file, const std::string& text)
+{
+    DWORD written = 0;
+    return WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) != 0 &&
+           written == text.size();
+}
+
+bool seeks(HANDLE file, std::int64_t distance, DWORD method, std::int64_t expected = 0)
+{
+    LARGE_INTEGER by = {};
+    LARGE_INTEGER position = {};
+    by.QuadPart = distance;
+    return SetFilePointerEx(file, by, &position, method) != 0 && position.QuadPart == expected;
+}
+
+bool hasSize(HANDLE file, std::int64_t expected)
+{
+    LARGE_INTEGER size = {};
+    return GetFileSizeEx(file, &size) != 0 && size.QuadPart == expected;
+}
+
+bool locks(HANDLE file, DWORD flags, DWORD from, DWORD size)
+{
+    OVERLAPPED range = {};
+    range.Offset = from;
+    return LockFileEx(file, flags | LOCKFILE_FAIL_IMMEDIATELY, 0, size, 0, &range) != 0;
+}
+
+bool unlocks(HANDLE file, DWORD from, DWORD size)
+{
+    OVERLAPPED range = {};
+    range.Offset = from;
+    return UnlockFileEx(file, 0, size, 0, &range) != 0;
+}
+
+struct Described
+{
+    bool described;
+    BY_HANDLE_FILE_INFORMATION information;
+
+    explicit Described(HANDLE file)
+        : information()
+    {
+        described = GetFileInformationByHandle(file, &information) != 0;
+    }
+    bool isSameFile(const Described& other) const
+    {
+        return described && other.described &&
+               information.nFileIndexLow == other.information.nFileIndexLow &&
+               information.nFileIndexHigh == other.information.nFileIndexHigh &&
+               information.dwVolumeSerialNumber == other.information.dwVolumeSerialNumber;
+    }
+};
+
+HANDLE first = INVALID_HANDLE_VALUE;  ///< held over some rows
+HANDLE second = INVALID_HANDLE_VALUE; ///< of the same file, or only for reading or appending
+
+bool hold(HANDLE& handle, const char* name, DWORD access, DWORD share)
+{
+    handle = open(in(name), access, share, OPEN_EXISTING);
+    return handle != INVALID_HANDLE_VALUE;
+}
+
+bool release(HANDLE& handle)
+{
+    const HANDLE closed = handle;
+    handle = INVALID_HANDLE_VALUE;
+    return CloseHandle(closed) != 0;
+}
+
+constexpr DWORD unchecked = 0xFFFF;
+
+struct Row
+{
+    const char* call;
+    bool (*performs)();
+    bool expected;
+    DWORD error = unchecked; ///< the thread's last error after the call
+};
+
+/// Each row stands on what those before it have left.
+void check(const Row& row)
+{
+    SetLastError(unchecked);
+    const bool performed = row.performs();
+    const DWORD error = GetLastError();
+    EXPECT_EQ(row.expected, performed) << row.call << ", error " << error;
+    EXPECT_EQ(row.error != unchecked ? row.error : error, error) << row.call;
+}
+
+// clang-format off: a table
+const Row openings[] = {
+    {"missing file", [] { return opens("a", GENERIC_READ, shareAll, OPEN_EXISTING); }, false,
+     ERROR_FILE_NOT_FOUND},
+    {"missing folder", [] { return opens("b/a", GENERIC_READ, shareAll, OPEN_EXISTING); }, false,
+     ERROR_PATH_NOT_FOUND},
+    {"empty path", [] { return opened(open("", GENERIC_READ, shareAll, OPEN_EXISTING)); }, false,
+     ERROR_PATH_NOT_FOUND},
+    {"missing drive",
+     [] { return opened(open("Q:\\b\\a", GENERIC_READ, shareAll, OPEN_EXISTING)); }, false,
+     ERROR_PATH_NOT_FOUND},
+    {"forbidden character", [] { return opens("a?", GENERIC_READ, shareAll, OPEN_EXISTING); },
+     false, ERROR_INVALID_NAME},
+    {"unknown disposition", [] { return opens("a", readWrite, shareAll, 9); }, false,
+     ERROR_INVALID_PARAMETER},
+    {"folder", [] { return opened(open(folder, GENERIC_READ, shareAll, OPEN_EXISTING)); }, false,
+     ERROR_ACCESS_DENIED},
+    {"create new", [] { return opens("a", readWrite, 0, CREATE_NEW); }, true},
+    {"create new again", [] { return opens("a", readWrite, 0, CREATE_NEW); }, false,
+     ERROR_FILE_EXISTS},
+    {"create always", [] { return opens("a", readWrite, 0, CREATE_ALWAYS); }, true,
+     ERROR_ALREADY_EXISTS},
+    {"open always", [] { return opens("a", readWrite, 0, OPEN_ALWAYS); }, true,
+     ERROR_ALREADY_EXISTS},
+    {"open always a new one", [] { return opens("c", readWrite, 0, OPEN_ALWAYS); }, true,
+     ERROR_SUCCESS},
+    {"open", [] { return opens("a", GENERIC_READ, 0, OPEN_EXISTING); }, true},
+    {"create read-only",
+     [] { return opened(open(in("r"), GENERIC_WRITE, 0, CREATE_NEW, FILE_ATTRIBUTE_READONLY)); },
+     true},
+    {"which is kept",
+     []
+     {
+         hold(first, "r", GENERIC_READ, 0);
+         const Described d(first);
+         return release(first) && (d.information.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
+     },
+     true},
+};
+
+const Row sharings[] = {
+    {"hold for oneself", [] { return hold(first, "a", GENERIC_READ, 0); }, true},
+    {"read what is held", [] { return opens("a", GENERIC_READ, shareAll, OPEN_EXISTING); }, false,
+     ERROR_SHARING_VIOLATION},
+    {"ask about what is held", [] { return opens("a", 0, 0, OPEN_EXISTING); }, true},
+    {"move what is held", [] { return moves("a", "b"); }, false, ERROR_SHARING_VIOLATION},
+    {"release", [] { return release(first); }, true},
+    {"write, let others read", [] { return hold(first, "a", GENERIC_WRITE, FILE_SHARE_READ); },
+     true},
+    {"read beside it", [] { return opens("a", GENERIC_READ, shareAll, OPEN_EXISTING); }, true},
+    {"read, deny writing", [] { return opens("a", GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING); },
+     false, ERROR_SHARING_VIOLATION},
+    {"write beside it", [] { return opens("a", GENERIC_WRITE, shareAll, OPEN_EXISTING); }, false,
+     ERROR_SHARING_VIOLATION},
+    {"release it", [] { return release(first); }, true},
+    {"share all", [] { return hold(first, "a", readWrite, shareAll); }, true},
+    {"move what is shared", [] { return moves("a", "b"); }, true},
+    {"move back", [] { return moves("b", "a"); }, true},
+    {"move over what is open", [] { return moves("c", "a", MOVEFILE_REPLACE_EXISTING); }, false,
+     ERROR_ACCESS_DENIED},
+    {"release the shared", [] { return release(first); }, true},
+};
+
+const Row contents[] = {
+    {"open", [] { return hold(first, "a", readWrite, shareAll); }, true},
+    {"open again", [] { return hold(second, "a", GENERIC_READ, shareAll); }, true},
+    {"write", [] { return writes(first, "123456"); }, true},
+    {"size", [] { return hasSize(second, 6); }, true},
+    {"seek from the start", [] { return seeks(first, 4, FILE_BEGIN, 4); }, true},
+    {"seek from the end", [] { return seeks(first, -3, FILE_END, 3); }, true},
+    {"seek before the start", [] { return seeks(first, -1, FILE_BEGIN); }, false,
+     ERROR_NEGATIVE_SEEK},
+    {"unknown origin", [] { return seeks(first, 0, 3); }, false, ERROR_INVALID_PARAMETER},
+    {"end here", [] { return SetEndOfFile(first) != 0 && hasSize(first, 3); }, true},
+    {"flush", [] { return FlushFileBuffers(first) != 0; }, true},
+    {"write without access", [] { return writes(second, "x"); }, false, ERROR_ACCESS_DENIED},
+    {"cut without access", [] { return SetEndOfFile(second) != 0; }, false},
+    {"one file", [] { return Described(first).isSameFile(Described(second)); }, true},
+    {"its description",
+     []
+     {
+         const Described d(first);
+         return d.information.nFileSizeLow == 3 && d.information.nFileSizeHigh == 0 &&
+                d.information.nNumberOfLinks == 1;
+     },
+     true},
+    {"not another's",
+     []
+     {
+         HANDLE other = nullptr;
+         hold(other, "c", 0, shareAll);
+         const bool same = Described(other).isSameFile(Described(first));
+         release(other);
+         return same;
+     },
+     false},
+    {"own a range", [] { return locks(first, LOCKFILE_EXCLUSIVE_LOCK, 10, 5); }, true},
+    {"share what is owned", [] { return locks(second, 0, 14, 1); }, false, ERROR_LOCK_VIOLATION},
+    {"share behind it", [] { return locks(second, 0, 15, 5); }, true},
+    {"share it, too", [] { return locks(first, 0, 15, 5); }, true},
+    {"let go", [] { return unlocks(first, 10, 5) && unlocks(first, 15, 5); }, true},
+    {"share what was owned", [] { return locks(second, 0, 10, 5); }, true},
+    {"own what is shared", [] { return locks(first, LOCKFILE_EXCLUSIVE_LOCK, 0, 16); }, false,
+     ERROR_LOCK_VIOLATION},
+    {"locks end with the handle",
+     [] { return release(second) && locks(first, LOCKFILE_EXCLUSIVE_LOCK, 0, 16); }, true},
+    {"open to append", [] { return hold(second, "c", FILE_APPEND_DATA, shareAll); }, true},
+    {"append",
+     [] { return writes(second, "1") && seeks(second, 0, FILE_BEGIN) && writes(second, "23"); },
+     true},
+    {"appended", [] { return hasSize(second, 3); }, true},
+    {"close", [] { return release(first) && release(second); }, true},
+    {"no handle", [] { return hasSize(INVALID_HANDLE_VALUE, 0); }, false, ERROR_INVALID_HANDLE},
+    {"close none", [] { return CloseHandle(nullptr) != 0; }, false, ERROR_INVALID_HANDLE},
+};
+
+const Row names[] = {
+    {"new folder", [] { return CreateDirectoryA(in("d").c_str(), nullptr) != 0; }, true},
+    {"existing folder", [] { return CreateDirectoryA(in("d").c_str(), nullptr) != 0; }, false,
+     ERROR_ALREADY_EXISTS},
+    {"folder in none", [] { return CreateDirectoryA(in("x/d").c_str(), nullptr) != 0; }, false,
+     ERROR_PATH_NOT_FOUND},
+    {"move a missing file", [] { return moves("x", "y"); }, false, ERROR_FILE_NOT_FOUND},
+    {"move over another", [] { return moves("a", "c"); }, false, ERROR_ALREADY_EXISTS},
+    {"move over a folder", [] { return moves("a", "d", MOVEFILE_REPLACE_EXISTING); }, false,
+     ERROR_ACCESS_DENIED},
+    {"move into none", [] { return moves("a", "x/a"); }, false, ERROR_PATH_NOT_FOUND},
+    {"replace", [] { return moves("a", "c", MOVEFILE_REPLACE_EXISTING) && !fs::exists(in("a")); },
+     true},
+    {"both separators", [] { return opens("d\\../c", GENERIC_READ, shareAll, OPEN_EXISTING); },
+     true},
+};
+// clang-format on
+
+TEST(Platform, FilesAsTheTableSays)
+{
+    folder = (fs::temp_directory_path() / ("kr-platform-" + std::to_string(GetCurrentProcessId())))
+                 .string();
+    fs::create_directory(folder);
+    for (const Row& row : openings)
+        check(row);
+    for (const Row& row : sharings)
+        check(row);
+    for (const Row& row : contents)
+        check(row);
+    for (const Row& row : names)
+        check(row);
+    fs::permissions(in("r"), fs::perms::owner_all);
+    fs::remove_all(folder);
+}
+
+TEST(Platform, ErrorsBelongToTheThreadAndHaveTexts)
+{
+    std::atomic<int> step{0};
+    std::thread other(
+        [&]
+        {
+            while (step != 1)
+                continue;
+            SetLastError(6);
+            step = 2;
+        });
+    SetLastError(5);
+    step = 1;
+    while (step != 2)
+        continue;
+    EXPECT_EQ(5u, GetLastError());
+    other.join();
+
+    constexpr DWORD flags = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
+    char text[512];
+    const auto format = [&](DWORD code, DWORD size)
+    { return FormatMessageA(flags, nullptr, code, 0, text, size, nullptr); };
+    for (const DWORD code : {ERROR_SUCCESS, ERROR_FILE_NOT_FOUND, ERROR_NOT_ENOUGH_MEMORY,
+                             ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION, ERROR_DISK_FULL})
+    {
+        const DWORD length = format(static_cast<DWORD>(code), sizeof text);
+        ASSERT_GT(length, 2u) << code;
+        EXPECT_EQ(std::strlen(text), length);
+        EXPECT_STREQ("\r\n", text + length - 2);
+    }
+    EXPECT_EQ(0u, format(0x2FFFFFFF, sizeof text));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_MR_MID_NOT_FOUND), GetLastError());
+    EXPECT_EQ(0u, format(ERROR_FILE_NOT_FOUND, 4));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER), GetLastError());
+}
+
+TEST(Platform, EnvironmentIsSetAndRemoved)
+{
+    const auto value = [] { return std::getenv("KR_PLATFORM_TEST"); };
+    EXPECT_EQ(0, _putenv("KR_PLATFORM_TEST=a=b"));
+    EXPECT_STREQ("a=b", value());
+    bool listed = false;
+    for (char** entry = _environ; *entry != nullptr; ++entry)
+        listed = listed || std::strcmp(*entry, "KR_PLATFORM_TEST=a=b") == 0;
+    EXPECT_TRUE(listed);
+    EXPECT_EQ(0, _putenv("KR_PLATFORM_TEST="));
+    EXPECT_EQ(nullptr, value());
+    for (const char* refused : {"KR_PLATFORM_TEST", "=a"})
+        EXPECT_EQ(-1, _putenv(refused)) << refused;
+}
+
+TEST(Platform, ClocksRunAndThreadsHaveNumbers)
+{
+    LARGE_INTEGER frequency = {};
+    LARGE_INTEGER again = {};
+    EXPECT_NE(0, QueryPerformanceFrequency(&frequency));
+    EXPECT_NE(0, QueryPerformanceFrequency(&again));
+    EXPECT_GT(frequency.QuadPart, 0);
+    EXPECT_EQ(frequency.QuadPart, again.QuadPart);
+
+    using namespace std::chrono;
+    const auto now = []
+    { return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count(); };
+    __timeb64 time = {};
+    const auto before = now();
+    _ftime64(&time);
+    const std::int64_t between = static_cast<std::int64_t>(time.time) * 1000 + time.millitm;
+    EXPECT_LE(before, between + 1);
+    EXPECT_LE(between, now() + 1);
+
+    const DWORD here = GetCurrentThreadId();
+    std::thread([here] { EXPECT_NE(here, GetCurrentThreadId()); }).join();
+    EXPECT_EQ(here, GetCurrentThreadId());
+}
+
+} // namespace
