@@ -467,7 +467,6 @@ HANDLE CreateToolhelp32Snapshot(DWORD flags, DWORD process) noexcept;
 BOOL Module32First(HANDLE snapshot, MODULEENTRY32* entry) noexcept;
 BOOL Module32Next(HANDLE snapshot, MODULEENTRY32* entry) noexcept;
 
-constexpr DWORD ERROR_NO_MORE_FILES = 18;
 constexpr DWORD ERROR_BAD_LENGTH = 24;
 
 // Processes (posix/process.cpp)
