@@ -56,7 +56,8 @@ public:
     /// Raises `ExInternalError`, with nothing done, if `argc` is negative or an argument is null,
     /// and what is said above.
     void initialize(int& argc, const char* const*& argv);
-    void initialize(int& argc, char**& argv); ///< the same, as `main` has them
+    /// The same for the arguments as `main` has them.
+    void initialize(int& argc, char**& argv);
 
     /// Discards overrides that no variable has taken and the arguments, then stops the packages.
     /// Raises `InEx::ExFinaliseBeforeInit`, `InEx::ExDoubleFinalise`, `ExInternalError` when a

@@ -33,9 +33,9 @@
 ///
 /// Pitfalls: the declaration of the instance has to stand before the class, whose accessor would
 /// otherwise instantiate the singleton in every library that includes the header. A singleton that
-/// was destroyed cannot be initialised again. There is no lock: `initialize` and `destroy` belong to
-/// the main thread, and whoever calls `getInstance` on another thread relies on the package being
-/// started for as long as that thread runs.
+/// was destroyed cannot be initialised again. There is no lock: `initialize` and `destroy` belong
+/// to the main thread, and whoever calls `getInstance` on another thread relies on the package
+/// being started for as long as that thread runs.
 
 #include <base/inSingletonEx.h>
 

@@ -13,8 +13,7 @@
 /// };
 /// Kr::InPackageInitBase& viewer(); // where the package's InInit object stands
 ///
-/// static Kr::InVariable<int> samples(viewer(), "viewer.samples", 4, "Samples per pixel",
-///                                             {1, 64});
+/// static Kr::InVariable<int> samples(viewer(), "viewer.samples", 4, "Samples per pixel", {1, 64});
 /// static Kr::InVariable<bool> vsync(viewer(), "viewer.vsync", true, "Wait for the display");
 /// static Kr::InVariable<Shading> shading(viewer(), "viewer.shading", Shading::Smooth, "Shading",
 ///                                        {{"flat", Shading::Flat}, {"smooth", Shading::Smooth}});
