@@ -202,7 +202,7 @@ void longTexts()
         KR_LOG(program->group, Warning) << text.c_str();
     KR_LOG(program->group, Error) << std::string(40000, 'x').c_str();
     program.reset();
-    std::printf("cut %lu\n", static_cast<unsigned long>(Kr::LgLog::getCutCount()));
+    std::printf("%lu cut\n", static_cast<unsigned long>(Kr::LgLog::getCutCount()));
 }
 
 void routes()
@@ -492,7 +492,7 @@ void blocking()
     const std::vector<std::string> texts = textsIn(longFolder / "events.log");
     SCENARIO_CHECK(texts.size() == 61 && texts.back() == "#");
     SCENARIO_CHECK(std::count(texts.begin(), texts.end(), std::string(16383, 't')) == 60);
-    SCENARIO_CHECK(contains(readFile(longFolder / "out"), "cut 1\n"));
+    SCENARIO_CHECK(readFile(longFolder / "out").substr(0, 5) == "1 cut");
 }
 
 /// Two processes write at once, rotating each other's files, and no line is lost or cut.
