@@ -341,12 +341,14 @@ void comforts()
             .join();
         std::unique_ptr<Kr::LgListener> once;
         once = std::make_unique<Kr::LgListener>([&](const Kr::LgMessage&) { once.reset(); });
+        KR_LOG(selfOwned, Warning) << "last";
         Kr::LgLog::flush();
         SCENARIO_CHECK(once == nullptr);
     }
     SCENARIO_CHECK(!selfOwned.isLevelEnabled(Kr::LgTypes::FatalError));
-    SCENARIO_CHECK(heard == "/SelfOwned/unnamed|painter/SelfOwned/named|"
-                            "a thread whose name is longer t/SelfOwned/other|");
+    SCENARIO_CHECK(heard ==
+                   "/SelfOwned/unnamed|painter/SelfOwned/named|"
+                   "a thread whose name is longer t/SelfOwned/other|painter/SelfOwned/last|");
 }
 
 /// Prints where each setting came from.
@@ -599,7 +601,7 @@ void comfortable()
     SCENARIO_CHECK(start(folder, "comforts") == 0);
     const std::string log = readFile(folder / "events.log");
     SCENARIO_CHECK(contains(log, ":main ") && contains(log, ":painter "));
-    SCENARIO_CHECK(contains(log, ":a thread whose name is longer t SelfOwned     other\n"));
+    SCENARIO_CHECK(contains(log, ":a thread whose name is longer t SelfOwned other\n"));
     const std::string timeline = readFile(folder / "timeline.json");
     SCENARIO_CHECK(LogTest::JsonCheck::isValue(timeline));
     SCENARIO_CHECK(contains(timeline, "\"name\":\"painter\"") &&

@@ -152,8 +152,9 @@ void LgTimelineFile::takeNewRings()
     const std::lock_guard<std::mutex> lock(_mutex);
     for (std::shared_ptr<LgSpanRing>& ring : _newRings)
     {
-        if (ring->getThread() != 0)
-            addThreadName(ring->getThread(), "thread " + std::to_string(ring->getThread()));
+        const bool isNew = _shownNames.find(ring->getThread()) == _shownNames.end();
+        if (ring->getThread() != 0 && isNew)
+            showThreadName(ring->getThread(), "thread " + std::to_string(ring->getThread()));
         _rings.push_back(std::move(ring));
     }
     _newRings.clear();
