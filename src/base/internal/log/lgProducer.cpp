@@ -1,6 +1,7 @@
 #include <base/internal/log/lgProducer.h>
 
 #include <base/internal/errors/processIdentity.h>
+#include <base/internal/errors/threadLabel.h>
 #include <base/internal/log/lgLogState.h>
 #include <base/internal/log/lgThreadSlot.h>
 
@@ -232,6 +233,7 @@ LgQueue* LgProducer::findFreeQueue() noexcept
 std::shared_ptr<LgQueue> LgProducer::makeQueue() const
 {
     std::shared_ptr<LgQueue> queue(new LgQueue(_thread), discardQueue);
+    queue->setLabel(ThreadLabel::ofCaller());
     queue->setHalfFullHandler(LgLogState::wakeReader);
     if (LgLogState::isBlocking())
         queue->changeObserver(ObjPtr<LgQueue::Observer>(new BlockingObserver));
