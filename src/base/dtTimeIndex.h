@@ -106,9 +106,12 @@ public:
                               std::float_round_style style = std::round_toward_zero) const;
 
 private:
+    friend class DtTimeUtil;
+
     long long getWholeSeconds(const Rational& rate) const;
     double convertDouble(const Rational& fromRate, const Rational& toRate,
                          std::float_round_style style) const;
+    static double roundInStyle(double count, std::float_round_style style) noexcept;
 
     long long _count;
 };

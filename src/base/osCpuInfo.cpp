@@ -34,6 +34,8 @@ const char* OsCpuInfo::getTypeName()
 unsigned long long OsCpuInfo::getHwCounterFrequency()
 {
     assert(_hwCounterFrequency != 0);
+    if (_hwCounterFrequency == 0) // without assertions: 0 would be divided by
+        initialize();
     return _hwCounterFrequency;
 }
 

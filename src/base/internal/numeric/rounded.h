@@ -4,9 +4,10 @@
 /// Arithmetic whose every result is rounded to its type, whatever the compiler's settings.
 ///
 /// 32-bit Intel compilers calculate in registers of 80 bits unless they are told otherwise, and keep
-/// as many bits as the optimiser happens to leave there. What this library compiles into its callers
-/// calculates through these operations: one instruction where the compiler rounds by itself
-/// (`FLT_EVAL_METHOD` is 0), a call into the library elsewhere.
+/// as many bits as the optimiser happens to leave there; others fuse a product with the sum that takes
+/// it where the processor can. What this library compiles into its callers calculates through these
+/// operations: one instruction where the compiler rounds every result by itself, a call into the
+/// library elsewhere.
 /// @code
 /// const float sum = Kr::Rounded::add(1.F, 1e-8F); // 1
 /// @endcode
@@ -37,7 +38,7 @@ public:
     static double toDouble(long long a) noexcept;
 };
 
-#if FLT_EVAL_METHOD == 0
+#if FLT_EVAL_METHOD == 0 && !defined(__FP_FAST_FMA) && !defined(__FAST_MATH__)
 
 class Rounded
 {
