@@ -236,15 +236,34 @@ struct KrProcessorRegisters
     std::uint32_t edx = 0;
 };
 
-/// What the processor identification instruction answers to a leaf; all zero on a processor that
-/// does not have it, so that leaf 0 gives 0 as the maximum leaf.
-inline KrProcessorRegisters krIdentifyProcessor(std::uint32_t leaf) noexcept
+/// What the processor identification instruction answers to a leaf and its subleaf; all zero on a
+/// processor that does not have it, so that leaf 0 gives 0 as the maximum leaf.
+inline KrProcessorRegisters krIdentifyProcessor(std::uint32_t leaf,
+                                                std::uint32_t subleaf = 0) noexcept
 {
     KrProcessorRegisters answer;
 #if defined(__i386__) || defined(__x86_64__)
-    __cpuid_count(leaf, 0, answer.eax, answer.ebx, answer.ecx, answer.edx);
+    __cpuid_count(leaf, subleaf, answer.eax, answer.ebx, answer.ecx, answer.edx);
 #else
     static_cast<void>(leaf);
+    static_cast<void>(subleaf);
 #endif
     return answer;
+}
+
+/// The register sets that the system saves for a process, as bits of the processor's extended
+/// control register 0; 0 if the system keeps none.
+inline std::uint64_t krGetEnabledRegisterSets() noexcept
+{
+#if defined(__i386__) || defined(__x86_64__)
+    constexpr std::uint32_t enabledBySystem = 1U << 27;
+    if ((krIdentifyProcessor(1).ecx & enabledBySystem) == 0)
+        return 0;
+    std::uint32_t low = 0;
+    std::uint32_t high = 0;
+    __asm__("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
+    return std::uint64_t{high} << 32 | low;
+#else
+    return 0;
+#endif
 }
