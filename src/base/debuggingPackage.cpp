@@ -1,4 +1,5 @@
 #include <base/assert.h>
+#include <base/dbgBuildInfoMgr.h>
 #include <base/inInit.imp>
 #include <base/krInitPackages.h>
 #include <base/lgGroups.h>
@@ -14,9 +15,11 @@ Kr::LgMinorGroup* LgGroups::KR_XGLUE(MinorLevel, BuildInfo) = nullptr;
 // NOLINTBEGIN(modernize-use-nullptr)
 void KrInit::debugging::start()
 {
+    Kr::DbgBuildInfoMgr::getInstance().validate();
     KR_ASSERT(LgGroups::KR_XGLUE( MinorLevel, BuildInfo ) == 0);
     LgGroups::KR_XGLUE(MinorLevel, BuildInfo) =
         new Kr::LgMinorGroup(Kr::LgMajorGroup::getInstanceForName("Base"), "BuildInfo");
+    Kr::DbgBuildInfoMgr::getInstance().log();
 }
 
 void KrInit::debugging::stop()

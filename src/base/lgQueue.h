@@ -243,7 +243,7 @@ public:
 
 /// While it exists, the producing thread's messages are dropped, uncounted: for code that must not
 /// log, such as the logger's own output. For the producing thread.
-class KR_BASE_API LgQueue::SuppressGuard
+class LgQueue::SuppressGuard
 {
 public:
     explicit SuppressGuard(LgQueue& queue) noexcept
