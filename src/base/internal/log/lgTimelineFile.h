@@ -8,6 +8,7 @@
 #include <base/internal/log/lgLineFormat.h>
 #include <base/internal/log/lgSpanRing.h>
 
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -39,6 +40,8 @@ private:
     void appendTime(const char* key, std::int64_t nanoseconds);
     void addSpan(const LgSpanRing& ring, const LgSpanRing::Span& span);
     void addThreadName(unsigned long thread);
+    static void addCounter(void* timeline, const char* name, double value);
+    void askForCounters();
     void takeNewRings();
     void drainRing(LgSpanRing& ring);
 
@@ -46,6 +49,7 @@ private:
     const std::string _name;
     const LgClock& _clock;
     const std::string _process;
+    std::map<std::string, double> _counters; ///< as they were written last
     std::string _waiting;
     bool _isStarted;
     bool _hasComplained;
