@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <thread>
 
@@ -124,6 +125,62 @@ bool release(HANDLE& handle)
     return CloseHandle(closed) != 0;
 }
 
+bool create(BOOL isManual, BOOL isSet)
+{
+    first = CreateEventA(nullptr, isManual, isSet, nullptr);
+    return first != nullptr;
+}
+
+bool waits(DWORD milliseconds = 0)
+{
+    return WaitForSingleObject(first, milliseconds) == WAIT_OBJECT_0;
+}
+
+constexpr DWORD hang = 60'000; // milliseconds
+
+MMRESULT startTimer(UINT delay, UINT flags)
+{
+    return timeSetEvent(delay, 1, reinterpret_cast<LPTIMECALLBACK>(first), 0, flags);
+}
+
+/// A thread waits on the event until it is given away.
+bool releasesWho(bool (*gives)())
+{
+    std::atomic<bool> isReleased{false};
+    std::thread waiter([&] { isReleased = waits(hang); });
+    while (!isReleased)
+    {
+        Sleep(1);
+        if (!gives())
+            break;
+    }
+    waiter.join();
+    return isReleased;
+}
+
+DWORD slot = TLS_OUT_OF_INDEXES;
+
+bool loads(const std::string& path)
+{
+    return LoadLibraryA(path.c_str()) != nullptr;
+}
+
+/// How many modules there are, up to the error that ends the list.
+int countModules(DWORD entrySize)
+{
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPMODULE, 0);
+    MODULEENTRY32 entry;
+    entry.dwSize = entrySize;
+    int count = 0;
+    for (BOOL found = Module32First(snapshot, &entry); found != 0;
+         found = Module32Next(snapshot, &entry))
+        ++count;
+    const DWORD error = GetLastError();
+    CloseHandle(snapshot);
+    SetLastError(error);
+    return count;
+}
+
 constexpr DWORD unchecked = 0xFFFF;
 
 struct Row
@@ -220,6 +277,94 @@ const Row rows[] = {
     {"replace", [] { return moves("a", "c", MOVEFILE_REPLACE_EXISTING) && !fs::exists(in("a")); }, true},
     {"both separators", [] { return opens("d\\../c", GENERIC_READ, shareAll, OPEN_EXISTING); }, true},
 };
+
+const Row events[] = {
+    {"automatic", [] { return create(0, 0); }, true},
+    {"not set", [] { return waits(); }, false},
+    {"set", [] { return SetEvent(first) != 0 && SetEvent(first) != 0; }, true},
+    {"taken", [] { return waits(); }, true},
+    {"taken once", [] { return waits(); }, false},
+    {"set and reset", [] { return SetEvent(first) != 0 && ResetEvent(first) != 0; }, true},
+    {"reset", [] { return waits(10); }, false},
+    {"pulse nobody", [] { return PulseEvent(first) != 0 && waits(); }, false},
+    {"pulse who waits", [] { return releasesWho([] { return PulseEvent(first) != 0; }); }, true},
+    {"set for who waits", [] { return releasesWho([] { return SetEvent(first) != 0; }); }, true},
+    {"a timer sets it",
+     []
+     {
+         return ResetEvent(first) != 0 &&
+                startTimer(5, TIME_ONESHOT | TIME_CALLBACK_EVENT_SET) != 0 && waits(hang);
+     },
+     true},
+    {"once", [] { return waits(20); }, false},
+    {"close", [] { return release(first); }, true},
+    {"manual and set", [] { return create(1, 1); }, true},
+    {"stays set", [] { return waits() && waits(); }, true},
+    {"reset it", [] { return ResetEvent(first) != 0 && waits(); }, false},
+    {"set and reset while one waits",
+     [] { return releasesWho([] { return SetEvent(first) != 0 && ResetEvent(first) != 0; }); },
+     true},
+    {"a timer pulses it",
+     []
+     {
+         const MMRESULT timer = startTimer(5, TIME_PERIODIC | TIME_CALLBACK_EVENT_PULSE);
+         return waits(hang) && waits(hang) && waits(hang) &&
+                timeKillEvent(timer) == TIMERR_NOERROR && timeKillEvent(timer) != TIMERR_NOERROR;
+     },
+     true},
+    {"killed", [] { return waits(30); }, false},
+    {"no delay", [] { return startTimer(0, TIME_PERIODIC | TIME_CALLBACK_EVENT_PULSE) != 0; },
+     false},
+    {"close it", [] { return release(first); }, true},
+    {"wait on nothing", [] { return waits(); }, false, ERROR_INVALID_HANDLE},
+    {"no period", [] { return timeBeginPeriod(0) == TIMERR_NOERROR; }, false},
+    {"least period",
+     [] { return timeBeginPeriod(1) == TIMERR_NOERROR && timeEndPeriod(1) == TIMERR_NOERROR; },
+     true},
+};
+
+const Row slotsAndModules[] = {
+    {"slot",
+     []
+     {
+         slot = TlsAlloc();
+         return slot != TLS_OUT_OF_INDEXES;
+     },
+     true},
+    {"empty", [] { return TlsGetValue(slot) != nullptr; }, false, ERROR_SUCCESS},
+    {"fill", [] { return TlsSetValue(slot, &slot) != 0 && TlsGetValue(slot) == &slot; }, true},
+    {"each thread its own",
+     []
+     {
+         bool isEmpty = false;
+         std::thread([&] { isEmpty = TlsGetValue(slot) == nullptr; }).join();
+         return isEmpty;
+     },
+     true},
+    {"free", [] { return TlsFree(slot) != 0; }, true},
+    {"missing library", [] { return loads("no-such-library"); }, false, ERROR_MOD_NOT_FOUND},
+    {"missing file", [] { return loads(in("x.dll")); }, false, ERROR_MOD_NOT_FOUND},
+    {"no library",
+     []
+     {
+         std::ofstream(in("text.dll")) << "text";
+         return loads(in("text.dll"));
+     },
+     false, ERROR_BAD_EXE_FORMAT},
+    {"modules", [] { return countModules(sizeof(MODULEENTRY32)) > 1; }, true, ERROR_NO_MORE_FILES},
+    {"no entry", [] { return countModules(0) != 0; }, false, ERROR_INSUFFICIENT_BUFFER},
+    {"handles",
+     []
+     {
+         DWORD before = 0;
+         DWORD after = 0;
+         const bool counts = GetProcessHandleCount(GetCurrentProcess(), &before) != 0 &&
+                             create(0, 0) &&
+                             GetProcessHandleCount(GetCurrentProcess(), &after) != 0;
+         return counts && after == before + 1 && release(first);
+     },
+     true},
+};
 // clang-format on
 
 TEST(Platform, FilesAsTheTableSays)
@@ -229,8 +374,16 @@ TEST(Platform, FilesAsTheTableSays)
     fs::create_directory(folder);
     for (const Row& row : rows)
         check(row);
+    for (const Row& row : slotsAndModules)
+        check(row);
     fs::permissions(in("r"), fs::perms::owner_all);
     fs::remove_all(folder);
+}
+
+TEST(Platform, EventsAndTimersAsTheTableSays)
+{
+    for (const Row& row : events)
+        check(row);
 }
 
 TEST(Platform, ErrorsBelongToTheThreadAndHaveTexts)

@@ -3,6 +3,7 @@
 #include <base/hwCounter.h>
 #include <base/internal/errors/processIdentity.h>
 #include <base/internal/log/lgJson.h>
+#include <base/lgTimeline.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -66,6 +67,7 @@ void LgTimelineFile::addMessage(const LgRecord& record)
 /// Threads that have ended are let go; their end is looked at before their ring.
 void LgTimelineFile::drain()
 {
+    askForCounters();
     takeNewRings();
     const auto drainAndTest = [this](const std::shared_ptr<LgSpanRing>& ring)
     {
@@ -145,6 +147,29 @@ void LgTimelineFile::showThreadName(unsigned long thread, std::string_view name)
         return;
     shown = name;
     addThreadName(thread, name);
+}
+
+void LgTimelineFile::askForCounters()
+{
+    if (const LgTimeline::CounterSource source = LgTimeline::_counterSource.load())
+        source(&addCounter, this);
+}
+
+/// Writes a value that has changed.
+void LgTimelineFile::addCounter(void* timeline, const char* name, double value)
+{
+    auto& self = *static_cast<LgTimelineFile*>(timeline);
+    const auto found = self._counters.find(name);
+    if (found != self._counters.end() && found->second == value)
+        return;
+    self._counters[name] = value;
+    self.beginEvent("C", 0);
+    self.appendTime("ts", self._clock.getElapsed(HwCounter::timeStamp()));
+    self._waiting += ",\"name\":";
+    LgJson::appendString(self._waiting, name);
+    char text[64];
+    std::snprintf(text, sizeof text, ",\"args\":{\"value\":%.17g}}", value);
+    self._waiting += text;
 }
 
 void LgTimelineFile::takeNewRings()

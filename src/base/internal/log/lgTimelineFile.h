@@ -43,6 +43,8 @@ private:
     void addSpan(const LgSpanRing& ring, const LgSpanRing::Span& span);
     void addThreadName(unsigned long thread, std::string_view name);
     void showThreadName(unsigned long thread, std::string_view name);
+    static void addCounter(void* timeline, const char* name, double value);
+    void askForCounters();
     void takeNewRings();
     void drainRing(LgSpanRing& ring);
 
@@ -52,6 +54,7 @@ private:
     const std::string _process;
     std::map<unsigned long, std::string> _shownNames; ///< by thread
     std::string _threadName;
+    std::map<std::string, double> _counters; ///< as they were written last
     std::string _waiting;
     bool _isStarted;
     bool _hasComplained;
