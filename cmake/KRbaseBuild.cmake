@@ -5,18 +5,27 @@ set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
-set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
-set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
-set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+if(PROJECT_IS_TOP_LEVEL)
+    set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+    set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+    set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+endif()
 find_package(Threads REQUIRED)
 
-# Flags of everything built here; a consumer of the installed package gets none of them.
+# Flags of everything built here; a user of the library gets the arithmetic ones alone.
 add_library(kr_build_flags INTERFACE)
 # Nothing replaces the library's own functions, so its calls of them may be inlined and direct.
 target_compile_options(kr_build_flags INTERFACE
     -ffp-contract=off
     -fno-semantic-interposition
-    -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
+    -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+# SSE arithmetic, so that numeric output is the same bits as on the other targets. 32-bit Windows calls
+# back with a 4-byte aligned stack, hence the realignment.
+set(KR_ARITHMETIC_FLAGS)
+if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 4)
+    set(KR_ARITHMETIC_FLAGS -msse2 -mfpmath=sse)
+    target_compile_options(kr_build_flags INTERFACE -march=pentium4 ${KR_ARITHMETIC_FLAGS} -mstackrealign)
+endif()
 add_library(kr_warnings INTERFACE)
 target_compile_options(kr_warnings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion
@@ -41,13 +50,16 @@ if(WIN32)
         get_filename_component(path ${path} REALPATH)
         list(APPEND KR_RUNTIME_DLLS ${path})
     endforeach()
-    file(COPY ${KR_RUNTIME_DLLS} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+    if(PROJECT_IS_TOP_LEVEL)
+        file(COPY ${KR_RUNTIME_DLLS} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+    endif()
 endif()
 
-# kr_family(<sources>...): adds one family's sources (paths below src) to the library.
-function(kr_family)
-    list(TRANSFORM ARGN PREPEND ${CMAKE_SOURCE_DIR}/src/)
-    target_sources(kr_base_objects PRIVATE ${ARGN})
+# kr_family(<name> [USES <families>...] SOURCES <files>...): adds one family's files (paths below src) to the library.
+function(kr_family name)
+    cmake_parse_arguments(arg "" "" "USES;SOURCES" ${ARGN})
+    list(TRANSFORM arg_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/src/)
+    target_sources(kr_base_objects PRIVATE ${arg_SOURCES})
 endfunction()
 
 # kr_program(<name> <sources>...): a program of this tree that uses the library.

@@ -10,8 +10,4 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE BOTH)
 
-# SSE arithmetic, so that numeric output is the same bits as on the other targets. Windows calls
-# back with a 4-byte aligned stack, hence the realignment.
-set(CMAKE_CXX_FLAGS_INIT "-march=pentium4 -msse2 -mfpmath=sse -mstackrealign")
-
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/run-wine)

@@ -6,7 +6,7 @@
 #include <base/inInitGuard.h>
 #include <base/osCpuInfo.h>
 #include <base/osEndian.h>
-#include <base/osMemoryArch.h>
+#include <base/osProcessor.h>
 
 #include <iomanip>
 #include <iostream>
@@ -18,37 +18,56 @@ namespace
 
 void printRow(const char* label, const std::string& text)
 {
-    std::cout << std::left << std::setw(18) << label << text << '\n';
+    std::cout << std::left << std::setw(22) << label << text << '\n';
 }
 
-std::string describeProcessor()
+using Kr::OsProcessor;
+
+std::string describeProcessor(const OsProcessor& processor)
 {
-    int family = 0;
-    int model = 0;
-    int stepping = 0;
-    Kr::OsCpuInfo::getDetailedType(nullptr, &family, &model, &stepping);
     std::ostringstream text;
-    text << Kr::OsCpuInfo::getTypeName() << ", family " << family << ", model " << model
-         << ", stepping " << stepping << (Kr::OsCpuInfo::hasMMX() ? ", MMX" : "")
-         << (Kr::OsCpuInfo::hasSSE() ? ", SSE" : "");
+    text << (processor.getBrand().empty() ? "not reported" : processor.getBrand()) << " ("
+         << processor.getVendor() << " family " << processor.getFamily() << ", model "
+         << processor.getModel() << ", stepping " << processor.getStepping() << ')';
     return text.str();
 }
 
-/// A size in bytes; the processor may not report it.
-std::string describeSize(int bytes)
+std::string describeFeatures(const OsProcessor& processor)
 {
+    std::string text;
+    for (int i = 0; i < OsProcessor::NbFeatures; ++i)
+        if (const auto feature = static_cast<OsProcessor::Feature>(i); processor.has(feature))
+            text += std::string(text.empty() ? "" : " ") + OsProcessor::getFeatureName(feature);
+    return text;
+}
+
+/// A size in bytes; 0 is not reported.
+std::string describeSize(std::uint64_t bytes)
+{
+    constexpr std::uint64_t kibi = 1024;
     if (bytes == 0)
         return "not reported";
-    return bytes % 1024 == 0 ? std::to_string(bytes / 1024) + " KiB"
+    if (bytes % (kibi * kibi) == 0)
+        return std::to_string(bytes / (kibi * kibi)) + " MiB";
+    return bytes % kibi == 0 ? std::to_string(bytes / kibi) + " KiB"
                              : std::to_string(bytes) + " bytes";
 }
 
-std::string describeCache(int size, int lineSize)
+std::string describeCache(const OsProcessor::Cache& cache)
 {
-    std::string text = describeSize(size);
-    if (lineSize != 0)
-        text += ", lines of " + describeSize(lineSize);
-    return text;
+    return describeSize(cache._size) + ", " + std::to_string(cache._ways) + " ways, lines of " +
+           std::to_string(cache._lineSize) + " bytes, shared by at most " +
+           std::to_string(cache._maxSharing) + " threads";
+}
+
+void printCaches(const OsProcessor& processor)
+{
+    constexpr const char* kinds[] = {"", " data", " instruction", ""};
+    for (const OsProcessor::Cache& cache : processor.getCaches())
+        printRow(("level " + std::to_string(cache._level) + kinds[cache._kind]).c_str(),
+                 describeCache(cache));
+    if (processor.getCaches().empty())
+        printRow("caches", "not reported");
 }
 
 std::string describeStamps()
@@ -68,12 +87,15 @@ std::string describeStamps()
 
 void printMachine()
 {
-    const Kr::OsMemoryArch& memory = Kr::OsMemoryArch::getInstance();
-    printRow("processor", describeProcessor());
+    const OsProcessor& processor = OsProcessor::getInstance();
+    printRow("processor", describeProcessor(processor));
+    printRow("features", describeFeatures(processor));
+    printRow("cores, threads", std::to_string(processor.getNbCores()) + ", " +
+                                   std::to_string(processor.getNbThreads()));
+    printCaches(processor);
+    printRow("pages", describeSize(processor.getPageSize()) + ", large ones " +
+                          describeSize(processor.getLargePageSize()));
     printRow("byte order", Kr::OsEndian::isBigEndian() ? "highest first" : "lowest first");
-    printRow("level 1 data", describeCache(memory.getL1DataSize(), memory.getL1DataLineSize()));
-    printRow("level 2", describeCache(memory.getL2Size(), memory.getL2LineSize()));
-    printRow("page", describeSize(memory.getPageSize()));
     printRow("raw counter", std::to_string(Kr::OsCpuInfo::getHwCounterFrequency()) + " Hz");
     printRow("time stamps", describeStamps());
 }

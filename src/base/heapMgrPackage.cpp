@@ -1,3 +1,4 @@
+#include <base/hmHeapMgr.h>
 #include <base/inInit.imp>
 #include <base/krInitPackages.h>
 
@@ -7,8 +8,10 @@ static Kr::InInit<KrInit::heapMgr> package;
 
 void KrInit::heapMgr::start()
 {
+    Kr::InSingleton<Kr::HmHeapMgr>::initialize(Kr::HmHeapMgr::create());
 }
 
 void KrInit::heapMgr::stop()
 {
+    Kr::InSingleton<Kr::HmHeapMgr>::destroy();
 }

@@ -4,6 +4,7 @@
 #include <base/inInitMgr.h>
 #include <base/inVariableBase.h>
 #include <base/internal/init/inInitDebug.h>
+#include <base/internal/init/inPackageWatch.h>
 
 #include <algorithm>
 #include <cassert>
@@ -80,6 +81,7 @@ const char* InPackageInit::getName() const
 void InPackageInit::initialize()
 {
     reportStep("performInitialize");
+    const InPackageWatch watch(getName(), true);
     _startTimes = StartTimes();
     {
         const ScopeTimer timer(_startTimes.variables);
@@ -95,6 +97,7 @@ void InPackageInit::initialize()
 void InPackageInit::finalize()
 {
     reportStep("performFinalize");
+    const InPackageWatch watch(getName(), false);
     setInitialized(false);
     performFinalize();
     for (std::size_t i = _variables.size(); i-- > 0;)

@@ -1,6 +1,7 @@
 #include <base/lgGroups.h>
 
 #include <base/assert.h>
+#include <base/internal/log/lgGroupNames.h>
 #include <base/lgEx.h>
 #include <base/osEnv.h>
 
@@ -174,8 +175,10 @@ const char* LgMajorGroup::getUsage() noexcept
 LgMinorGroup::LgMinorGroup(const LgMajorGroup& major, const char* n)
     : _major(&major)
     , _name(n)
+    , _number(0)
 {
     KR_ASSERT_AT(n, 314);
+    _number = LgGroupNames::getNumber(n);
 }
 
 } // namespace Kr

@@ -135,8 +135,9 @@ private:
 class KR_BASE_API LgMinorGroup
 {
 public:
-    /// Neither argument is copied: both must outlive the group. Raises `ExInternalError` for a null
-    /// name.
+    /// Neither argument is copied: both must outlive the group. What it logs may be written later:
+    /// the process remembers the texts of up to 65534 names for that, and those of more groups read
+    /// "(other)". Raises `ExInternalError` for a null name.
     LgMinorGroup(const LgMajorGroup& major, const char* name);
 
     /// Whether to log. One load and one test; for any thread. The level is not checked.
@@ -149,9 +150,14 @@ public:
 
     const char* getName() const noexcept { return _name; }
 
+    /// The number under which the process knows the name, from 1; the same for the same text. A
+    /// message of an `LgQueue` names its group by it.
+    std::uint16_t getNumber() const noexcept { return _number; }
+
 private:
     const LgMajorGroup* _major;
     const char* _name;
+    std::uint16_t _number;
 };
 
 } // namespace Kr

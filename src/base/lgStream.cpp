@@ -12,7 +12,7 @@ namespace Kr
 
 LgStream::LgStream(unsigned int ringSize)
     : _mask(ringSize - 1)
-    , _room(ringSize - 1)
+    , _room((ringSize - 1) / 2)
 {
     KR_ASSERT(ringSize >= 4 && (ringSize & (ringSize - 1)) == 0);
     _buffer.reset(new char[ringSize]);
@@ -40,16 +40,27 @@ bool LgStream::isFull() const noexcept
 }
 
 /// Looks at the consumer's position again, and steps over a waiting terminator once there is room
-/// behind it. Returns whether there is any room.
+/// behind it. Returns whether there is any room. The next look is due when half of the ring is
+/// filled, and if that is so already, when all of it is.
 bool LgStream::updateRoom() noexcept
 {
-    _room = getNumCharacters();
-    if (_room != 0 && _pendingAdvance)
+    const unsigned int half = (_mask + 1) / 2;
+    const unsigned int room = getNumCharacters();
+    if (room != 0 && _pendingAdvance)
     {
         _writePosition = (_writePosition + 1) & _mask;
         _pendingAdvance = false;
     }
-    return _room != 0;
+    _room = room > half ? room - half : room;
+    _flags |= room > half ? 0U : HalfFull;
+    return room != 0;
+}
+
+/// Does without the look at half of the ring.
+void LgStream::takeWholeRoom() noexcept
+{
+    _room = getNumCharacters();
+    _flags |= HalfFull;
 }
 
 /// For a text that may not fit in the room last seen.
@@ -57,20 +68,27 @@ void LgStream::appendTight(const char* text, std::size_t length) noexcept
 {
     if (_message == Message::Closed || !updateRoom())
     {
-        _overflowed.store(true, std::memory_order_relaxed);
-        _outputFlags |= StringCompleted;
-        if (_message == Message::Open)
-            _message = Message::Closed; // no hole in a message should room come back meanwhile
+        cutAll();
+        return;
     }
-    else if (length <= _room)
+    if (length > _room)
+        takeWholeRoom();
+    if (length <= _room)
     {
         copyIn(text, static_cast<unsigned int>(length));
+        return;
     }
-    else
-    {
-        _overflowed.store(true, std::memory_order_relaxed);
-        copyIn("#", 1);
-    }
+    _overflowed.store(true, std::memory_order_relaxed);
+    _flags |= Cut;
+    copyIn("#", 1);
+}
+
+void LgStream::cutAll() noexcept
+{
+    _overflowed.store(true, std::memory_order_relaxed);
+    _flags |= StringCompleted | Cut;
+    if (_message == Message::Open)
+        _message = Message::Closed; // no hole in a message should room come back meanwhile
 }
 
 void LgStream::completeString()
@@ -78,7 +96,7 @@ void LgStream::completeString()
     if (_pendingAdvance && !updateRoom())
     {
         _overflowed.store(true, std::memory_order_relaxed); // not even an empty text fits
-        _outputFlags |= StringCompleted;
+        _flags |= StringCompleted;
     }
     else if (_message == Message::None)
     {
@@ -87,13 +105,28 @@ void LgStream::completeString()
     else if (_message == Message::Open)
     {
         // An empty message gets no entry, so it must not make a text either.
-        _outputFlags |= StringCompleted;
-        if ((_outputFlags & TextWritten) == 0)
+        _flags |= StringCompleted;
+        if ((_flags & TextWritten) == 0)
             return;
         publish();
         _message = Message::Closed;
         _room = 0; // what is appended now takes the long way, and is refused there
     }
+}
+
+/// Whether the ring was found half full since the last call.
+bool LgStream::takeHalfFull() noexcept
+{
+    const bool isHalfFull = (_flags & HalfFull) != 0;
+    _flags &= ~HalfFull;
+    return isHalfFull;
+}
+
+void LgStream::endMessage() noexcept
+{
+    if ((_flags & Published) == 0)
+        publish();
+    _message = Message::None;
 }
 
 /// The terminator may have taken the last free place.

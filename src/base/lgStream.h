@@ -99,8 +99,11 @@ public:
     /// The longest text that fits with its terminator whatever the state of an emptied ring.
     static constexpr unsigned int getMaxSize() noexcept { return defaultRingSize - 2; }
 
-    void resetOutputFlags() noexcept { _outputFlags = 0; }
-    unsigned int getOutputFlags() const noexcept { return _outputFlags; }
+    void resetOutputFlags() noexcept { _flags &= ~(TextWritten | StringCompleted); }
+    unsigned int getOutputFlags() const noexcept
+    {
+        return _flags & (TextWritten | StringCompleted);
+    }
 
     // The consumer's side
 
@@ -124,6 +127,14 @@ private:
     /// Room in which every integer, and every double below 2^64, can be written.
     static constexpr unsigned int numberRoom = 32;
 
+    /// What else `_flags` tells.
+    enum InnerFlags : unsigned int
+    {
+        Published = 4, ///< the message's text is visible to the consumer
+        Cut = 8,       ///< something of the message was cut
+        HalfFull = 16, ///< no more than half of the ring is free
+    };
+
     /// A message is a text that an entry of a queue announces. Texts and entries must agree in
     /// number, so a message never makes more than one text.
     enum class Message
@@ -144,6 +155,7 @@ private:
     }
     inline void copyIn(const char* text, unsigned int length) noexcept;
     void appendTight(const char* text, std::size_t length) noexcept;
+    void cutAll() noexcept;
     template <class Value>
     inline LgStream& appendNumber(Value value);
 
@@ -154,9 +166,13 @@ private:
     /// What `LgQueue` calls around a message.
     bool hasRoom() noexcept { return _room != 0 || updateRoom(); }
     inline void beginMessage() noexcept;
-    inline void endMessage() noexcept;
+    inline bool endOrdinaryMessage() noexcept;
+    void endMessage() noexcept;
+    bool isCut() const noexcept { return (_flags & Cut) != 0; }
+    bool takeHalfFull() noexcept;
 
     bool updateRoom() noexcept;
+    void takeWholeRoom() noexcept;
     unsigned int getRoom(unsigned int readPosition) const noexcept;
     unsigned int findStart(unsigned int readPosition) const noexcept;
     unsigned int findEnd(unsigned int start, unsigned int committed) const noexcept;
@@ -173,9 +189,8 @@ private:
     alignas(cacheLineSize) std::atomic<unsigned int> _committedPosition{0};
     unsigned int _writePosition = 0;
     unsigned int _room; // what may be stored without another look at the read position
-    unsigned int _outputFlags = 0;
+    unsigned int _flags = 0;
     bool _pendingAdvance = false;
-    bool _completed = false; // since the flags were reset for a message
     Message _message = Message::None;
 
     std::atomic<bool> _overflowed{false};
@@ -203,15 +218,14 @@ inline void LgStream::copyIn(const char* text, unsigned int length) noexcept
     }
     _writePosition = (_writePosition + length) & _mask;
     _room -= length;
-    _outputFlags |= TextWritten;
+    _flags |= TextWritten;
 }
 
 inline void LgStream::publish() noexcept
 {
     _buffer[_writePosition] = '\0';
     _committedPosition.store(_writePosition, std::memory_order_release);
-    _outputFlags |= StringCompleted;
-    _completed = true;
+    _flags |= StringCompleted | Published;
     if (_room != 0)
         stepOverTerminator();
     else
@@ -224,18 +238,21 @@ inline void LgStream::stepOverTerminator() noexcept
     --_room;
 }
 
+/// That the ring is half full is told with the message.
 inline void LgStream::beginMessage() noexcept
 {
-    resetOutputFlags();
-    _completed = false;
+    _flags &= HalfFull;
     _message = Message::Open;
 }
 
-inline void LgStream::endMessage() noexcept
+/// Ends a message to which nothing special has happened; else returns false.
+inline bool LgStream::endOrdinaryMessage() noexcept
 {
-    if (!_completed)
-        publish();
+    if (_flags != TextWritten || _room == 0)
+        return false;
+    publish();
     _message = Message::None;
+    return true;
 }
 
 /// Writes straight into the ring where it has room for any number, else by way of a copy.
@@ -248,7 +265,7 @@ inline LgStream& LgStream::appendNumber(Value value)
         const auto length = static_cast<unsigned int>(LgFormat::write(to, value) - to);
         _writePosition += length;
         _room -= length;
-        _outputFlags |= TextWritten;
+        _flags |= TextWritten;
         return *this;
     }
     char text[numberRoom];

@@ -10,14 +10,13 @@
 /// @endcode
 /// Stateless: every function may be called by any thread.
 
-#include <base/krBaseApi.h>
 
 #include <cmath>
 
 namespace Kr
 {
 
-class KR_BASE_API LtFPClass
+class LtFPClass
 {
 public:
     static bool isNaN(float x) noexcept { return isNaN(static_cast<double>(x)); }

@@ -1,11 +1,14 @@
 #include <base/osDateUtil.h>
 
 #include <base/assert.h>
+#include <base/internal/os/osCalendar.h>
 #include <base/osDateEx.h>
 #include <base/trace.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 
 namespace Kr
 {
@@ -13,9 +16,6 @@ namespace Kr
 namespace
 {
 
-constexpr std::int64_t microsecondsPerSecond = 1000000;
-constexpr std::int64_t microsecondsPerMinute = 60 * microsecondsPerSecond;
-constexpr std::int64_t microsecondsPerDay = 24 * 60 * microsecondsPerMinute;
 constexpr int firstYear = 1601;
 constexpr int lastYear = 30827;
 
@@ -24,43 +24,6 @@ constexpr const char* weekDays[] = {"Sunday",   "Monday", "Tuesday", "Wednesday"
 constexpr const char* months[] = {"January",   "February", "March",    "April",
                                   "May",       "June",     "July",     "August",
                                   "September", "October",  "November", "December"};
-
-/// Days since 1970-01-01. Eras of 400 years, whose years begin in March.
-std::int64_t daysFromCivil(int year, int month, int day) noexcept
-{
-    const std::int64_t y = month <= 2 ? year - 1 : year;
-    const std::int64_t era = (y >= 0 ? y : y - 399) / 400;
-    const std::int64_t yearOfEra = y - era * 400;
-    const std::int64_t dayOfYear = (153 * ((month + 9) % 12) + 2) / 5 + day - 1;
-    const std::int64_t dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
-    return era * 146097 + dayOfEra - 719468;
-}
-
-struct CivilDay
-{
-    int year;
-    int month;
-    int day;
-};
-
-CivilDay civilFromDays(std::int64_t days) noexcept
-{
-    const std::int64_t z = days + 719468;
-    const std::int64_t era = (z >= 0 ? z : z - 146096) / 146097;
-    const std::int64_t dayOfEra = z - era * 146097;
-    const std::int64_t yearOfEra =
-        (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-    const std::int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-    const std::int64_t shifted = (5 * dayOfYear + 2) / 153;
-    const int month = static_cast<int>(shifted < 10 ? shifted + 3 : shifted - 9);
-    return {static_cast<int>(yearOfEra + era * 400) + (month <= 2 ? 1 : 0), month,
-            static_cast<int>(dayOfYear - (153 * shifted + 2) / 5 + 1)};
-}
-
-std::int64_t floorDivide(std::int64_t value, std::int64_t divisor) noexcept
-{
-    return value / divisor - (value % divisor < 0 ? 1 : 0);
-}
 
 void appendNumber(std::string& text, int width, std::int64_t value)
 {
@@ -81,6 +44,11 @@ void appendOffset(std::string& text, const OsDateTypes::DateRep& date)
     appendNumber(text, 2, minutes / 60);
     text += ':';
     appendNumber(text, 2, minutes % 60);
+}
+
+std::int64_t roundToMicroseconds(double seconds)
+{
+    return static_cast<std::int64_t>(std::floor(seconds * 1e6 + 0.5));
 }
 
 /// One conversion; false if there is none of that letter.
@@ -112,8 +80,7 @@ bool appendConversion(std::string& text, const OsDateTypes::DateRep& date, char 
         number(2, whole);
         return true;
     case 'f':
-        number(6, static_cast<std::int64_t>(std::floor((date.getSeconds() - whole) * 1e6 + 0.5)) %
-                      microsecondsPerSecond);
+        number(6, std::min(std::int64_t{999999}, roundToMicroseconds(date.getSeconds() - whole)));
         return true;
     case 'j':
         number(3, date.getYearDay());
@@ -181,12 +148,13 @@ OsDateTypes::DateRep OsDateUtil::convert(const OsDateTypes::DateRep& date,
 {
     if (date._mode == mode)
         return date;
-    const std::int64_t moment = getMicroseconds(date);
+    const std::int64_t moment = date.getMicroseconds();
     const OsDateTypes::DateRep universal = fromMicroseconds(moment);
     if (mode == OsDateTypes::UniversalTime)
         return universal;
     const int offset = performGetOffset(universal);
-    OsDateTypes::DateRep local = fromMicroseconds(moment + offset * microsecondsPerMinute);
+    OsDateTypes::DateRep local =
+        fromMicroseconds(moment + offset * OsCalendar::microsecondsPerMinute);
     local._utcOffset = offset;
     local._mode = OsDateTypes::LocalTime;
     return local;
@@ -194,7 +162,7 @@ OsDateTypes::DateRep OsDateUtil::convert(const OsDateTypes::DateRep& date,
 
 OsDateUtil::TimePoint OsDateUtil::getTimePoint(const OsDateTypes::DateRep& date)
 {
-    return TimePoint(std::chrono::microseconds(getMicroseconds(date)));
+    return TimePoint(std::chrono::microseconds(date.getMicroseconds()));
 }
 
 OsDateTypes::DateRep OsDateUtil::fromTimePoint(TimePoint time, OsDateTypes::TimeMode mode)
@@ -206,11 +174,9 @@ OsDateTypes::DateRep OsDateUtil::fromTimePoint(TimePoint time, OsDateTypes::Time
     return convert(date, mode);
 }
 
-int OsDateUtil::compare(const OsDateTypes::DateRep& lhs, const OsDateTypes::DateRep& rhs)
+int OsDateUtil::compare(const OsDateTypes::DateRep& lhs, const OsDateTypes::DateRep& rhs) noexcept
 {
-    const std::int64_t left = getMicroseconds(lhs);
-    const std::int64_t right = getMicroseconds(rhs);
-    return left < right ? -1 : left > right ? 1 : 0;
+    return lhs.compare(rhs);
 }
 
 std::string OsDateUtil::format(const OsDateTypes::DateRep& date, const char* text)
@@ -240,35 +206,27 @@ int OsDateUtil::getDaysInMonth(int year, int month) noexcept
 
 int OsDateUtil::getWeekDay(int year, int month, int day) noexcept
 {
-    const std::int64_t days = daysFromCivil(year, month, day) + 4; // 1970 began on a Thursday
-    return static_cast<int>(days - 7 * floorDivide(days, 7));
+    return OsCalendar::getWeekDay({year, month, day});
 }
 
 int OsDateUtil::getYearDay(int year, int month, int day) noexcept
 {
-    return static_cast<int>(daysFromCivil(year, month, day) - daysFromCivil(year, 1, 1)) + 1;
-}
-
-std::int64_t OsDateUtil::getMicroseconds(const OsDateTypes::DateRep& date) noexcept
-{
-    const std::int64_t minutes = date._hour * 60 + date._minute - date._utcOffset;
-    return daysFromCivil(date._year, date._month, date._day) * microsecondsPerDay +
-           minutes * microsecondsPerMinute +
-           static_cast<std::int64_t>(std::floor(date._seconds * 1e6 + 0.5));
+    return OsCalendar::getYearDay({year, month, day});
 }
 
 OsDateTypes::DateRep OsDateUtil::fromMicroseconds(std::int64_t microseconds) noexcept
 {
-    const std::int64_t days = floorDivide(microseconds, microsecondsPerDay);
-    const std::int64_t rest = microseconds - days * microsecondsPerDay;
-    const CivilDay civil = civilFromDays(days);
+    constexpr std::int64_t perMinute = OsCalendar::microsecondsPerMinute;
+    const std::int64_t days = OsCalendar::floorDivide(microseconds, OsCalendar::microsecondsPerDay);
+    const std::int64_t rest = microseconds - days * OsCalendar::microsecondsPerDay;
+    const OsCalendar::Day day = OsCalendar::getDay(days);
     OsDateTypes::DateRep date;
-    date._year = civil.year;
-    date._month = civil.month;
-    date._day = civil.day;
-    date._hour = static_cast<int>(rest / (60 * microsecondsPerMinute));
-    date._minute = static_cast<int>(rest / microsecondsPerMinute % 60);
-    date._seconds = static_cast<double>(rest % microsecondsPerMinute) / 1e6;
+    date._year = day.year;
+    date._month = day.month;
+    date._day = day.day;
+    date._hour = static_cast<int>(rest / (60 * perMinute));
+    date._minute = static_cast<int>(rest / perMinute % 60);
+    date._seconds = static_cast<double>(rest % perMinute) / 1e6;
     return date;
 }
 

@@ -14,7 +14,6 @@
 /// reverse an integer of the same size and copy its bytes instead. These functions are always
 /// inlined, and give back exactly the reversed bytes.
 
-#include <base/krBaseApi.h>
 
 #include <cstdint>
 
@@ -22,7 +21,7 @@ namespace Kr
 {
 
 /// For every signed and unsigned integer type of 8 to 64 bits, float and double.
-class KR_BASE_API OsEndian
+class OsEndian
 {
 public:
     /// The value with its bytes in reverse order.

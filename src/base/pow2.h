@@ -10,14 +10,13 @@
 /// Stateless: every function may be called by any thread.
 
 #include <base/assert.h>
-#include <base/krBaseApi.h>
 
 #include <cstdint>
 
 namespace Kr
 {
 
-class KR_BASE_API Pow2
+class Pow2
 {
 public:
     /// 2 to the power of n modulo 32.

@@ -17,6 +17,7 @@
 #include <windows.h>
 
 #include <mmsystem.h>
+#include <tlhelp32.h>
 
 #include <direct.h>
 #include <io.h>
@@ -28,10 +29,18 @@ inline void krOnFork(void (*)(), void (*)(), void (*)()) noexcept
 {
 }
 
+/// The system's texts say all that it tells of a library that does not load.
+inline const char* krLoadDetail() noexcept
+{
+    return "";
+}
+
 #else
 
 #include <cstddef>
 #include <cstdint>
+
+#include <pthread.h>
 
 using BOOL = int;
 using DWORD = std::uint32_t;
@@ -61,8 +70,11 @@ constexpr DWORD ERROR_INVALID_PARAMETER = 87;
 constexpr DWORD ERROR_DISK_FULL = 112;
 constexpr DWORD ERROR_INSUFFICIENT_BUFFER = 122;
 constexpr DWORD ERROR_INVALID_NAME = 123;
+constexpr DWORD ERROR_MOD_NOT_FOUND = 126;
+constexpr DWORD ERROR_PROC_NOT_FOUND = 127;
 constexpr DWORD ERROR_DIR_NOT_EMPTY = 145;
 constexpr DWORD ERROR_ALREADY_EXISTS = 183;
+constexpr DWORD ERROR_BAD_EXE_FORMAT = 193;
 constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
 constexpr DWORD ERROR_DIRECTORY = 267;
 constexpr DWORD ERROR_MR_MID_NOT_FOUND = 317;
@@ -238,6 +250,16 @@ BOOL UnlockFileEx(HANDLE file, DWORD reserved, DWORD sizeLow, DWORD sizeHigh,
 BOOL MoveFileExA(const char* from, const char* to, DWORD flags) noexcept;
 BOOL CreateDirectoryA(const char* path, SECURITY_ATTRIBUTES* security) noexcept;
 
+// Machine (posix/machine.cpp)
+
+struct SYSTEM_INFO
+{
+    DWORD dwPageSize;
+};
+void GetSystemInfo(SYSTEM_INFO* info) noexcept;
+/// In bytes; 0 if there are no large pages.
+std::size_t GetLargePageMinimum() noexcept;
+
 /// Not a directory, not a read-only file, and not one that is open somewhere without
 /// FILE_SHARE_DELETE. A link is removed itself.
 BOOL DeleteFileA(const char* path) noexcept;
@@ -337,10 +359,123 @@ BOOL SystemTimeToTzSpecificLocalTime(const TIME_ZONE_INFORMATION* zone, const SY
                                      SYSTEMTIME* local) noexcept;
 BOOL TzSpecificLocalTimeToSystemTime(const TIME_ZONE_INFORMATION* zone, const SYSTEMTIME* local,
                                      SYSTEMTIME* universal) noexcept;
+// Events (posix/event.cpp): automatic or manual, without names
+
+constexpr DWORD INFINITE = 0xFFFFFFFF;
+constexpr DWORD WAIT_OBJECT_0 = 0;
+constexpr DWORD WAIT_TIMEOUT = 258;
+constexpr DWORD WAIT_FAILED = 0xFFFFFFFF;
+
+HANDLE CreateEventA(SECURITY_ATTRIBUTES* security, BOOL manualReset, BOOL initialState,
+                    const char* name) noexcept;
+BOOL SetEvent(HANDLE event) noexcept;
+BOOL ResetEvent(HANDLE event) noexcept;
+
+/// Releases those who wait at this moment, all or one by the event's kind, and leaves it reset.
+BOOL PulseEvent(HANDLE event) noexcept;
+
+/// Waits on events only.
+DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) noexcept;
+
+// Multimedia timers (posix/timer.cpp)
+
+using UINT = unsigned int;
+using DWORD_PTR = std::uintptr_t;
+using MMRESULT = UINT;
+using LPTIMECALLBACK = void (*)(UINT, UINT, DWORD_PTR, DWORD_PTR, DWORD_PTR);
+
+constexpr MMRESULT MMSYSERR_NOERROR = 0;
+constexpr MMRESULT MMSYSERR_INVALPARAM = 11;
+constexpr MMRESULT TIMERR_NOERROR = 0;
+constexpr MMRESULT TIMERR_NOCANDO = 97;
+
+constexpr UINT TIME_ONESHOT = 0x00;
+constexpr UINT TIME_PERIODIC = 0x01;
+constexpr UINT TIME_CALLBACK_EVENT_SET = 0x10;
+constexpr UINT TIME_CALLBACK_EVENT_PULSE = 0x20;
+
+struct TIMECAPS
+{
+    UINT wPeriodMin; ///< milliseconds
+    UINT wPeriodMax;
+};
+
+MMRESULT timeGetDevCaps(TIMECAPS* capabilities, UINT size) noexcept;
+
+/// The system's timers are as fine as they get: only the period is checked.
+MMRESULT timeBeginPeriod(UINT period) noexcept;
+MMRESULT timeEndPeriod(UINT period) noexcept;
+
+/// Starts a timer on an event, which stands in the place of the callback; returns 0 if it cannot.
+/// No thread runs it: whoever waits on the event waits until the timer's next moment, an absolute
+/// one, so that beats do not drift, and a thread is woken once for each.
+MMRESULT timeSetEvent(UINT delay, UINT resolution, LPTIMECALLBACK event, DWORD_PTR user,
+                      UINT flags) noexcept;
+MMRESULT timeKillEvent(UINT timer) noexcept;
+
+void Sleep(DWORD milliseconds) noexcept;
+
+// Threads (posix/thread.cpp)
+
+constexpr DWORD TLS_OUT_OF_INDEXES = 0xFFFFFFFF;
+
+DWORD TlsAlloc() noexcept;
+void* TlsGetValue(DWORD index) noexcept;
+BOOL TlsSetValue(DWORD index, void* value) noexcept;
+BOOL TlsFree(DWORD index) noexcept;
+
+struct CRITICAL_SECTION
+{
+    pthread_mutex_t mutex; ///< recursive
+};
+
+void InitializeCriticalSection(CRITICAL_SECTION* section) noexcept;
+void EnterCriticalSection(CRITICAL_SECTION* section) noexcept;
+void LeaveCriticalSection(CRITICAL_SECTION* section) noexcept;
+void DeleteCriticalSection(CRITICAL_SECTION* section) noexcept;
+
+// Libraries (posix/module.cpp)
+
+using HMODULE = void*;
+using FARPROC = std::intptr_t (*)();
+
+/// A name without a folder is looked for beside the program, then where the system looks. One
+/// without an extension gets the system's.
+HMODULE LoadLibraryA(const char* path) noexcept;
+BOOL FreeLibrary(HMODULE library) noexcept;
+FARPROC GetProcAddress(HMODULE library, const char* name) noexcept;
+
+/// For the thread's last LoadLibraryA that failed: what the system's code for it leaves out, as
+/// which further library was missing. Empty if there is nothing to add.
+const char* krLoadDetail() noexcept;
+
+constexpr DWORD TH32CS_SNAPMODULE = 0x8;
+constexpr std::size_t MAX_MODULE_NAME32 = 255;
+constexpr std::size_t krModulePathSize = 4096;
+
+struct MODULEENTRY32
+{
+    DWORD dwSize;
+    unsigned char* modBaseAddr;
+    DWORD modBaseSize;
+    char szModule[MAX_MODULE_NAME32 + 1];
+    char szExePath[krModulePathSize];
+};
+
+/// Only of the modules of this process, in the order in which they were loaded.
+HANDLE CreateToolhelp32Snapshot(DWORD flags, DWORD process) noexcept;
+BOOL Module32First(HANDLE snapshot, MODULEENTRY32* entry) noexcept;
+BOOL Module32Next(HANDLE snapshot, MODULEENTRY32* entry) noexcept;
+
+constexpr DWORD ERROR_BAD_LENGTH = 24;
 
 // Processes (posix/process.cpp)
 
 DWORD GetCurrentProcessId() noexcept;
+HANDLE GetCurrentProcess() noexcept;
+
+/// How many handles of this layer the calling process holds.
+BOOL GetProcessHandleCount(HANDLE process, DWORD* count) noexcept;
 
 /// Has `before` called in the process that forks, then `inParent` or `inChild`. Once in a process.
 void krOnFork(void (*before)(), void (*inParent)(), void (*inChild)()) noexcept;
@@ -365,13 +500,27 @@ struct KrProcessorRegisters
 
 /// What the processor identification instruction answers to a leaf; all zero on a processor that
 /// does not have it, so that leaf 0 gives 0 as the maximum leaf.
-inline KrProcessorRegisters krIdentifyProcessor(std::uint32_t leaf) noexcept
+inline KrProcessorRegisters krIdentifyProcessor(std::uint32_t leaf,
+                                                std::uint32_t subleaf = 0) noexcept
 {
     KrProcessorRegisters answer;
 #if defined(__i386__) || defined(__x86_64__)
-    __cpuid_count(leaf, 0, answer.eax, answer.ebx, answer.ecx, answer.edx);
+    __cpuid_count(leaf, subleaf, answer.eax, answer.ebx, answer.ecx, answer.edx);
 #else
     static_cast<void>(leaf);
+    static_cast<void>(subleaf);
 #endif
     return answer;
+}
+
+/// Which register states the system saves, a bit each; only where bit 27 of leaf 1's third register
+/// says that it can be asked.
+inline std::uint64_t krSavedProcessorStates() noexcept
+{
+    std::uint32_t low = 0;
+    std::uint32_t high = 0;
+#if defined(__i386__) || defined(__x86_64__)
+    __asm__("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
+#endif
+    return std::uint64_t{high} << 32 | low;
 }

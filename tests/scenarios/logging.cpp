@@ -12,6 +12,7 @@
 #include <allocationCount.h>
 #include <logTestFiles.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <map>
@@ -192,6 +193,18 @@ void flood()
     std::printf("lost %lu\n", static_cast<unsigned long>(Kr::LgLog::getLostCount()));
 }
 
+/// The longest texts that are never cut in blocking mode, and in any mode one that always is.
+void longTexts()
+{
+    std::optional<Program> program(std::in_place);
+    const std::string text(16383, 't');
+    for (int i = 0; i < 60; ++i)
+        KR_LOG(program->group, Warning) << text.c_str();
+    KR_LOG(program->group, Error) << std::string(40000, 'x').c_str();
+    program.reset();
+    std::printf("cut %lu\n", static_cast<unsigned long>(Kr::LgLog::getCutCount()));
+}
+
 void routes()
 {
     const Program program;
@@ -253,7 +266,7 @@ void allocations()
     Kr::LgLog::flush();
     const int before = getAllocationCount();
     for (int i = 0; i < 3000; ++i)
-        KR_LOG(program.group, Warning) << "message " << i << " of " << 0.5;
+        KR_LOG(program.group, Warning) << "message " << i << " of " << 0.5 << 1e300 << 1.L;
     Kr::LgLog::flush();
     SCENARIO_CHECK(getAllocationCount() == before);
 }
@@ -328,6 +341,7 @@ constexpr Scenario::Case programs[] = {
     {"endAfterInternalInFullQueue", endAfterInternalInFullQueue},
     {"endInTheMiddle", endInTheMiddle},
     {"flood", flood},
+    {"longTexts", longTexts},
     {"routes", routes},
     {"statements", statements},
     {"allocations", allocations},
@@ -472,6 +486,13 @@ void blocking()
     const FloodCount count(folder / "events.log");
     SCENARIO_CHECK(count.messages == floodTotal && count.lost == 0 && count.others == 0);
     SCENARIO_CHECK(contains(readFile(folder / "out"), "lost 0"));
+
+    const LogFolder longFolder;
+    SCENARIO_CHECK(start(longFolder, "longTexts") == 0);
+    const std::vector<std::string> texts = textsIn(longFolder / "events.log");
+    SCENARIO_CHECK(texts.size() == 61 && texts.back() == "#");
+    SCENARIO_CHECK(std::count(texts.begin(), texts.end(), std::string(16383, 't')) == 60);
+    SCENARIO_CHECK(contains(readFile(longFolder / "out"), "cut 1\n"));
 }
 
 /// Two processes write at once, rotating each other's files, and no line is lost or cut.

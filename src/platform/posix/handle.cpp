@@ -1,12 +1,40 @@
 #include <platform/posix/handle.h>
 
+#include <atomic>
+
+namespace
+{
+
+std::atomic<DWORD> handleCount{0};
+
+} // namespace
+
 char krInvalidHandle = 0;
 
-KrHandleObject::~KrHandleObject() = default;
+KrHandleObject::KrHandleObject() noexcept
+{
+    handleCount.fetch_add(1, std::memory_order_relaxed);
+}
+
+KrHandleObject::~KrHandleObject()
+{
+    handleCount.fetch_sub(1, std::memory_order_relaxed);
+}
+
+void KrHandleObject::close() noexcept
+{
+    delete this;
+}
+
+DWORD KrHandleObject::getCount() noexcept
+{
+    return handleCount.load(std::memory_order_relaxed);
+}
 
 BOOL CloseHandle(HANDLE handle) noexcept
 {
-    const KrHandleObject* object = krObject<KrHandleObject>(handle);
-    delete object;
+    auto* const object = krObject<KrHandleObject>(handle);
+    if (object != nullptr)
+        object->close();
     return object != nullptr;
 }

@@ -6,11 +6,20 @@
 #include <platform/platform.h>
 
 /// The base of files, events and whatever else a `HANDLE` stands for. Closing the handle deletes
-/// the object.
+/// the object, as soon as nobody waits on it.
 class KrHandleObject
 {
 public:
+    KrHandleObject() noexcept;
+    KrHandleObject(const KrHandleObject&) = delete;
+    KrHandleObject& operator=(const KrHandleObject&) = delete;
     virtual ~KrHandleObject();
+
+    /// Lets the handle go: deletes the object, or has whoever still uses it do so.
+    virtual void close() noexcept;
+
+    /// How many there are.
+    static DWORD getCount() noexcept;
 };
 
 /// The object of the expected kind, or null with the last error set to the invalid handle.

@@ -1,6 +1,7 @@
 #include <base/internal/log/lgTimelineFile.h>
 
 #include <base/hwCounter.h>
+#include <base/internal/log/lgJson.h>
 #include <base/internal/log/lgProcess.h>
 
 #include <algorithm>
@@ -49,11 +50,11 @@ void LgTimelineFile::addMessage(const LgRecord& record)
     _waiting += ",\"s\":\"t\",\"cat\":\"";
     _waiting += LgTypes::getLevelName(record.level);
     _waiting += "\",\"name\":";
-    LgLineFormat::appendJson(_waiting, record.text);
+    LgJson::appendString(_waiting, record.text);
     if (!record.group.empty())
     {
         _waiting += ",\"args\":{\"group\":";
-        LgLineFormat::appendJson(_waiting, record.group);
+        LgJson::appendString(_waiting, record.group);
         _waiting += '}';
     }
     _waiting += '}';
@@ -119,7 +120,7 @@ void LgTimelineFile::addSpan(const LgSpanRing& ring, const LgSpanRing::Span& spa
     appendTime("ts", start);
     appendTime("dur", _clock.getElapsed(span.end) - start);
     _waiting += ",\"name\":";
-    LgLineFormat::appendJson(_waiting, span.name);
+    LgJson::appendString(_waiting, span.name);
     _waiting += '}';
     if (_waiting.size() >= batchSize)
         flush();

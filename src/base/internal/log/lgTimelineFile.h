@@ -4,8 +4,9 @@
 /// Internal to the library: writes the timeline, the spans of all threads and the messages of the
 /// log, as trace events.
 
+#include <base/internal/log/lgClock.h>
 #include <base/internal/log/lgFile.h>
-#include <base/internal/log/lgLineFormat.h>
+#include <base/internal/log/lgRecord.h>
 #include <base/internal/log/lgSpanRing.h>
 
 #include <memory>

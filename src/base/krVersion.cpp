@@ -1,0 +1,19 @@
+#include <base/krVersion.h>
+
+#define KR_TEXT_OF(x) #x
+#define KR_VERSION_TEXT(major, minor, patch) KR_TEXT_OF(major) "." KR_TEXT_OF(minor) "." KR_TEXT_OF(patch)
+
+namespace Kr
+{
+
+std::int32_t getVersion() noexcept
+{
+    return KR_VERSION;
+}
+
+const char* getVersionText() noexcept
+{
+    return KR_VERSION_TEXT(KR_VERSION_MAJOR, KR_VERSION_MINOR, KR_VERSION_PATCH);
+}
+
+} // namespace Kr

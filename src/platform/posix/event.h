@@ -1,0 +1,89 @@
+#pragma once
+
+/// @file
+/// Events of a POSIX host, and the timers that set or pulse them.
+
+#include <platform/posix/handle.h>
+
+#include <cstdint>
+#include <vector>
+
+#include <pthread.h>
+
+/// A moment of the monotonic clock, in nanoseconds.
+using KrMoment = std::int64_t;
+
+constexpr KrMoment krNever = INT64_MAX;
+constexpr KrMoment krNanosecondsPerMillisecond = 1'000'000;
+
+KrMoment krNow() noexcept;
+
+/// The moment so many milliseconds from now, or never.
+KrMoment krMomentAfter(DWORD milliseconds) noexcept;
+
+/// Has the waits of the calling thread end when they are due, not up to 50 microseconds later, for
+/// as long as the object lives.
+class KrLeastTimerSlack
+{
+public:
+    KrLeastTimerSlack() noexcept;
+    KrLeastTimerSlack(const KrLeastTimerSlack&) = delete;
+    KrLeastTimerSlack& operator=(const KrLeastTimerSlack&) = delete;
+    ~KrLeastTimerSlack();
+
+private:
+    int _previous;
+};
+
+/// An event. Its timers need no thread of their own: they take effect when somebody looks at the
+/// event, and whoever waits on it does so at each timer's next moment.
+class KrEvent : public KrHandleObject
+{
+public:
+    struct Timer
+    {
+        UINT number;
+        KrMoment next;
+        KrMoment period; ///< 0 for one that fires once
+        bool isPulse;
+    };
+
+    KrEvent(bool isManual, bool isSet) noexcept;
+    ~KrEvent() override;
+
+    /// Those who wait go on waiting; the last of them deletes the event.
+    void close() noexcept override;
+
+    void set() noexcept;
+    void reset() noexcept;
+    void pulse() noexcept;
+
+    /// Whether the event came before the moment.
+    bool wait(KrMoment deadline) noexcept;
+
+    /// May throw `std::bad_alloc`.
+    void addTimer(const Timer& timer);
+    void removeTimer(UINT number) noexcept;
+
+private:
+    bool waitLocked(KrMoment deadline) noexcept;
+    bool takeRelease(unsigned generation) noexcept;
+    void waitUntil(KrMoment moment) noexcept;
+    void release() noexcept;
+    void fireTimers() noexcept;
+    KrMoment getNextMoment(KrMoment deadline) const noexcept;
+
+    pthread_mutex_t _mutex; // guards all that follows
+    pthread_cond_t _condition;
+    const bool _isManual;
+    bool _isSet;
+    bool _isClosed = false;
+    unsigned _waiting = 0;
+    unsigned _generation =
+        0;                  ///< of a manual event: counts the moments that released all who waited
+    unsigned _released = 0; ///< of an automatic one: how many of those who wait may go
+    std::vector<Timer> _timers;
+};
+
+/// Forgets the timers of an event that goes away.
+void krForgetTimers(const KrEvent& event) noexcept;
