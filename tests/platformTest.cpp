@@ -8,6 +8,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include <string>
 #include <thread>
 
@@ -179,6 +180,58 @@ int countModules(DWORD entrySize)
     CloseHandle(snapshot);
     SetLastError(error);
     return count;
+}
+
+DWORD attributesOf(const char* name)
+{
+    return GetFileAttributesA(in(name).c_str());
+}
+
+bool has(const char* name, DWORD attribute)
+{
+    const DWORD attributes = attributesOf(name);
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & attribute) != 0;
+}
+
+bool deletes(const char* name)
+{
+    return DeleteFileA(in(name).c_str()) != 0;
+}
+
+bool removes(const char* name)
+{
+    return RemoveDirectoryA(in(name).c_str()) != 0;
+}
+
+bool reads(HANDLE file, DWORD size, const std::string& expected)
+{
+    char buffer[16];
+    DWORD count = 0;
+    return ReadFile(file, buffer, size, &count, nullptr) != 0 &&
+           std::string(buffer, count) == expected;
+}
+
+/// What a search for `pattern` finds but for "." and "..", in the order of the names.
+bool finds(const char* pattern, const std::string& expected)
+{
+    WIN32_FIND_DATAA data = {};
+    const HANDLE search = FindFirstFileExA(in(pattern).c_str(), FindExInfoBasic, &data,
+                                           FindExSearchNameMatch, nullptr, 0);
+    if (search == INVALID_HANDLE_VALUE)
+        return false;
+    std::set<std::string> found;
+    do
+        if (data.cFileName[0] != '.')
+            found.insert(std::string(data.cFileName) +
+                         ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? "/" : ""));
+    while (FindNextFileA(search, &data) != 0);
+    const DWORD error = GetLastError();
+    FindClose(search);
+    SetLastError(error);
+    std::string all;
+    for (const std::string& name : found)
+        all += name + ' ';
+    return all == expected;
 }
 
 constexpr DWORD unchecked = 0xFFFF;
@@ -365,6 +418,94 @@ const Row slotsAndModules[] = {
      },
      true},
 };
+
+const Row files[] = {
+    {"a file's attributes", [] { return has("c", FILE_ATTRIBUTE_ARCHIVE); }, true},
+    {"a folder's attributes", [] { return has("d", FILE_ATTRIBUTE_DIRECTORY); }, true},
+    {"a missing one's", [] { return has("x", ~0U); }, false, ERROR_FILE_NOT_FOUND},
+    {"in a missing folder", [] { return has("x/y", ~0U); }, false, ERROR_PATH_NOT_FOUND},
+    {"below a file", [] { return has("c/y", ~0U); }, false, ERROR_PATH_NOT_FOUND},
+    {"read-only", [] { return SetFileAttributesA(in("c").c_str(), FILE_ATTRIBUTE_READONLY) != 0; },
+     true},
+    {"is read-only", [] { return has("c", FILE_ATTRIBUTE_READONLY); }, true},
+    {"delete it", [] { return deletes("c"); }, false, ERROR_ACCESS_DENIED},
+    {"a new one", [] { return opens("n", readWrite, 0, CREATE_NEW); }, true},
+    {"move it", [] { return moves("c", "m") && moves("m", "c"); }, true},
+    {"not read-only",
+     [] { return SetFileAttributesA(in("c").c_str(), FILE_ATTRIBUTE_NORMAL) != 0; }, true},
+    {"write and read",
+     []
+     {
+         return hold(first, "c", GENERIC_WRITE, shareAll) && writes(first, "123") &&
+                hold(second, "c", GENERIC_READ, shareAll) && reads(second, 2, "12");
+     },
+     true},
+    {"read the rest", [] { return reads(second, 9, "3"); }, true},
+    {"read at the end", [] { return reads(second, 9, ""); }, true},
+    {"read without access", [] { return reads(first, 9, ""); }, false, ERROR_ACCESS_DENIED},
+    {"size", [] { return GetFileSize(first, nullptr) == 3; }, true},
+    {"move the pointer", [] { return SetFilePointer(second, -2, nullptr, FILE_END) == 1; }, true},
+    {"before the start",
+     [] { return SetFilePointer(second, -4, nullptr, FILE_END) != INVALID_SET_FILE_POINTER; },
+     false, ERROR_NEGATIVE_SEEK},
+    {"from nowhere",
+     [] { return SetFilePointer(second, 0, nullptr, 7) != INVALID_SET_FILE_POINTER; }, false,
+     ERROR_INVALID_PARAMETER},
+    {"far behind the end",
+     []
+     {
+         LONG high = 1;
+         return SetFilePointer(second, 5, &high, FILE_BEGIN) == 5 && high == 1;
+     },
+     true},
+    {"read there", [] { return reads(second, 1, ""); }, true},
+    {"set and get the time",
+     []
+     {
+         const FILETIME set = {0x12345678, 0x01C00000};
+         FILETIME got = {};
+         return SetFileTime(first, nullptr, nullptr, &set) != 0 &&
+                GetFileTime(first, nullptr, nullptr, &got) != 0 &&
+                got.dwHighDateTime == set.dwHighDateTime && got.dwLowDateTime == set.dwLowDateTime;
+     },
+     true},
+    {"describe",
+     []
+     {
+         WIN32_FILE_ATTRIBUTE_DATA data = {};
+         return GetFileAttributesExA(in("c").c_str(), GetFileExInfoStandard, &data) != 0 &&
+                data.nFileSizeLow == 3 && data.ftLastWriteTime.dwHighDateTime == 0x01C00000;
+     },
+     true},
+    {"delete what may be", [] { return release(first) && release(second) && deletes("n"); }, true},
+    {"hold", [] { return hold(first, "c", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE); },
+     true},
+    {"delete what is held", [] { return deletes("c"); }, false, ERROR_SHARING_VIOLATION},
+    {"move over what is held",
+     []
+     { return opens("n", readWrite, 0, CREATE_NEW) && moves("n", "c", MOVEFILE_REPLACE_EXISTING); },
+     false, ERROR_ACCESS_DENIED},
+    {"let go", [] { return release(first) && deletes("n"); }, true},
+    {"delete a missing one", [] { return deletes("n"); }, false, ERROR_FILE_NOT_FOUND},
+    {"delete a folder", [] { return deletes("d"); }, false, ERROR_ACCESS_DENIED},
+};
+
+const Row folders[] = {
+    {"find nothing", [] { return finds("d\\*", ""); }, true, ERROR_NO_MORE_FILES},
+    {"find",
+     []
+     {
+         return opens("d/f", readWrite, 0, CREATE_NEW) &&
+                CreateDirectoryA(in("d/e").c_str(), nullptr) != 0 && finds("d\\*", "e/ f ");
+     },
+     true, ERROR_NO_MORE_FILES},
+    {"find in none", [] { return finds("x\\*", ""); }, false, ERROR_PATH_NOT_FOUND},
+    {"find in a file", [] { return finds("c\\*", ""); }, false},
+    {"remove a full one", [] { return removes("d"); }, false, ERROR_DIR_NOT_EMPTY},
+    {"remove a file", [] { return removes("c"); }, false, ERROR_DIRECTORY},
+    {"remove none", [] { return removes("x"); }, false, ERROR_FILE_NOT_FOUND},
+    {"remove", [] { return removes("d/e") && deletes("d/f") && removes("d"); }, true},
+};
 // clang-format on
 
 TEST(Platform, FilesAsTheTableSays)
@@ -375,6 +516,10 @@ TEST(Platform, FilesAsTheTableSays)
     for (const Row& row : rows)
         check(row);
     for (const Row& row : slotsAndModules)
+        check(row);
+    for (const Row& row : files)
+        check(row);
+    for (const Row& row : folders)
         check(row);
     fs::permissions(in("r"), fs::perms::owner_all);
     fs::remove_all(folder);
@@ -420,6 +565,77 @@ TEST(Platform, ErrorsBelongToTheThreadAndHaveTexts)
     EXPECT_EQ(static_cast<DWORD>(ERROR_MR_MID_NOT_FOUND), GetLastError());
     EXPECT_EQ(0u, format(ERROR_FILE_NOT_FOUND, 4));
     EXPECT_EQ(static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER), GetLastError());
+}
+
+/// The full path and the last element, or the error.
+std::string fullPath(const char* path)
+{
+    char buffer[300];
+    char* last = nullptr;
+    const DWORD length = GetFullPathNameA(path, sizeof buffer, buffer, &last);
+    if (length == 0)
+        return "none";
+    return std::string(buffer, length) + " " + (last != nullptr ? last : "-");
+}
+
+TEST(Platform, FullPathsAreWhatTheSystemMakesOfThem)
+{
+    struct
+    {
+        const char* path;
+        const char* expected;
+    } const cases[] = {
+        {"", "none"},
+        {"C:\\a\\b", "C:\\a\\b b"},
+        {"C:/a/b/", "C:\\a\\b\\ -"},
+        {"c:\\a\\.\\b\\..\\d", "c:\\a\\d d"},
+        {"C:\\..\\..\\a", "C:\\a a"},
+        {"C:\\a\\\\b//c", "C:\\a\\b\\c c"},
+        {"C:\\a\\..", "C:\\ -"},
+        {"C:\\", "C:\\ -"},
+        {"C:\\a\\file.", "C:\\a\\file file"},
+        {"C:\\a\\file. . ", "C:\\a\\file file"},
+        {"C:\\a.\\file", "C:\\a\\file file"},
+        {"C:\\a\\b\\.", "C:\\a\\b b"},
+        {"D:\\a", "D:\\a a"},
+        {"\\\\server\\share\\a\\..\\b", "\\\\server\\share\\b b"},
+        {"\\\\server\\share\\..\\..\\b", "\\\\server\\share\\b b"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(c.expected, fullPath(c.path)) << c.path;
+    // From the current directory, which is on some drive.
+    const std::string here = fullPath(".").substr(0, fullPath(".").find(' '));
+    const std::string drive = here.substr(0, 2);
+    EXPECT_EQ(here + "\\a\\b b", fullPath("a/b"));
+    EXPECT_EQ(drive + "\\a a", fullPath("\\a"));
+    EXPECT_EQ(drive + "\\a a", fullPath("/a"));
+    EXPECT_EQ(here + "\\a a", fullPath((drive + "a").c_str()));
+    char buffer[4];
+    EXPECT_EQ(7u, GetFullPathNameA("C:\\a\\b", 4, buffer, nullptr)); // the size that is needed
+    EXPECT_EQ(_getdrive() + 64, drive[0]);
+}
+
+TEST(Platform, TimesGoThroughTheTimeZoneAndBack)
+{
+    for (const WORD month : {WORD{1}, WORD{7}})
+    {
+        const SYSTEMTIME universal = {2024, month, 0, 15, 12, 30, 0, 0};
+        SYSTEMTIME local = {};
+        SYSTEMTIME back = {};
+        ASSERT_NE(0, SystemTimeToTzSpecificLocalTime(nullptr, &universal, &local));
+        ASSERT_NE(0, TzSpecificLocalTimeToSystemTime(nullptr, &local, &back));
+        EXPECT_EQ(15, back.wDay);
+        EXPECT_EQ(12, back.wHour);
+        EXPECT_EQ(30, back.wMinute);
+    }
+    const FILETIME fileTime = {0xD53E8000, 0x019DB1DE}; // 1970-01-01
+    SYSTEMTIME time = {};
+    ASSERT_NE(0, FileTimeToSystemTime(&fileTime, &time));
+    EXPECT_EQ(1970, time.wYear);
+    EXPECT_EQ(4, time.wDayOfWeek);
+    const FILETIME none = {0, 0x80000000};
+    EXPECT_EQ(0, FileTimeToSystemTime(&none, &time));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_PARAMETER), GetLastError());
 }
 
 TEST(Platform, EnvironmentIsSetAndRemoved)

@@ -8,7 +8,7 @@
 #include <base/internal/init/inNameTable.h>
 #include <base/internal/init/inNamedVariable.h>
 #include <base/internal/init/inReport.h>
-#include <base/trace.h>
+#include <base/raise.h>
 #include <base/vector.h>
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include <base/internal/random/histogramPicture.h>
+#include <base/raise.h>
 #include <base/rnEx.h>
 #include <base/rnHistogram.h>
-#include <base/trace.h>
 
 #include <algorithm>
 #include <cmath>

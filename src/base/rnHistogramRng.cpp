@@ -1,8 +1,8 @@
 #include <base/assert.h>
 #include <base/internal/random/binTables.h>
+#include <base/raise.h>
 #include <base/rnEx.h>
 #include <base/rnHistogramRng.h>
-#include <base/trace.h>
 
 #include <algorithm>
 #include <cmath>

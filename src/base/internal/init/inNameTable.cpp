@@ -1,7 +1,7 @@
 #include <base/internal/init/inNameTable.h>
 
 #include <base/inEx.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <algorithm>
 
