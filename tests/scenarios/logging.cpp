@@ -255,7 +255,11 @@ void statements()
     {
         KR_LOG(group, Warning) << "caught";
     }
-    SCENARIO_CHECK(Kr::LgLog::getQueue()->getThreadId() == 0);
+    Kr::LgQueue* const queue = Kr::LgLog::getQueue();
+    SCENARIO_CHECK(queue->getThreadId() == 0 && queue->reserveEntry(Kr::LgTypes::Warning));
+    KR_LOG(group, Warning) << "beside";
+    queue->getStream() << "by hand";
+    queue->addEntry();
     std::thread([] { SCENARIO_CHECK(Kr::LgLog::getQueue()->getThreadId() != 0); }).join();
     Kr::LgLog::flush();
     program.reset();
@@ -633,10 +637,11 @@ void statementForm()
 {
     const LogFolder folder;
     SCENARIO_CHECK(start(folder, "statements") == 0);
-    SCENARIO_CHECK(joined(textsIn(folder / "events.log")) == "outer 1 done|inner|cut|caught|");
+    SCENARIO_CHECK(joined(textsIn(folder / "events.log")) ==
+                   "outer 1 done|inner|cut|caught|by hand|beside|");
     SCENARIO_CHECK(start(folder, "reentry") == 0);
     SCENARIO_CHECK(joined(textsIn(folder / "events.log")) ==
-                   "outer 1 done|inner|cut|caught|first|second|");
+                   "outer 1 done|inner|cut|caught|by hand|beside|first|second|");
     set("KR_LOG_WARNING", "none"); // what writing to a file allocates is the system's
     set("KR_LOG_INFORMATIONAL", "none");
     SCENARIO_CHECK(start(folder, "allocations") == 0);
