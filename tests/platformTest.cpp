@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <set>
 #include <string>
 #include <thread>
 
@@ -124,6 +126,114 @@ bool release(HANDLE& handle)
     return CloseHandle(closed) != 0;
 }
 
+bool create(BOOL isManual, BOOL isSet)
+{
+    first = CreateEventA(nullptr, isManual, isSet, nullptr);
+    return first != nullptr;
+}
+
+bool waits(DWORD milliseconds = 0)
+{
+    return WaitForSingleObject(first, milliseconds) == WAIT_OBJECT_0;
+}
+
+constexpr DWORD hang = 60'000; // milliseconds
+
+MMRESULT startTimer(UINT delay, UINT flags)
+{
+    return timeSetEvent(delay, 1, reinterpret_cast<LPTIMECALLBACK>(first), 0, flags);
+}
+
+/// A thread waits on the event until it is given away.
+bool releasesWho(bool (*gives)())
+{
+    std::atomic<bool> isReleased{false};
+    std::thread waiter([&] { isReleased = waits(hang); });
+    while (!isReleased)
+    {
+        Sleep(1);
+        if (!gives())
+            break;
+    }
+    waiter.join();
+    return isReleased;
+}
+
+DWORD slot = TLS_OUT_OF_INDEXES;
+
+bool loads(const std::string& path)
+{
+    return LoadLibraryA(path.c_str()) != nullptr;
+}
+
+/// How many modules there are, up to the error that ends the list.
+int countModules(DWORD entrySize)
+{
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPMODULE, 0);
+    MODULEENTRY32 entry;
+    entry.dwSize = entrySize;
+    int count = 0;
+    for (BOOL found = Module32First(snapshot, &entry); found != 0;
+         found = Module32Next(snapshot, &entry))
+        ++count;
+    const DWORD error = GetLastError();
+    CloseHandle(snapshot);
+    SetLastError(error);
+    return count;
+}
+
+DWORD attributesOf(const char* name)
+{
+    return GetFileAttributesA(in(name).c_str());
+}
+
+bool has(const char* name, DWORD attribute)
+{
+    const DWORD attributes = attributesOf(name);
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & attribute) != 0;
+}
+
+bool deletes(const char* name)
+{
+    return DeleteFileA(in(name).c_str()) != 0;
+}
+
+bool removes(const char* name)
+{
+    return RemoveDirectoryA(in(name).c_str()) != 0;
+}
+
+bool reads(HANDLE file, DWORD size, const std::string& expected)
+{
+    char buffer[16];
+    DWORD count = 0;
+    return ReadFile(file, buffer, size, &count, nullptr) != 0 &&
+           std::string(buffer, count) == expected;
+}
+
+/// What a search for `pattern` finds but for "." and "..", in the order of the names.
+bool finds(const char* pattern, const std::string& expected)
+{
+    WIN32_FIND_DATAA data = {};
+    const HANDLE search = FindFirstFileExA(in(pattern).c_str(), FindExInfoBasic, &data,
+                                           FindExSearchNameMatch, nullptr, 0);
+    if (search == INVALID_HANDLE_VALUE)
+        return false;
+    std::set<std::string> found;
+    do
+        if (data.cFileName[0] != '.')
+            found.insert(std::string(data.cFileName) +
+                         ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? "/" : ""));
+    while (FindNextFileA(search, &data) != 0);
+    const DWORD error = GetLastError();
+    FindClose(search);
+    SetLastError(error);
+    std::string all;
+    for (const std::string& name : found)
+        all += name + ' ';
+    return all == expected;
+}
+
 constexpr DWORD unchecked = 0xFFFF;
 
 struct Row
@@ -220,6 +330,182 @@ const Row rows[] = {
     {"replace", [] { return moves("a", "c", MOVEFILE_REPLACE_EXISTING) && !fs::exists(in("a")); }, true},
     {"both separators", [] { return opens("d\\../c", GENERIC_READ, shareAll, OPEN_EXISTING); }, true},
 };
+
+const Row events[] = {
+    {"automatic", [] { return create(0, 0); }, true},
+    {"not set", [] { return waits(); }, false},
+    {"set", [] { return SetEvent(first) != 0 && SetEvent(first) != 0; }, true},
+    {"taken", [] { return waits(); }, true},
+    {"taken once", [] { return waits(); }, false},
+    {"set and reset", [] { return SetEvent(first) != 0 && ResetEvent(first) != 0; }, true},
+    {"reset", [] { return waits(10); }, false},
+    {"pulse nobody", [] { return PulseEvent(first) != 0 && waits(); }, false},
+    {"pulse who waits", [] { return releasesWho([] { return PulseEvent(first) != 0; }); }, true},
+    {"set for who waits", [] { return releasesWho([] { return SetEvent(first) != 0; }); }, true},
+    {"a timer sets it",
+     []
+     {
+         return ResetEvent(first) != 0 &&
+                startTimer(5, TIME_ONESHOT | TIME_CALLBACK_EVENT_SET) != 0 && waits(hang);
+     },
+     true},
+    {"once", [] { return waits(20); }, false},
+    {"close", [] { return release(first); }, true},
+    {"manual and set", [] { return create(1, 1); }, true},
+    {"stays set", [] { return waits() && waits(); }, true},
+    {"reset it", [] { return ResetEvent(first) != 0 && waits(); }, false},
+    {"set and reset while one waits",
+     [] { return releasesWho([] { return SetEvent(first) != 0 && ResetEvent(first) != 0; }); },
+     true},
+    {"a timer pulses it",
+     []
+     {
+         const MMRESULT timer = startTimer(5, TIME_PERIODIC | TIME_CALLBACK_EVENT_PULSE);
+         return waits(hang) && waits(hang) && waits(hang) &&
+                timeKillEvent(timer) == TIMERR_NOERROR && timeKillEvent(timer) != TIMERR_NOERROR;
+     },
+     true},
+    {"killed", [] { return waits(30); }, false},
+    {"no delay", [] { return startTimer(0, TIME_PERIODIC | TIME_CALLBACK_EVENT_PULSE) != 0; },
+     false},
+    {"close it", [] { return release(first); }, true},
+    {"wait on nothing", [] { return waits(); }, false, ERROR_INVALID_HANDLE},
+    {"no period", [] { return timeBeginPeriod(0) == TIMERR_NOERROR; }, false},
+    {"least period",
+     [] { return timeBeginPeriod(1) == TIMERR_NOERROR && timeEndPeriod(1) == TIMERR_NOERROR; },
+     true},
+};
+
+const Row slotsAndModules[] = {
+    {"slot",
+     []
+     {
+         slot = TlsAlloc();
+         return slot != TLS_OUT_OF_INDEXES;
+     },
+     true},
+    {"empty", [] { return TlsGetValue(slot) != nullptr; }, false, ERROR_SUCCESS},
+    {"fill", [] { return TlsSetValue(slot, &slot) != 0 && TlsGetValue(slot) == &slot; }, true},
+    {"each thread its own",
+     []
+     {
+         bool isEmpty = false;
+         std::thread([&] { isEmpty = TlsGetValue(slot) == nullptr; }).join();
+         return isEmpty;
+     },
+     true},
+    {"free", [] { return TlsFree(slot) != 0; }, true},
+    {"missing library", [] { return loads("no-such-library"); }, false, ERROR_MOD_NOT_FOUND},
+    {"missing file", [] { return loads(in("x.dll")); }, false, ERROR_MOD_NOT_FOUND},
+    {"no library",
+     []
+     {
+         std::ofstream(in("text.dll")) << "text";
+         return loads(in("text.dll"));
+     },
+     false, ERROR_BAD_EXE_FORMAT},
+    {"modules", [] { return countModules(sizeof(MODULEENTRY32)) > 1; }, true, ERROR_NO_MORE_FILES},
+    {"no entry", [] { return countModules(0) != 0; }, false, ERROR_INSUFFICIENT_BUFFER},
+    {"handles",
+     []
+     {
+         DWORD before = 0;
+         DWORD after = 0;
+         const bool counts = GetProcessHandleCount(GetCurrentProcess(), &before) != 0 &&
+                             create(0, 0) &&
+                             GetProcessHandleCount(GetCurrentProcess(), &after) != 0;
+         return counts && after == before + 1 && release(first);
+     },
+     true},
+};
+
+const Row files[] = {
+    {"a file's attributes", [] { return has("c", FILE_ATTRIBUTE_ARCHIVE); }, true},
+    {"a folder's attributes", [] { return has("d", FILE_ATTRIBUTE_DIRECTORY); }, true},
+    {"a missing one's", [] { return has("x", ~0U); }, false, ERROR_FILE_NOT_FOUND},
+    {"in a missing folder", [] { return has("x/y", ~0U); }, false, ERROR_PATH_NOT_FOUND},
+    {"below a file", [] { return has("c/y", ~0U); }, false, ERROR_PATH_NOT_FOUND},
+    {"read-only", [] { return SetFileAttributesA(in("c").c_str(), FILE_ATTRIBUTE_READONLY) != 0; },
+     true},
+    {"is read-only", [] { return has("c", FILE_ATTRIBUTE_READONLY); }, true},
+    {"delete it", [] { return deletes("c"); }, false, ERROR_ACCESS_DENIED},
+    {"a new one", [] { return opens("n", readWrite, 0, CREATE_NEW); }, true},
+    {"move it", [] { return moves("c", "m") && moves("m", "c"); }, true},
+    {"not read-only",
+     [] { return SetFileAttributesA(in("c").c_str(), FILE_ATTRIBUTE_NORMAL) != 0; }, true},
+    {"write and read",
+     []
+     {
+         return hold(first, "c", GENERIC_WRITE, shareAll) && writes(first, "123") &&
+                hold(second, "c", GENERIC_READ, shareAll) && reads(second, 2, "12");
+     },
+     true},
+    {"read the rest", [] { return reads(second, 9, "3"); }, true},
+    {"read at the end", [] { return reads(second, 9, ""); }, true},
+    {"read without access", [] { return reads(first, 9, ""); }, false, ERROR_ACCESS_DENIED},
+    {"size", [] { return GetFileSize(first, nullptr) == 3; }, true},
+    {"move the pointer", [] { return SetFilePointer(second, -2, nullptr, FILE_END) == 1; }, true},
+    {"before the start",
+     [] { return SetFilePointer(second, -4, nullptr, FILE_END) != INVALID_SET_FILE_POINTER; },
+     false, ERROR_NEGATIVE_SEEK},
+    {"from nowhere",
+     [] { return SetFilePointer(second, 0, nullptr, 7) != INVALID_SET_FILE_POINTER; }, false,
+     ERROR_INVALID_PARAMETER},
+    {"far behind the end",
+     []
+     {
+         LONG high = 1;
+         return SetFilePointer(second, 5, &high, FILE_BEGIN) == 5 && high == 1;
+     },
+     true},
+    {"read there", [] { return reads(second, 1, ""); }, true},
+    {"set and get the time",
+     []
+     {
+         const FILETIME set = {0x12345678, 0x01C00000};
+         FILETIME got = {};
+         return SetFileTime(first, nullptr, nullptr, &set) != 0 &&
+                GetFileTime(first, nullptr, nullptr, &got) != 0 &&
+                got.dwHighDateTime == set.dwHighDateTime && got.dwLowDateTime == set.dwLowDateTime;
+     },
+     true},
+    {"describe",
+     []
+     {
+         WIN32_FILE_ATTRIBUTE_DATA data = {};
+         return GetFileAttributesExA(in("c").c_str(), GetFileExInfoStandard, &data) != 0 &&
+                data.nFileSizeLow == 3 && data.ftLastWriteTime.dwHighDateTime == 0x01C00000;
+     },
+     true},
+    {"delete what may be", [] { return release(first) && release(second) && deletes("n"); }, true},
+    {"hold", [] { return hold(first, "c", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE); },
+     true},
+    {"delete what is held", [] { return deletes("c"); }, false, ERROR_SHARING_VIOLATION},
+    {"move over what is held",
+     []
+     { return opens("n", readWrite, 0, CREATE_NEW) && moves("n", "c", MOVEFILE_REPLACE_EXISTING); },
+     false, ERROR_ACCESS_DENIED},
+    {"let go", [] { return release(first) && deletes("n"); }, true},
+    {"delete a missing one", [] { return deletes("n"); }, false, ERROR_FILE_NOT_FOUND},
+    {"delete a folder", [] { return deletes("d"); }, false, ERROR_ACCESS_DENIED},
+};
+
+const Row folders[] = {
+    {"find nothing", [] { return finds("d\\*", ""); }, true, ERROR_NO_MORE_FILES},
+    {"find",
+     []
+     {
+         return opens("d/f", readWrite, 0, CREATE_NEW) &&
+                CreateDirectoryA(in("d/e").c_str(), nullptr) != 0 && finds("d\\*", "e/ f ");
+     },
+     true, ERROR_NO_MORE_FILES},
+    {"find in none", [] { return finds("x\\*", ""); }, false, ERROR_PATH_NOT_FOUND},
+    {"find in a file", [] { return finds("c\\*", ""); }, false},
+    {"remove a full one", [] { return removes("d"); }, false, ERROR_DIR_NOT_EMPTY},
+    {"remove a file", [] { return removes("c"); }, false, ERROR_DIRECTORY},
+    {"remove none", [] { return removes("x"); }, false, ERROR_FILE_NOT_FOUND},
+    {"remove", [] { return removes("d/e") && deletes("d/f") && removes("d"); }, true},
+};
 // clang-format on
 
 TEST(Platform, FilesAsTheTableSays)
@@ -229,8 +515,20 @@ TEST(Platform, FilesAsTheTableSays)
     fs::create_directory(folder);
     for (const Row& row : rows)
         check(row);
+    for (const Row& row : slotsAndModules)
+        check(row);
+    for (const Row& row : files)
+        check(row);
+    for (const Row& row : folders)
+        check(row);
     fs::permissions(in("r"), fs::perms::owner_all);
     fs::remove_all(folder);
+}
+
+TEST(Platform, EventsAndTimersAsTheTableSays)
+{
+    for (const Row& row : events)
+        check(row);
 }
 
 TEST(Platform, ErrorsBelongToTheThreadAndHaveTexts)
@@ -267,6 +565,77 @@ TEST(Platform, ErrorsBelongToTheThreadAndHaveTexts)
     EXPECT_EQ(static_cast<DWORD>(ERROR_MR_MID_NOT_FOUND), GetLastError());
     EXPECT_EQ(0u, format(ERROR_FILE_NOT_FOUND, 4));
     EXPECT_EQ(static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER), GetLastError());
+}
+
+/// The full path and the last element, or the error.
+std::string fullPath(const char* path)
+{
+    char buffer[300];
+    char* last = nullptr;
+    const DWORD length = GetFullPathNameA(path, sizeof buffer, buffer, &last);
+    if (length == 0)
+        return "none";
+    return std::string(buffer, length) + " " + (last != nullptr ? last : "-");
+}
+
+TEST(Platform, FullPathsAreWhatTheSystemMakesOfThem)
+{
+    struct
+    {
+        const char* path;
+        const char* expected;
+    } const cases[] = {
+        {"", "none"},
+        {"C:\\a\\b", "C:\\a\\b b"},
+        {"C:/a/b/", "C:\\a\\b\\ -"},
+        {"c:\\a\\.\\b\\..\\d", "c:\\a\\d d"},
+        {"C:\\..\\..\\a", "C:\\a a"},
+        {"C:\\a\\\\b//c", "C:\\a\\b\\c c"},
+        {"C:\\a\\..", "C:\\ -"},
+        {"C:\\", "C:\\ -"},
+        {"C:\\a\\file.", "C:\\a\\file file"},
+        {"C:\\a\\file. . ", "C:\\a\\file file"},
+        {"C:\\a.\\file", "C:\\a\\file file"},
+        {"C:\\a\\b\\.", "C:\\a\\b b"},
+        {"D:\\a", "D:\\a a"},
+        {"\\\\server\\share\\a\\..\\b", "\\\\server\\share\\b b"},
+        {"\\\\server\\share\\..\\..\\b", "\\\\server\\share\\b b"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(c.expected, fullPath(c.path)) << c.path;
+    // From the current directory, which is on some drive.
+    const std::string here = fullPath(".").substr(0, fullPath(".").find(' '));
+    const std::string drive = here.substr(0, 2);
+    EXPECT_EQ(here + "\\a\\b b", fullPath("a/b"));
+    EXPECT_EQ(drive + "\\a a", fullPath("\\a"));
+    EXPECT_EQ(drive + "\\a a", fullPath("/a"));
+    EXPECT_EQ(here + "\\a a", fullPath((drive + "a").c_str()));
+    char buffer[4];
+    EXPECT_EQ(7u, GetFullPathNameA("C:\\a\\b", 4, buffer, nullptr)); // the size that is needed
+    EXPECT_EQ(_getdrive() + 64, drive[0]);
+}
+
+TEST(Platform, TimesGoThroughTheTimeZoneAndBack)
+{
+    for (const WORD month : {WORD{1}, WORD{7}})
+    {
+        const SYSTEMTIME universal = {2024, month, 0, 15, 12, 30, 0, 0};
+        SYSTEMTIME local = {};
+        SYSTEMTIME back = {};
+        ASSERT_NE(0, SystemTimeToTzSpecificLocalTime(nullptr, &universal, &local));
+        ASSERT_NE(0, TzSpecificLocalTimeToSystemTime(nullptr, &local, &back));
+        EXPECT_EQ(15, back.wDay);
+        EXPECT_EQ(12, back.wHour);
+        EXPECT_EQ(30, back.wMinute);
+    }
+    const FILETIME fileTime = {0xD53E8000, 0x019DB1DE}; // 1970-01-01
+    SYSTEMTIME time = {};
+    ASSERT_NE(0, FileTimeToSystemTime(&fileTime, &time));
+    EXPECT_EQ(1970, time.wYear);
+    EXPECT_EQ(4, time.wDayOfWeek);
+    const FILETIME none = {0, 0x80000000};
+    EXPECT_EQ(0, FileTimeToSystemTime(&none, &time));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_PARAMETER), GetLastError());
 }
 
 TEST(Platform, EnvironmentIsSetAndRemoved)

@@ -21,53 +21,61 @@ void printRow(const char* label, const std::string& text)
     std::cout << std::left << std::setw(22) << label << text << '\n';
 }
 
-using Kr::OsProcessor;
-
-std::string describeProcessor(const OsProcessor& processor)
+std::string describeVersion(const Kr::OsProcessor& processor)
 {
     std::ostringstream text;
-    text << (processor.getBrand().empty() ? "not reported" : processor.getBrand()) << " ("
-         << processor.getVendor() << " family " << processor.getFamily() << ", model "
-         << processor.getModel() << ", stepping " << processor.getStepping() << ')';
+    text << processor.getVendor() << ", family " << processor.getFamily() << ", model "
+         << processor.getModel() << ", stepping " << processor.getStepping();
     return text.str();
 }
 
-std::string describeFeatures(const OsProcessor& processor)
+std::string describeFeatures(const Kr::OsProcessor& processor)
 {
     std::string text;
-    for (int i = 0; i < OsProcessor::NbFeatures; ++i)
-        if (const auto feature = static_cast<OsProcessor::Feature>(i); processor.has(feature))
-            text += std::string(text.empty() ? "" : " ") + OsProcessor::getFeatureName(feature);
+    for (int i = Kr::OsProcessor::MMX; i <= Kr::OsProcessor::AVX512VL; ++i)
+    {
+        const auto feature = static_cast<Kr::OsProcessor::Feature>(i);
+        if (processor.has(feature))
+            text += std::string(text.empty() ? "" : " ") + Kr::OsProcessor::getName(feature);
+    }
     return text;
 }
 
-/// A size in bytes; 0 is not reported.
-std::string describeSize(std::uint64_t bytes)
+std::string describeSize(std::int64_t bytes)
 {
-    constexpr std::uint64_t kibi = 1024;
-    if (bytes == 0)
-        return "not reported";
-    if (bytes % (kibi * kibi) == 0)
-        return std::to_string(bytes / (kibi * kibi)) + " MiB";
-    return bytes % kibi == 0 ? std::to_string(bytes / kibi) + " KiB"
-                             : std::to_string(bytes) + " bytes";
+    constexpr std::int64_t MiB = 1024 * 1024;
+    return bytes % MiB == 0 ? std::to_string(bytes / MiB) + " MiB"
+                            : std::to_string(bytes / 1024) + " KiB";
 }
 
-std::string describeCache(const OsProcessor::Cache& cache)
+std::string describeCache(const Kr::OsProcessor::Cache& cache)
 {
-    return describeSize(cache._size) + ", " + std::to_string(cache._ways) + " ways, lines of " +
-           std::to_string(cache._lineSize) + " bytes, shared by at most " +
-           std::to_string(cache._maxSharing) + " threads";
+    std::ostringstream text;
+    text << describeSize(cache.size) << ", " << cache.ways << " ways, lines of " << cache.lineSize
+         << " bytes, shared by " << cache.sharingThreads << " threads";
+    return text.str();
 }
 
-void printCaches(const OsProcessor& processor)
+std::string describePages(const Kr::OsProcessor& processor)
 {
-    constexpr const char* kinds[] = {"", " data", " instruction", ""};
-    for (const OsProcessor::Cache& cache : processor.getCaches())
-        printRow(("level " + std::to_string(cache._level) + kinds[cache._kind]).c_str(),
+    std::string text;
+    for (const std::int64_t size : processor.getPageSizes())
+        text += (text.empty() ? "" : ", ") + describeSize(size);
+    return text;
+}
+
+void printProcessor(const Kr::OsProcessor& processor)
+{
+    static const char* const kinds[] = {"", " data", " instructions", ""};
+    printRow("processor", processor.getBrand());
+    printRow("version", describeVersion(processor));
+    printRow("features", describeFeatures(processor));
+    printRow("cores, threads", std::to_string(processor.getCoreCount()) + ", " +
+                                   std::to_string(processor.getThreadCount()));
+    for (const Kr::OsProcessor::Cache& cache : processor.getCaches())
+        printRow(("level " + std::to_string(cache.level) + kinds[cache.kind]).c_str(),
                  describeCache(cache));
-    if (processor.getCaches().empty())
-        printRow("caches", "not reported");
+    printRow("pages", describePages(processor));
 }
 
 std::string describeStamps()
@@ -87,14 +95,7 @@ std::string describeStamps()
 
 void printMachine()
 {
-    const OsProcessor& processor = OsProcessor::getInstance();
-    printRow("processor", describeProcessor(processor));
-    printRow("features", describeFeatures(processor));
-    printRow("cores, threads", std::to_string(processor.getNbCores()) + ", " +
-                                   std::to_string(processor.getNbThreads()));
-    printCaches(processor);
-    printRow("pages", describeSize(processor.getPageSize()) + ", large ones " +
-                          describeSize(processor.getLargePageSize()));
+    printProcessor(Kr::OsProcessor::getInstance());
     printRow("byte order", Kr::OsEndian::isBigEndian() ? "highest first" : "lowest first");
     printRow("raw counter", std::to_string(Kr::OsCpuInfo::getHwCounterFrequency()) + " Hz");
     printRow("time stamps", describeStamps());

@@ -1,4 +1,5 @@
 #include <base/assert.h>
+#include <base/dbgBuildInfoMgr.h>
 #include <base/inInit.imp>
 #include <base/krInitPackages.h>
 #include <base/lgGroups.h>
@@ -11,10 +12,12 @@ Kr::LgMinorGroup* LgGroups::KR_XGLUE(MinorLevel, BuildInfo) = nullptr;
 
 void KrInit::debugging::start()
 {
+    Kr::DbgBuildInfoMgr::getInstance().validate();
     KR_ASSERT_TEXT(LgGroups::KR_XGLUE(MinorLevel, BuildInfo) == nullptr,
                    "LgGroups::KR_XGLUE( MinorLevel, BuildInfo ) == 0", __LINE__);
     LgGroups::KR_XGLUE(MinorLevel, BuildInfo) =
         new Kr::LgMinorGroup(Kr::LgMajorGroup::getInstanceForName("Base"), "BuildInfo");
+    Kr::DbgBuildInfoMgr::getInstance().log();
 }
 
 void KrInit::debugging::stop()

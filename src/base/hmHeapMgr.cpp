@@ -1,8 +1,6 @@
 #include <base/hmHeapMgr.h>
 
 #include <base/inSingleton.imp>
-#include <base/internal/heap/hmCheckingHeap.h>
-#include <base/internal/heap/hmCheckingHeapMgr.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -34,13 +32,6 @@ void readNumber(const char* name, std::uint32_t& number)
 HmHeapMgr& HmHeapMgr::getInstance()
 {
     return *InSingleton<HmHeapMgr>::getInstance();
-}
-
-HmHeapMgr* HmHeapMgr::create()
-{
-    if (HmCheckingHeap::isActive())
-        return new HmCheckingHeapMgr;
-    return new HmHeapMgr;
 }
 
 HmHeapMgr::HmHeapMgr()

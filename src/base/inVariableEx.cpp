@@ -43,4 +43,17 @@ InVariableEx::ExMissingValue::ExMissingValue(const char* file, int line, const c
     setReason(reason);
 }
 
+InVariableEx::ExUnknownOption::ExUnknownOption(const char* file, int line, const char* option,
+                                               const char* nearest)
+    : ExConcrete(file, line)
+{
+    char reason[textSize];
+    if (nearest != nullptr)
+        std::snprintf(reason, sizeof reason, "Unknown option '%.*s': did you mean '%.*s'?", cut,
+                      orEmpty(option), cut, nearest);
+    else
+        std::snprintf(reason, sizeof reason, "Unknown option '%.*s'.", cut, orEmpty(option));
+    setReason(reason);
+}
+
 } // namespace Kr

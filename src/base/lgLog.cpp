@@ -14,8 +14,13 @@ namespace Kr
 
 void LgLog::init()
 {
-    auto session = std::make_unique<LgSession>(LgSettings::read(OsEnv::getVariable, std::cout));
-    LgMajorGroup::initializeFromEnvironment();
+    init(OsEnv::getVariable);
+}
+
+void LgLog::init(Lookup lookup)
+{
+    auto session = std::make_unique<LgSession>(LgSettings::read(lookup, std::cout));
+    LgMajorGroup::initialize(lookup("KR_LOG_DEFAULT_LEVEL"), lookup("KR_LOG_GROUPS"));
     LgFork::install();
     LgTermination::install();
     LgLogState::start(std::move(session));

@@ -35,8 +35,16 @@ namespace Kr
 class KR_BASE_API LgLog
 {
 public:
-    /// Reads the settings from the environment, creates the groups, and from then on takes
-    /// messages. Bad values are reported on standard output.
+    /// The text of a setting under the name of its environment variable, such as "KR_LOG_DIR"; null
+    /// if it is not given.
+    using Lookup = const char* (*)(const char* name);
+
+    /// Reads the settings, creates the groups, and from then on takes messages. Bad values are
+    /// reported on standard output. The package `logger` looks its settings up among its
+    /// initialisation variables.
+    static void init(Lookup lookup);
+
+    /// The same with the settings of the environment alone.
     static void init();
 
     /// Takes no more messages, writes those that wait, closes the files, and deletes the groups.

@@ -56,9 +56,12 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 namespace Kr
 {
+
+class ThreadLabel;
 
 class KR_BASE_API LgQueue
 {
@@ -131,6 +134,11 @@ public:
     inline bool isFull() const noexcept;
 
     unsigned long getThreadId() const noexcept { return _threadId; }
+
+    /// What the thread is called (base/threadName.h), which its records show. Set by the logger for
+    /// its own queues, before they are shared; null otherwise.
+    void setLabel(std::shared_ptr<const ThreadLabel> label) noexcept { _label = std::move(label); }
+    const ThreadLabel* getLabel() const noexcept { return _label.get(); }
     static constexpr unsigned int getMaxSize() noexcept { return defaultNumEntries - 1; }
 
     /// Installs an observer, before the queue is in use, and returns the previous one. Raises
@@ -176,6 +184,7 @@ private:
 
     std::atomic<bool> _creatorAlive{true};
     const unsigned long _threadId;
+    std::shared_ptr<const ThreadLabel> _label;
     ObjPtr<Observer> _observer;
     void (*_halfFullHandler)() noexcept = nullptr;
 };

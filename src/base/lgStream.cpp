@@ -3,12 +3,44 @@
 #include <base/assert.h>
 #include <base/internal/log/lgFormat.h>
 
+#include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <limits>
 
 namespace Kr
 {
+
+namespace
+{
+
+constexpr int decimals = 6; // of "%f"
+
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+char toCapital(char c)
+{
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+/// Some standard libraries write a `long double` with the decimal point of the locale, which may
+/// have several characters. Returns the end of the text with a point in its place.
+char* setPoint(const char* begin, char* end)
+{
+    char* const fraction = end - decimals;
+    char* point = fraction;
+    while (point != begin && !isDigit(point[-1]))
+        --point;
+    *point = '.';
+    std::memmove(point + 1, fraction, decimals);
+    return point + 1 + decimals;
+}
+
+} // namespace
 
 LgStream::LgStream(unsigned int ringSize)
     : _mask(ringSize - 1)
@@ -161,15 +193,21 @@ LgStream& LgStream::operator<<(double value)
 LgStream& LgStream::operator<<(long double value)
 {
     char text[std::numeric_limits<long double>::max_exponent10 + 16];
-    const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, 6);
-    return append(text, static_cast<std::size_t>(end.ptr - text));
+    char* end =
+        std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals).ptr;
+    if (std::isfinite(value))
+        end = setPoint(text, end);
+    return append(text, static_cast<std::size_t>(end - text));
 }
 
+/// A runtime library that puts no prefix before the digits writes capitals.
 LgStream& LgStream::operator<<(const void* pointer)
 {
     char text[numberRoom];
-    std::snprintf(text, sizeof text, "%p", pointer);
-    return *this << static_cast<const char*>(text);
+    const int length = std::snprintf(text, sizeof text, "%p", pointer);
+    if (text[0] == '0' && text[1] != 'x')
+        std::transform(text, text + length, text, toCapital);
+    return append(text, static_cast<std::size_t>(length));
 }
 
 // The consumer's side

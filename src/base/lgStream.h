@@ -20,6 +20,9 @@
 /// own position takes the same road back (Lamport, "Proving the Correctness of Multiprocess
 /// Programs", 1977).
 ///
+/// Beyond what it takes by itself, a stream takes every type that has been taught: base/lgValues.h
+/// tells how, and which of the library's and the standard's types have been.
+///
 /// Pitfalls: formatting is fixed, so numbers look the same whatever the locale; "%f" means six
 /// decimals, also for 1e-9. A text cannot hold a NUL, which would end it: NULs are left out. In a
 /// message of an `LgQueue`, nothing is appended after `ends` or once a full ring has cut it.
@@ -28,13 +31,76 @@
 #include <base/krBaseApi.h>
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <iosfwd>
 #include <memory>
 #include <string_view>
+#include <type_traits>
+#include <utility>
 
 namespace Kr
 {
+
+class LgStream;
+
+/// Which types a stream takes.
+namespace LgTaken
+{
+
+// What a stream takes by itself. Not `bool`, which everything that is no value converts to.
+void itself(const char*);
+void itself(std::string_view);
+void itself(char);
+void itself(signed char);
+void itself(unsigned char);
+void itself(short);
+void itself(unsigned short);
+void itself(int);
+void itself(unsigned int);
+void itself(long);
+void itself(unsigned long);
+void itself(long long);
+void itself(unsigned long long);
+void itself(float);
+void itself(double);
+void itself(long double);
+void itself(const void*);
+void itself(std::nullptr_t);
+void itself(LgStream& (*)(LgStream&));
+void itself(const wchar_t*) = delete;
+void itself(const char16_t*) = delete;
+void itself(const char32_t*) = delete;
+
+template <class T, class = void>
+struct ByItself : std::false_type
+{
+};
+
+template <class T>
+struct ByItself<T, std::void_t<decltype(itself(std::declval<const T&>()))>> : std::true_type
+{
+};
+
+template <class T, class = void>
+struct ByOperator : std::false_type
+{
+};
+
+template <class T>
+struct ByOperator<
+    T, std::void_t<decltype(operator<<(std::declval<LgStream&>(), std::declval<const T&>()))>>
+    : std::true_type
+{
+};
+
+template <class T>
+struct IsTaken : std::disjunction<ByItself<T>, ByOperator<T>>
+{
+};
+
+} // namespace LgTaken
 
 class KR_BASE_API LgStream
 {
@@ -84,8 +150,22 @@ public:
     /// "%p", in the form of the platform's runtime library.
     LgStream& operator<<(const void* pointer);
     LgStream& operator<<(void* pointer) { return *this << static_cast<const void*>(pointer); }
+    LgStream& operator<<(std::nullptr_t) { return *this << static_cast<const void*>(nullptr); }
 
     LgStream& operator<<(LgStream& (*manipulator)(LgStream&)) { return manipulator(*this); }
+
+    LgStream& operator<<(std::ostream& (*manipulator)(std::ostream&)) = delete;
+
+    /// What has not been taught does not compile: neither do wide texts, which would read as an
+    /// address, nor the manipulators of `std::ostream`, which mean nothing here.
+    template <class T, std::enable_if_t<!LgTaken::IsTaken<T>::value, int> = 0>
+    LgStream& operator<<(const T&)
+    {
+        static_assert(LgTaken::IsTaken<T>::value,
+                      "the log does not take values of this type; teach it with an operator: "
+                      "Kr::LgStream& operator<<(Kr::LgStream&, const T&), see base/lgValues.h");
+        return *this;
+    }
 
     /// Ends the text and makes it visible to the consumer. `ends` calls it.
     void completeString();

@@ -10,7 +10,8 @@
 /// KR_LOG(cache, Warning) << "no index on " << table << ", scanning " << rows << " rows";
 /// @endcode
 /// The group is an `LgMinorGroup` or a pointer to one (a null pointer logs nothing), the level one
-/// of `LgTypes::Level` without its scope, and the values are whatever an `LgStream` takes. A level
+/// of `LgTypes::Level` without its scope, and the values are whatever an `LgStream` takes; base/lgValues.h
+/// tells which, and how to teach it more. A level
 /// that is off costs one load and one test, and the values are not computed. The statement is one
 /// statement: an `else` behind it belongs to the `if` before it.
 ///
@@ -23,6 +24,7 @@
 #include <base/lgQueue.h>
 #include <base/lgStream.h>
 #include <base/lgTypes.h>
+#include <base/lgValues.h>
 
 #include <cstdint>
 

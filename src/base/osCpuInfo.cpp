@@ -34,6 +34,8 @@ const char* OsCpuInfo::getTypeName()
 unsigned long long OsCpuInfo::getHwCounterFrequency()
 {
     KR_INVARIANT_TEXT(_hwCounterFrequency != 0, "_hwCounterFrequency != 0", 87);
+    if (_hwCounterFrequency == 0) // where the invariant is compiled out: 0 would be divided by
+        initialize();
     return _hwCounterFrequency;
 }
 

@@ -1,7 +1,10 @@
 #include <base/osDateTypes.h>
 
-#include <base/osDateUtil.h>
+#include <base/internal/os/osCalendar.h>
 
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <ostream>
 
 namespace Kr
@@ -53,47 +56,41 @@ int DateRep::getUtcOffset() const noexcept
 
 int DateRep::getWeekDay() const noexcept
 {
-    return OsDateUtil::getWeekDay(_year, _month, _day);
+    return OsCalendar::getWeekDay({_year, _month, _day});
 }
 
 int DateRep::getYearDay() const noexcept
 {
-    return OsDateUtil::getYearDay(_year, _month, _day);
+    return OsCalendar::getYearDay({_year, _month, _day});
 }
 
-bool operator==(const DateRep& lhs, const DateRep& rhs)
+std::int64_t DateRep::getMicroseconds() const noexcept
 {
-    return OsDateUtil::compare(lhs, rhs) == 0;
+    const std::int64_t minutes = _hour * 60 + _minute - _utcOffset;
+    return OsCalendar::getNumber({_year, _month, _day}) * OsCalendar::microsecondsPerDay +
+           minutes * OsCalendar::microsecondsPerMinute +
+           static_cast<std::int64_t>(std::floor(_seconds * 1e6 + 0.5));
 }
 
-bool operator!=(const DateRep& lhs, const DateRep& rhs)
+int DateRep::compare(const DateRep& other) const noexcept
 {
-    return OsDateUtil::compare(lhs, rhs) != 0;
-}
-
-bool operator<(const DateRep& lhs, const DateRep& rhs)
-{
-    return OsDateUtil::compare(lhs, rhs) < 0;
-}
-
-bool operator<=(const DateRep& lhs, const DateRep& rhs)
-{
-    return OsDateUtil::compare(lhs, rhs) <= 0;
-}
-
-bool operator>(const DateRep& lhs, const DateRep& rhs)
-{
-    return OsDateUtil::compare(lhs, rhs) > 0;
-}
-
-bool operator>=(const DateRep& lhs, const DateRep& rhs)
-{
-    return OsDateUtil::compare(lhs, rhs) >= 0;
+    const std::int64_t left = getMicroseconds();
+    const std::int64_t right = other.getMicroseconds();
+    return left < right ? -1 : left > right ? 1 : 0;
 }
 
 std::ostream& operator<<(std::ostream& stream, const DateRep& date)
 {
-    return stream << OsDateUtil::format(date, "%Y-%m-%dT%H:%M:%S%z");
+    const int ahead = std::abs(date.getUtcOffset());
+    char text[64];
+    char zone[16] = "Z";
+    if (date.getMode() == OsDateTypes::LocalTime)
+        std::snprintf(zone, sizeof zone, "%c%02d:%02d", date.getUtcOffset() < 0 ? '-' : '+',
+                      ahead / 60, ahead % 60);
+    std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d%s", date.getYear(),
+                  date.getMonth(), date.getDay(), date.getHour(), date.getMinute(),
+                  static_cast<int>(date.getSeconds()), zone);
+    return stream << text;
 }
 
 } // namespace Kr

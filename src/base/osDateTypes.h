@@ -3,8 +3,8 @@
 /// @file
 /// A date with its time of day. `OsDateUtil` makes, converts and formats it.
 /// @code
-/// const Kr::OsDateTypes::DateRep now =
-///     Kr::OsDateUtil::getCurrentTime(Kr::OsDateTypes::LocalTime);
+/// // base/osDateUtil.h
+/// const auto now = Kr::OsDateUtil::getCurrentTime(Kr::OsDateTypes::LocalTime);
 /// std::cout << now.getYear() << ", day " << now.getDay() << '\n' << now << '\n';
 /// @endcode
 
@@ -42,8 +42,13 @@ struct OsDateTypes
         int getWeekDay() const noexcept;   ///< 0 is Sunday
         int getYearDay() const noexcept;   ///< 1 is the first of January
 
+        /// Negative, zero or positive: which of the moments is the earlier, to the microsecond.
+        int compare(const DateRep& other) const noexcept;
+
     private:
         friend class OsDateUtil;
+
+        std::int64_t getMicroseconds() const noexcept; ///< since 1970-01-01 00:00 UTC
 
         std::int32_t _year = 1970;
         std::int32_t _month = 1;
@@ -57,12 +62,30 @@ struct OsDateTypes
 };
 
 // By the moments that they are, whatever their mode.
-KR_BASE_API bool operator==(const OsDateTypes::DateRep& lhs, const OsDateTypes::DateRep& rhs);
-KR_BASE_API bool operator!=(const OsDateTypes::DateRep& lhs, const OsDateTypes::DateRep& rhs);
-KR_BASE_API bool operator<(const OsDateTypes::DateRep& lhs, const OsDateTypes::DateRep& rhs);
-KR_BASE_API bool operator<=(const OsDateTypes::DateRep& lhs, const OsDateTypes::DateRep& rhs);
-KR_BASE_API bool operator>(const OsDateTypes::DateRep& lhs, const OsDateTypes::DateRep& rhs);
-KR_BASE_API bool operator>=(const OsDateTypes::DateRep& lhs, const OsDateTypes::DateRep& rhs);
+inline bool operator==(const OsDateTypes::DateRep& lhs, const OsDateTypes::DateRep& rhs) noexcept
+{
+    return lhs.compare(rhs) == 0;
+}
+inline bool operator!=(const OsDateTypes::DateRep& lhs, const OsDateTypes::DateRep& rhs) noexcept
+{
+    return lhs.compare(rhs) != 0;
+}
+inline bool operator<(const OsDateTypes::DateRep& lhs, const OsDateTypes::DateRep& rhs) noexcept
+{
+    return lhs.compare(rhs) < 0;
+}
+inline bool operator<=(const OsDateTypes::DateRep& lhs, const OsDateTypes::DateRep& rhs) noexcept
+{
+    return lhs.compare(rhs) <= 0;
+}
+inline bool operator>(const OsDateTypes::DateRep& lhs, const OsDateTypes::DateRep& rhs) noexcept
+{
+    return lhs.compare(rhs) > 0;
+}
+inline bool operator>=(const OsDateTypes::DateRep& lhs, const OsDateTypes::DateRep& rhs) noexcept
+{
+    return lhs.compare(rhs) >= 0;
+}
 
 /// As ISO 8601 has it, in whole seconds: "2026-11-21T14:03:09+01:00", "2026-11-21T13:03:09Z".
 KR_BASE_API std::ostream& operator<<(std::ostream& stream, const OsDateTypes::DateRep& date);

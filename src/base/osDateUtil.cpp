@@ -1,13 +1,14 @@
 #include <base/osDateUtil.h>
 
-#include <base/internal/errors/calendar.h>
-
 #include <base/assert.h>
+#include <base/internal/os/osCalendar.h>
 #include <base/osDateEx.h>
 #include <base/raise.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 
 namespace Kr
 {
@@ -15,9 +16,6 @@ namespace Kr
 namespace
 {
 
-constexpr std::int64_t microsecondsPerSecond = 1000000;
-constexpr std::int64_t microsecondsPerMinute = 60 * microsecondsPerSecond;
-constexpr std::int64_t microsecondsPerDay = 24 * 60 * microsecondsPerMinute;
 constexpr int firstYear = 1601;
 constexpr int lastYear = 30827;
 
@@ -46,6 +44,11 @@ void appendOffset(std::string& text, const OsDateTypes::DateRep& date)
     appendNumber(text, 2, minutes / 60);
     text += ':';
     appendNumber(text, 2, minutes % 60);
+}
+
+std::int64_t roundToMicroseconds(double seconds)
+{
+    return static_cast<std::int64_t>(std::floor(seconds * 1e6 + 0.5));
 }
 
 /// One conversion; false if there is none of that letter.
@@ -77,8 +80,7 @@ bool appendConversion(std::string& text, const OsDateTypes::DateRep& date, char 
         number(2, whole);
         return true;
     case 'f':
-        number(6, static_cast<std::int64_t>(std::floor((date.getSeconds() - whole) * 1e6 + 0.5)) %
-                      microsecondsPerSecond);
+        number(6, std::min(std::int64_t{999999}, roundToMicroseconds(date.getSeconds() - whole)));
         return true;
     case 'j':
         number(3, date.getYearDay());
@@ -146,12 +148,13 @@ OsDateTypes::DateRep OsDateUtil::convert(const OsDateTypes::DateRep& date,
 {
     if (date._mode == mode)
         return date;
-    const std::int64_t moment = getMicroseconds(date);
+    const std::int64_t moment = date.getMicroseconds();
     const OsDateTypes::DateRep universal = fromMicroseconds(moment);
     if (mode == OsDateTypes::UniversalTime)
         return universal;
     const int offset = performGetOffset(universal);
-    OsDateTypes::DateRep local = fromMicroseconds(moment + offset * microsecondsPerMinute);
+    OsDateTypes::DateRep local =
+        fromMicroseconds(moment + offset * OsCalendar::microsecondsPerMinute);
     local._utcOffset = offset;
     local._mode = OsDateTypes::LocalTime;
     return local;
@@ -159,7 +162,7 @@ OsDateTypes::DateRep OsDateUtil::convert(const OsDateTypes::DateRep& date,
 
 OsDateUtil::TimePoint OsDateUtil::getTimePoint(const OsDateTypes::DateRep& date)
 {
-    return TimePoint(std::chrono::microseconds(getMicroseconds(date)));
+    return TimePoint(std::chrono::microseconds(date.getMicroseconds()));
 }
 
 OsDateTypes::DateRep OsDateUtil::fromTimePoint(TimePoint time, OsDateTypes::TimeMode mode)
@@ -171,11 +174,9 @@ OsDateTypes::DateRep OsDateUtil::fromTimePoint(TimePoint time, OsDateTypes::Time
     return convert(date, mode);
 }
 
-int OsDateUtil::compare(const OsDateTypes::DateRep& lhs, const OsDateTypes::DateRep& rhs)
+int OsDateUtil::compare(const OsDateTypes::DateRep& lhs, const OsDateTypes::DateRep& rhs) noexcept
 {
-    const std::int64_t left = getMicroseconds(lhs);
-    const std::int64_t right = getMicroseconds(rhs);
-    return left < right ? -1 : left > right ? 1 : 0;
+    return lhs.compare(rhs);
 }
 
 std::string OsDateUtil::format(const OsDateTypes::DateRep& date, const char* text)
@@ -205,36 +206,27 @@ int OsDateUtil::getDaysInMonth(int year, int month) noexcept
 
 int OsDateUtil::getWeekDay(int year, int month, int day) noexcept
 {
-    const std::int64_t days = getCalendarDays({year, month, day}) + 4; // 1970 began on a Thursday
-    return static_cast<int>(days - 7 * divideDown(days, 7));
+    return OsCalendar::getWeekDay({year, month, day});
 }
 
 int OsDateUtil::getYearDay(int year, int month, int day) noexcept
 {
-    return static_cast<int>(getCalendarDays({year, month, day}) - getCalendarDays({year, 1, 1})) +
-           1;
-}
-
-std::int64_t OsDateUtil::getMicroseconds(const OsDateTypes::DateRep& date) noexcept
-{
-    const std::int64_t minutes = date._hour * 60 + date._minute - date._utcOffset;
-    return getCalendarDays({date._year, date._month, date._day}) * microsecondsPerDay +
-           minutes * microsecondsPerMinute +
-           static_cast<std::int64_t>(std::floor(date._seconds * 1e6 + 0.5));
+    return OsCalendar::getYearDay({year, month, day});
 }
 
 OsDateTypes::DateRep OsDateUtil::fromMicroseconds(std::int64_t microseconds) noexcept
 {
-    const std::int64_t days = divideDown(microseconds, microsecondsPerDay);
-    const std::int64_t rest = microseconds - days * microsecondsPerDay;
-    const CalendarDate civil = getCalendarDate(days);
+    constexpr std::int64_t perMinute = OsCalendar::microsecondsPerMinute;
+    const std::int64_t days = OsCalendar::floorDivide(microseconds, OsCalendar::microsecondsPerDay);
+    const std::int64_t rest = microseconds - days * OsCalendar::microsecondsPerDay;
+    const OsCalendar::Day day = OsCalendar::getDay(days);
     OsDateTypes::DateRep date;
-    date._year = static_cast<int>(civil.year);
-    date._month = civil.month;
-    date._day = civil.day;
-    date._hour = static_cast<int>(rest / (60 * microsecondsPerMinute));
-    date._minute = static_cast<int>(rest / microsecondsPerMinute % 60);
-    date._seconds = static_cast<double>(rest % microsecondsPerMinute) / 1e6;
+    date._year = day.year;
+    date._month = day.month;
+    date._day = day.day;
+    date._hour = static_cast<int>(rest / (60 * perMinute));
+    date._minute = static_cast<int>(rest / perMinute % 60);
+    date._seconds = static_cast<double>(rest % perMinute) / 1e6;
     return date;
 }
 

@@ -12,8 +12,7 @@
 /// if (OsDateUtil::getCurrentTime(OsDateTypes::UniversalTime) < release)
 ///     std::cout << "not yet\n";
 /// @endcode
-/// Everything counts in the Gregorian calendar, by the method of Howard Hinnant (2013,
-/// "chrono-Compatible Low-Level Date Algorithms"); only the time zone is the system's. Pitfall: a
+/// Everything counts in the Gregorian calendar; only the time zone is the system's. Pitfall: a
 /// local time that a change of the clocks leaves out or repeats is one of two moments, which the
 /// system chooses; dates that were converted from universal time keep the right one.
 
@@ -49,7 +48,7 @@ public:
     static OsDateTypes::DateRep fromTimePoint(TimePoint time, OsDateTypes::TimeMode mode);
 
     /// Negative, zero or positive: which of the moments is the earlier.
-    static int compare(const OsDateTypes::DateRep& lhs, const OsDateTypes::DateRep& rhs);
+    static int compare(const OsDateTypes::DateRep& lhs, const OsDateTypes::DateRep& rhs) noexcept;
 
     /// Replaces the conversions in the text, which mean what they do for `std::strftime` in the "C"
     /// locale: %Y %m %d %H %M %S %y %j %a %A %b %B %F %T %%; and %z, which gives "Z" for universal
@@ -63,7 +62,6 @@ public:
     static int getYearDay(int year, int month, int day) noexcept; ///< 1 is the first of January
 
 private:
-    static std::int64_t getMicroseconds(const OsDateTypes::DateRep& date) noexcept;
     static OsDateTypes::DateRep fromMicroseconds(std::int64_t microseconds) noexcept;
 
     // The system's part (osDateUtilWindows)

@@ -109,9 +109,13 @@ ObjPtrRet<OsFileTypes::UnbufferedInfo> OsFile::performGetUnbufferedInfo() const
         bytesPerSector, bytesPerSector, std::numeric_limits<std::uint32_t>::max()));
 }
 
-/// Whether the file lets itself be opened for one who wants it alone.
+/// Whether the file lets itself be opened for one who wants it alone. The read-only attribute
+/// counts also where a privileged user could write all the same.
 int OsFile::performGetAccess(int mask) const
 {
+    const DWORD attributes = krGetAttributes(_path.getChars());
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0)
+        mask &= ~OsFsUtilsWindows::WriteAccess;
     int granted = 0;
     for (const int access : {OsFsUtilsWindows::ReadAccess, OsFsUtilsWindows::WriteAccess})
     {

@@ -1,21 +1,23 @@
 #pragma once
 
 /// @file
-/// The processor of this machine as today's processors describe themselves: name, features, cores,
-/// the real caches, page sizes.
+/// The processor as it describes itself today: name, version, abilities, cores, caches and pages.
 /// @code
 /// const Kr::OsProcessor& processor = Kr::OsProcessor::getInstance();
-/// const Kr::OsProcessor::Cache* l2 = processor.findCache(2, Kr::OsProcessor::Cache::Unified);
-/// const std::uint64_t tile = l2 != nullptr ? l2->_size / 2 : 128 * 1024; // bytes to work on at
-/// once if (processor.has(Kr::OsProcessor::Avx2))
-///     std::cout << processor.getBrand() << ": tiles of " << tile << " bytes\n";
+/// const Kr::OsProcessor::Cache* const cache = processor.findCache(2);
+/// const std::int64_t bytes = cache != nullptr ? cache->size / cache->sharingThreads : 256 * 1024;
+/// if (processor.has(Kr::OsProcessor::AVX2))
+///     std::cout << processor.getBrand() << ": tiles of " << bytes / 2 << " bytes\n";
 /// @endcode
-/// `OsCpuInfo` and `OsMemoryArch` describe the same machine by the rules of the first processors of
-/// its kind: four-bit family and model numbers, and sizes that are 0 wherever a cache is not listed
-/// by the old descriptors. Code that sizes its work by the machine uses this class.
+/// What the processor does not tell is empty: a text of no characters, a number 0, no cache. It is
+/// read from the identification instruction, so a virtual machine tells what it chooses to.
 ///
-/// Pitfall: what the system or a virtual machine hides is empty or 0, never a guess; code needs a
-/// size of its own to fall back on.
+/// `OsCpuInfo` and `OsMemoryArch` are the older description, with the stated results of its time.
+///
+/// Read once, at the first call, and never changed: any thread may use it.
+///
+/// Source: Intel 64 and IA-32 Architectures Software Developer's Manual, volume 2, CPUID; AMD64
+/// Architecture Programmer's Manual, volume 3, appendix E.
 
 #include <base/krBaseApi.h>
 #include <base/vector.h>
@@ -26,107 +28,101 @@
 namespace Kr
 {
 
-class OsProcessorQuery;
-
 class KR_BASE_API OsProcessor
 {
 public:
-    /// A feature counts only if the system saves the registers that it needs.
+    /// Abilities that the processor has and the system lets programs use.
     enum Feature : std::int32_t
     {
-        Sse,
-        Sse2,
-        Sse3,
-        Ssse3,
-        Sse41,
-        Sse42,
-        Popcnt,
-        Aes,
-        F16c,
-        Fma,
-        Avx,
-        Avx2,
-        Bmi1,
-        Bmi2,
-        Sha,
-        Avx512F,
-        Avx512Dq,
-        Avx512Cd,
-        Avx512Bw,
-        Avx512Vl,
-        Avx512Vnni,
-        NbFeatures
+        MMX,
+        SSE,
+        SSE2,
+        SSE3,
+        SSSE3,
+        SSE4_1,
+        SSE4_2,
+        POPCNT,
+        AES,
+        PCLMULQDQ,
+        F16C,
+        FMA,
+        AVX,
+        AVX2,
+        BMI1,
+        BMI2,
+        AVX512F,
+        AVX512CD,
+        AVX512DQ,
+        AVX512BW,
+        AVX512VL
     };
 
-    /// One cache, as the processor's deterministic cache parameters describe it.
+    /// What a cache holds.
+    enum CacheKind : std::int32_t
+    {
+        Data = 1,
+        Instructions = 2,
+        Unified = 3
+    };
+
+    /// One cache, as one thread meets it.
     struct Cache
     {
-        enum Kind : std::int32_t
-        {
-            Data = 1,
-            Instruction = 2,
-            Unified = 3
-        };
-
-        std::int32_t _level; ///< 1 is the nearest to the core
-        Kind _kind;
-        std::uint64_t _size;      ///< bytes
-        std::int32_t _ways;       ///< associativity
-        std::int32_t _lineSize;   ///< bytes
-        std::int32_t _nbSets;     ///< size = ways × line size × sets
-        std::int32_t _maxSharing; ///< at most so many threads of the processor share one
+        CacheKind kind;
+        int level;          ///< from 1, the nearest
+        std::int64_t size;  ///< bytes
+        int ways;           ///< lines that a set holds; of a fully associative cache, all
+        int lineSize;       ///< bytes
+        int sharingThreads; ///< the most hardware threads that share it
     };
 
-    /// This machine's, read at the first call; any thread may use it, before the library starts
-    /// too.
+    /// This machine's.
     static const OsProcessor& getInstance();
 
-    /// Reads the answers of any processor. `getInstance` asks this machine's.
-    explicit OsProcessor(OsProcessorQuery& query);
-
-    /// "GenuineIntel", "AuthenticAMD", ...
+    /// The maker as the processor spells it: "GenuineIntel".
     const std::string& getVendor() const { return _vendor; }
-    /// The product's name, without blanks around it.
+    /// The name that it is sold under.
     const std::string& getBrand() const { return _brand; }
-    /// Family and model with their extensions, as manuals and compilers name them.
+    /// @name The version, with the extended fields
+    /// @{
     int getFamily() const { return _family; }
     int getModel() const { return _model; }
     int getStepping() const { return _stepping; }
+    /// @}
 
     bool has(Feature feature) const { return (_features >> feature & 1U) != 0; }
-    /// "SSE4.1", "AVX-512F", ...; asserts that it is one of them.
-    static const char* getFeatureName(Feature feature);
+    /// The feature's name: "AVX512F", "SSE4.1".
+    static const char* getName(Feature feature);
 
-    /// Cores, and threads that run at once, that the program's machine has.
-    int getNbCores() const { return _nbCores; }
-    int getNbThreads() const { return _nbThreads; }
+    /// @name One processor's cores and hardware threads
+    /// @{
+    int getCoreCount() const { return _coreCount; }
+    int getThreadCount() const { return _threadCount; }
+    /// @}
 
-    /// In the processor's order: by level, data before instructions.
+    /// Every cache, from the nearest.
     const Vector<Cache>& getCaches() const { return _caches; }
-    /// Null if there is none.
-    const Cache* findCache(int level, Cache::Kind kind) const;
+    /// The cache of a level that holds data, alone or with instructions; null if there is none.
+    const Cache* findCache(int level) const;
 
-    /// Bytes of a page of memory, and of the larger pages that a program can ask for.
-    std::uint64_t getPageSize() const { return _pageSize; }
-    std::uint64_t getLargePageSize() const { return _largePageSize; }
+    /// The page sizes that the processor knows, in bytes, ascending; the first is the usual one.
+    const Vector<std::int64_t>& getPageSizes() const { return _pageSizes; }
 
 private:
-    void readName(OsProcessorQuery& query);
-    void readFeatures(OsProcessorQuery& query);
-    void readCaches(OsProcessorQuery& query);
-    void readTopology(OsProcessorQuery& query);
+    friend class OsProcessorReader;
+
+    OsProcessor() = default;
 
     std::string _vendor;
     std::string _brand;
     int _family = 0;
     int _model = 0;
     int _stepping = 0;
-    std::uint32_t _features = 0;
-    int _nbCores = 0;
-    int _nbThreads = 0;
+    std::uint32_t _features = 0; ///< a bit for each
+    int _coreCount = 0;
+    int _threadCount = 0;
     Vector<Cache> _caches;
-    std::uint64_t _pageSize = 0;
-    std::uint64_t _largePageSize = 0;
+    Vector<std::int64_t> _pageSizes;
 };
 
 } // namespace Kr

@@ -105,6 +105,11 @@ bool waitBeating(PeriodicTimer& timer)
     return !isTimedOut;
 }
 
+ObjPtrRet<PeriodicTimer> PeriodicTimer::create(double interval)
+{
+    return ObjPtrRet<PeriodicTimer>(new PeriodicTimerWindows(interval));
+}
+
 PeriodicTimerWindows::PeriodicTimerWindows(double interval)
     : PeriodicTimer(interval)
 {
@@ -119,11 +124,6 @@ PeriodicTimerWindows::~PeriodicTimerWindows()
     _isClosing = true;
     SetEvent(_event.get());
     _hasGone.wait(lock, [this] { return _waiting == 0; });
-}
-
-ObjPtrRet<PeriodicTimer> PeriodicTimer::create(double interval)
-{
-    return ObjPtrRet<PeriodicTimer>(new PeriodicTimerWindows(interval));
 }
 
 double PeriodicTimer::getResolution()

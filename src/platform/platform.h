@@ -242,16 +242,6 @@ BOOL UnlockFileEx(HANDLE file, DWORD reserved, DWORD sizeLow, DWORD sizeHigh,
 BOOL MoveFileExA(const char* from, const char* to, DWORD flags) noexcept;
 BOOL CreateDirectoryA(const char* path, SECURITY_ATTRIBUTES* security) noexcept;
 
-// Machine (posix/machine.cpp)
-
-struct SYSTEM_INFO
-{
-    DWORD dwPageSize;
-};
-void GetSystemInfo(SYSTEM_INFO* info) noexcept;
-/// In bytes; 0 if there are no large pages.
-std::size_t GetLargePageMinimum() noexcept;
-
 /// Not a directory, not a read-only file, and not one that is open somewhere without
 /// FILE_SHARE_DELETE. A link is removed itself.
 BOOL DeleteFileA(const char* path) noexcept;
@@ -496,8 +486,8 @@ struct KrProcessorRegisters
     std::uint32_t edx = 0;
 };
 
-/// What the processor identification instruction answers to a leaf; all zero on a processor that
-/// does not have it, so that leaf 0 gives 0 as the maximum leaf.
+/// What the processor identification instruction answers to a leaf and its subleaf; all zero on a
+/// processor that does not have it, so that leaf 0 gives 0 as the maximum leaf.
 inline KrProcessorRegisters krIdentifyProcessor(std::uint32_t leaf,
                                                 std::uint32_t subleaf = 0) noexcept
 {
@@ -511,14 +501,19 @@ inline KrProcessorRegisters krIdentifyProcessor(std::uint32_t leaf,
     return answer;
 }
 
-/// Which register states the system saves, a bit each; only where bit 27 of leaf 1's third register
-/// says that it can be asked.
-inline std::uint64_t krSavedProcessorStates() noexcept
+/// The register sets that the system saves for a process, as bits of the processor's extended
+/// control register 0; 0 if the system keeps none.
+inline std::uint64_t krGetEnabledRegisterSets() noexcept
 {
+#if defined(__i386__) || defined(__x86_64__)
+    constexpr std::uint32_t enabledBySystem = 1U << 27;
+    if ((krIdentifyProcessor(1).ecx & enabledBySystem) == 0)
+        return 0;
     std::uint32_t low = 0;
     std::uint32_t high = 0;
-#if defined(__i386__) || defined(__x86_64__)
     __asm__("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
-#endif
     return std::uint64_t{high} << 32 | low;
+#else
+    return 0;
+#endif
 }

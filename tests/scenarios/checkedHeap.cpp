@@ -9,14 +9,12 @@
 #include <base/inInit.imp>
 #include <base/inInitGuard.h>
 #include <base/krInitPackages.h>
-#include <base/osEnv.h>
+#include <base/lgLog.h>
 
-#include <cstring>
-#include <memory>
+#include <fstream>
 #include <sstream>
 #include <string>
 #include <thread>
-#include <vector>
 
 namespace
 {
@@ -195,11 +193,25 @@ void leaks()
     delete[] leaked;
 }
 
+/// With a timeline that the build names.
+void timeline()
+{
+    std::string path;
+    {
+        const Library library(Kr::HmHeapMgr::full);
+        path = Kr::LgLog::getTimelinePath();
+    }
+    std::stringstream text;
+    text << std::ifstream(path).rdbuf();
+    SCENARIO_CHECK(text.str().find("{\"ph\":\"C\",") != std::string::npos);
+    SCENARIO_CHECK(text.str().find("\"name\":\"heap: scene\",\"args\":{\"value\":1") !=
+                   std::string::npos);
+    delete[] leaked;
+}
+
 constexpr Scenario::Case cases[] = {
-    {"accounts", accounts},
-    {"overrun", overrun},
-    {"useAfterRelease", useAfterRelease},
-    {"leaks", leaks},
+    {"accounts", accounts}, {"overrun", overrun},   {"useAfterRelease", useAfterRelease},
+    {"leaks", leaks},       {"timeline", timeline},
 };
 
 } // namespace

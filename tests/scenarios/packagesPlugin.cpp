@@ -1,15 +1,29 @@
 // A library that is loaded at run time and brings two packages along.
 
+#include <base/dbgBuildInfo.h>
 #include <base/inEx.h>
 #include <base/inInit.imp>
 #include <base/krInitPackages.h>
 #include <base/osEnv.h>
 #include <base/trace.h>
 
+#include <packages_plugin_export.h>
+
+#include <cstdlib>
 #include <string>
 
 namespace
 {
+
+/// The version that the test wants it to have been built with.
+std::int32_t getBaseVersion()
+{
+    const char* const wanted = Kr::OsEnv::getVariable("KR_PLUGIN_BASE_VERSION");
+    return wanted != nullptr ? std::atoi(wanted) : KR_VERSION;
+}
+
+const Kr::DbgBuildInfo buildInfo("Plugin", "0.1", getBaseVersion(), KR_BUILD_COMPILER,
+                                 KR_BUILD_RUNTIME, KR_BUILD_TYPE, "");
 
 void tell(const char* event)
 {
@@ -48,3 +62,8 @@ struct blending
 
 static Kr::InInit<KrInit::blending> blendingPackage;
 static Kr::InInit<KrInit::effects> effectsPackage;
+
+extern "C" PACKAGES_PLUGIN_EXPORT int krTestBlend(int first, int second)
+{
+    return 10 * first + second;
+}

@@ -180,7 +180,7 @@ BOOL fillNext(HANDLE handle, MODULEENTRY32* entry) noexcept
         return 0;
     if (entry == nullptr || entry->dwSize < sizeof *entry)
     {
-        SetLastError(ERROR_BAD_LENGTH);
+        SetLastError(ERROR_INSUFFICIENT_BUFFER);
         return 0;
     }
     if (snapshot->next == snapshot->modules.size())

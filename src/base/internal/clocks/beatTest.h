@@ -3,10 +3,10 @@
 /// @file
 /// The self-test of a periodic timer.
 
-#include <base/periodicTimer.h>
-
 namespace Kr
 {
+
+class PeriodicTimer;
 
 /// Whether the timer beats: whether the time from a wait to the next beat comes within 2
 /// resolutions of the interval. Tries for half a second; a round that ends later fails, even if its

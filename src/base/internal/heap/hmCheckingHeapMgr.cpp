@@ -42,6 +42,13 @@ void reportBlocks(const HmCheckingHeap::Blocks& blocks, const std::string& known
 
 } // namespace
 
+HmHeapMgr* HmHeapMgr::create()
+{
+    if (HmCheckingHeap::isActive())
+        return new HmCheckingHeapMgr;
+    return new HmHeapMgr;
+}
+
 HmCheckingHeapMgr::HmCheckingHeapMgr()
     : _knownLeaks(readKnownLeaks())
 {

@@ -48,7 +48,9 @@ void LgColumnFormat::append(std::string& line, const LgRecord& record)
     padTo(line, column += 16);
     line += _process;
     line += ':';
-    if (record.thread == 0)
+    if (!record.threadName.empty())
+        appendEscaped(line, record.threadName);
+    else if (record.thread == 0)
         line += "main";
     else
         LgLineText::appendNumber(line, record.thread);

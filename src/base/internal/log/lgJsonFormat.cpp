@@ -29,6 +29,11 @@ void LgJsonFormat::append(std::string& line, const LgRecord& record)
     line += _process;
     line += ",\"thread\":";
     LgLineText::appendNumber(line, record.thread);
+    if (!record.threadName.empty())
+    {
+        line += ",\"threadName\":";
+        LgJson::appendString(line, record.threadName);
+    }
     if (!record.group.empty())
     {
         line += ",\"group\":";

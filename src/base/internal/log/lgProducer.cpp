@@ -1,8 +1,9 @@
 #include <base/internal/log/lgProducer.h>
 
 #include <base/internal/errors/processIdentity.h>
+#include <base/internal/errors/threadLabel.h>
 #include <base/internal/log/lgLogState.h>
-#include <base/internal/log/lgThread.h>
+#include <base/internal/log/lgThreadSlot.h>
 
 #include <atomic>
 #include <new>
@@ -179,7 +180,7 @@ void LgProducer::endIfDone() noexcept
 void LgProducer::leave() noexcept
 {
     LgThread::get().queue = nullptr;
-    LgThread::get().session = LgThread::noSession;
+    LgThreadSlot::set(nullptr);
     for (const std::shared_ptr<LgQueue>& queue : _queues)
         if (queue != nullptr)
             queue->creatorExit();
@@ -211,10 +212,10 @@ LgQueue* LgProducer::getQueue(std::size_t depth) noexcept
 /// is for one message.
 void LgProducer::showQueue() noexcept
 {
-    LgThread& thread = LgThread::get();
-    thread.queue = _queues[0].get();
-    if (thread.queue != nullptr && !_isForOneMessage)
-        thread.session = _sessionNumber;
+    _target = {_queues[0].get(), _sessionNumber};
+    LgThread::get().queue = _target.queue;
+    if (_target.queue != nullptr && !_isForOneMessage)
+        LgThreadSlot::set(&_target);
 }
 
 /// The first one into which no message is being written.
@@ -232,6 +233,7 @@ LgQueue* LgProducer::findFreeQueue() noexcept
 std::shared_ptr<LgQueue> LgProducer::makeQueue() const
 {
     std::shared_ptr<LgQueue> queue(new LgQueue(_thread), discardQueue);
+    queue->setLabel(ThreadLabel::ofCaller());
     queue->setHalfFullHandler(LgLogState::wakeReader);
     if (LgLogState::isBlocking())
         queue->changeObserver(ObjPtr<LgQueue::Observer>(new BlockingObserver));

@@ -1,6 +1,7 @@
 #include <base/internal/log/lgReader.h>
 
 #include <base/hwCounter.h>
+#include <base/internal/errors/threadLabel.h>
 #include <base/internal/log/lgGroupNames.h>
 
 #include <algorithm>
@@ -78,8 +79,13 @@ void LgReader::addHead(LgQueue* queue, unsigned long long until)
 /// The entry goes before anything that may throw: text and entry are read together or not at all.
 void LgReader::flushEvent(LgQueue* queue)
 {
-    const LgRecord record =
+    LgRecord record =
         queue->readEntry().isOverflowEntry() ? readOverflow(queue) : readRecord(queue);
+    if (queue->getLabel() != nullptr)
+    {
+        queue->getLabel()->copyTo(_threadName);
+        record.threadName = _threadName;
+    }
     queue->removeEntry();
     write(record);
 }

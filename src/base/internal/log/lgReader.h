@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -69,6 +70,7 @@ private:
     std::vector<Head> _heads; // a heap, the earliest in front
     std::unique_ptr<char[]> _buffer;
     char _overflowText[40];
+    std::string _threadName;
     std::vector<std::string_view> _groupNames; // by number, as far as they were met
     std::atomic<std::uint64_t> _overflowed;
     std::atomic<std::uint64_t> _cut;

@@ -17,8 +17,9 @@ struct LgRecord
     unsigned long thread;         ///< 0: the thread that started the logger
     std::string_view group;       ///< empty: none
     std::string_view text;
-    int lost = 0;       ///< how many messages the record stands for that were dropped
-    bool isCut = false; ///< something of the message did not fit into its queue
+    int lost = 0;                     ///< how many messages the record stands for that were dropped
+    bool isCut = false;               ///< something of the message did not fit into its queue
+    std::string_view threadName = {}; ///< empty: none
 };
 
 } // namespace Kr

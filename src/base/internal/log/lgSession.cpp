@@ -3,6 +3,7 @@
 #include <base/internal/log/lgColumnFormat.h>
 #include <base/internal/log/lgFile.h>
 #include <base/internal/log/lgJsonFormat.h>
+#include <base/internal/log/lgListeners.h>
 #include <base/lgTimeline.h>
 
 namespace Kr
@@ -28,6 +29,7 @@ LgSession::LgSession(const LgSettings& settings, LgSession* predecessor)
 {
     _outputs.open(_settings, *_format);
     openTimeline();
+    _reader.setWatcher([this](const LgRecord& record) { show(record); });
 }
 
 LgSession::~LgSession()
@@ -63,6 +65,16 @@ LgSession* LgSession::forFork(LgSession* parent)
     return new LgSession(settings, parent);
 }
 
+void LgSession::show(const LgRecord& record)
+{
+    if (_timeline != nullptr)
+        _timeline->addMessage(record);
+    if (!LgListeners::isEmpty())
+        LgListeners::notify({record.level, _clock.getTimeOfDay(record.timeStamp), record.thread,
+                             record.threadName, record.group, record.text, record.lost,
+                             record.isCut});
+}
+
 void LgSession::openTimeline()
 {
     if (_settings.timelinePath.empty())
@@ -71,7 +83,6 @@ void LgSession::openTimeline()
     file.path = _settings.timelinePath;
     file.isExclusive = true;
     _timeline = std::make_unique<LgTimelineFile>(LgFile::create(file), file.path, _clock);
-    _reader.setWatcher([this](const LgRecord& record) { _timeline->addMessage(record); });
     LgTimeline::_enabled = true;
 }
 

@@ -57,6 +57,7 @@ public:
 
 private:
     void openTimeline();
+    void show(const LgRecord& record);
 
     // The parent's session is kept as it was when the process forked; nothing of it can be closed
     // without harm to the parent.

@@ -123,9 +123,10 @@ double exp(double x)
     const double low = exponent * ln2Low;
     const double r = high - low;
     const double rLow = (high - r) - low;
-    static constexpr double series[] = {1. / 2,       1. / 6,        1. / 24,       1. / 120,
-                                        1. / 720,     1. / 5040,     1. / 40320,    1. / 362880,
-                                        1. / 3628800, 1. / 39916800, 1. / 479001600};
+    static constexpr double series[] = {
+        1. / 2,         1. / 6,           1. / 24,          1. / 120,     1. / 720,
+        1. / 5040,      1. / 40320,       1. / 362880,      1. / 3628800, 1. / 39916800,
+        1. / 479001600, 1. / 6227020800., 1. / 87178291200.};
     const double factor = 1. + (r + (rLow + r * r * evaluate(series, r)));
     const int half = exponent / 2; // in two steps, for results that are denormal or nearly infinite
     return factor * getPower2(half) * getPower2(exponent - half);

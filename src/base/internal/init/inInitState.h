@@ -3,14 +3,14 @@
 /// @file
 /// Internal to the initialisation manager: its private state.
 
-#include <base/inInitMgr.h>
 #include <base/inPackageInit.h>
 #include <base/internal/init/inDependencyMatrix.h>
-#include <base/internal/init/inEnvSnapshot.h>
 #include <base/vector.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <ios>
+#include <iosfwd>
 #include <string>
 #include <typeindex>
 #include <unordered_map>
@@ -18,7 +18,7 @@
 namespace Kr
 {
 
-struct InInitMgr::State
+struct InInitState
 {
     struct PackageEntry
     {
@@ -53,10 +53,9 @@ struct InInitMgr::State
         std::size_t next = 0;
     };
 
-    State();
-    ~State();
-    State(const State&) = delete;
-    State& operator=(const State&) = delete;
+    InInitState();
+    InInitState(const InInitState&) = delete;
+    InInitState& operator=(const InInitState&) = delete;
 
     // An initialisation pass, and its steps in their order
     void initializeNewPackages();
@@ -81,7 +80,7 @@ struct InInitMgr::State
     bool isInitialized(const std::type_info& type) const;
 
     void reportPackagesToInit() const;
-    std::ostream& writeCycles(std::ostream& stream) const;
+    void writeCycles(std::ostream& stream) const;
 
     Entries _newPackages;
     Entries _packagesToInit;
@@ -101,7 +100,6 @@ struct InInitMgr::State
     // The first package registers before the objects of every source are built, on Windows even
     // those of the standard streams in this library.
     const std::ios_base::Init _streams;
-    const InEnvSnapshot _environment;
 };
 
 } // namespace Kr
