@@ -10,6 +10,8 @@ namespace Kr
 namespace
 {
 
+static_assert(std::size_t{ThreadName::size} == ThreadLabel::size);
+
 // Plain thread-locals, which can be looked at while the thread ends.
 thread_local char ownName[ThreadName::size] = "";
 thread_local std::shared_ptr<ThreadLabel>* ownLabel = nullptr;
