@@ -29,9 +29,8 @@ constexpr auto makeRows()
     return rows;
 }
 
-constexpr std::array<std::array<Row, 16>, 8> nibbleRows = {
-    makeRows<0, 4>(),  makeRows<4, 4>(),  makeRows<8, 4>(),  makeRows<12, 4>(),
-    makeRows<16, 4>(), makeRows<20, 4>(), makeRows<24, 4>(), makeRows<28, 4>()};
+constexpr std::array<std::array<Row, 256>, 4> byteRows = {makeRows<0, 8>(), makeRows<8, 8>(),
+                                                          makeRows<16, 8>(), makeRows<24, 8>()};
 
 constexpr unsigned int blockBits = 5;
 constexpr unsigned int blockLength = 1U << blockBits;
@@ -80,16 +79,16 @@ void fillColumnPart(const Block& column, std::uint32_t offset, unsigned int star
 
 Row getPoint(std::uint32_t index)
 {
-    Row point = nibbleRows[0][index & 15];
-    for (unsigned int nibble = 1; nibble < nibbleRows.size(); ++nibble)
-        point = combine(point, nibbleRows[nibble][index >> 4 * nibble & 15]);
-    return point;
+    return combine(combine(byteRows[0][index & 255], byteRows[1][index >> 8 & 255]),
+                   combine(byteRows[2][index >> 16 & 255], byteRows[3][index >> 24]));
 }
 
 template <class T>
-T getFraction(std::uint32_t bits)
+void getPoint(std::uint32_t index, T* point)
 {
-    return getScaled<T>(static_cast<std::int32_t>(bits));
+    const Row bits = getPoint(index);
+    for (unsigned int c = 0; c < bits.size(); ++c)
+        point[c] = getScaled<T>(static_cast<std::int32_t>(bits[c]));
 }
 
 template <class T>
@@ -111,7 +110,7 @@ void fill(std::uint32_t first, unsigned int count, T* const* array)
 
 template void fill(std::uint32_t, unsigned int, float* const*);
 template void fill(std::uint32_t, unsigned int, double* const*);
-template float getFraction(std::uint32_t);
-template double getFraction(std::uint32_t);
+template void getPoint(std::uint32_t, float*);
+template void getPoint(std::uint32_t, double*);
 
 } // namespace Kr::Niederreiter
