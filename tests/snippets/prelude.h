@@ -10,6 +10,15 @@
 #include <base/osMemoryArch.h>
 #include <base/profiler.h>
 #include <base/rational.h>
+#include <base/rnAsymmetricalSeparableBiRng.h>
+#include <base/rnDirectionMultiRng.h>
+#include <base/rnEx.h>
+#include <base/rnGaussianRng.h>
+#include <base/rnHaltonBiRng.h>
+#include <base/rnHistogramRng.h>
+#include <base/rnLecuyerUniformRng.h>
+#include <base/rnMexicanHatRng.h>
+#include <base/rnNiederreiterMultiRng.h>
 #include <base/trace.h>
 
 #include <cassert>
