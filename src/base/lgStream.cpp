@@ -44,7 +44,7 @@ char* setPoint(const char* begin, char* end)
 
 LgStream::LgStream(unsigned int ringSize)
     : _mask(ringSize - 1)
-    , _room(ringSize - 1)
+    , _room((ringSize - 1) / 2)
 {
     KR_ASSERT(ringSize >= 4 && (ringSize & (ringSize - 1)) == 0);
     _buffer.reset(new char[ringSize]);

@@ -2,7 +2,7 @@
 
 #include <base/internal/log/lgLogState.h>
 #include <base/internal/log/lgProducer.h>
-#include <base/internal/log/lgThread.h>
+#include <base/internal/log/lgThreadSlot.h>
 
 namespace Kr
 {
@@ -10,12 +10,12 @@ namespace Kr
 /// The way of nearly every statement: into the queue that its thread has already.
 void LgStatement::open(std::uint16_t group) noexcept
 {
-    const LgThread& thread = LgThread::get();
-    _isOrdinary = _level > LgTypes::FatalError &&
-                  thread.session == LgLogState::getSessionNumber() &&
-                  thread.queue->reserveOrdinary(_level, group);
+    const LgTarget* const target = LgThreadSlot::get();
+    _isOrdinary = _level > LgTypes::FatalError && target != nullptr &&
+                  target->session == LgLogState::getSessionNumber() &&
+                  target->queue->reserveOrdinary(_level, group);
     if (_isOrdinary)
-        _queue = thread.queue;
+        _queue = target->queue;
     else
         openUnusual(group);
 }

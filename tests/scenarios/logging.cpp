@@ -15,6 +15,7 @@
 #include <allocationCount.h>
 #include <logTestFiles.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <iostream>
@@ -196,6 +197,18 @@ void flood()
     std::printf("lost %lu\n", static_cast<unsigned long>(Kr::LgLog::getLostCount()));
 }
 
+/// The longest texts that are never cut in blocking mode, and in any mode one that always is.
+void longTexts()
+{
+    std::optional<Program> program(std::in_place);
+    const std::string text(16383, 't');
+    for (int i = 0; i < 60; ++i)
+        KR_LOG(program->group, Warning) << text.c_str();
+    KR_LOG(program->group, Error) << std::string(40000, 'x').c_str();
+    program.reset();
+    std::printf("%lu cut\n", static_cast<unsigned long>(Kr::LgLog::getCutCount()));
+}
+
 void routes()
 {
     const Program program;
@@ -242,7 +255,11 @@ void statements()
     {
         KR_LOG(group, Warning) << "caught";
     }
-    SCENARIO_CHECK(Kr::LgLog::getQueue()->getThreadId() == 0);
+    Kr::LgQueue* const queue = Kr::LgLog::getQueue();
+    SCENARIO_CHECK(queue->getThreadId() == 0 && queue->reserveEntry(Kr::LgTypes::Warning));
+    KR_LOG(group, Warning) << "beside";
+    queue->getStream() << "by hand";
+    queue->addEntry();
     std::thread([] { SCENARIO_CHECK(Kr::LgLog::getQueue()->getThreadId() != 0); }).join();
     Kr::LgLog::flush();
     program.reset();
@@ -257,7 +274,7 @@ void allocations()
     Kr::LgLog::flush();
     const int before = getAllocationCount();
     for (int i = 0; i < 3000; ++i)
-        KR_LOG(program.group, Warning) << "message " << i << " of " << 0.5;
+        KR_LOG(program.group, Warning) << "message " << i << " of " << 0.5 << 1e300 << 1.L;
     Kr::LgLog::flush();
     SCENARIO_CHECK(getAllocationCount() == before);
 }
@@ -389,6 +406,7 @@ constexpr Scenario::Case programs[] = {
     {"endAfterInternalInFullQueue", endAfterInternalInFullQueue},
     {"endInTheMiddle", endInTheMiddle},
     {"flood", flood},
+    {"longTexts", longTexts},
     {"routes", routes},
     {"statements", statements},
     {"allocations", allocations},
@@ -536,6 +554,13 @@ void blocking()
     const FloodCount count(folder / "events.log");
     SCENARIO_CHECK(count.messages == floodTotal && count.lost == 0 && count.others == 0);
     SCENARIO_CHECK(contains(readFile(folder / "out"), "lost 0"));
+
+    const LogFolder longFolder;
+    SCENARIO_CHECK(start(longFolder, "longTexts") == 0);
+    const std::vector<std::string> texts = textsIn(longFolder / "events.log");
+    SCENARIO_CHECK(texts.size() == 61 && texts.back() == "#");
+    SCENARIO_CHECK(std::count(texts.begin(), texts.end(), std::string(16383, 't')) == 60);
+    SCENARIO_CHECK(readFile(longFolder / "out").substr(0, 5) == "1 cut");
 }
 
 /// Two processes write at once, rotating each other's files, and no line is lost or cut.
@@ -618,10 +643,11 @@ void statementForm()
 {
     const LogFolder folder;
     SCENARIO_CHECK(start(folder, "statements") == 0);
-    SCENARIO_CHECK(joined(textsIn(folder / "events.log")) == "outer 1 done|inner|cut|caught|");
+    SCENARIO_CHECK(joined(textsIn(folder / "events.log")) ==
+                   "outer 1 done|inner|cut|caught|by hand|beside|");
     SCENARIO_CHECK(start(folder, "reentry") == 0);
     SCENARIO_CHECK(joined(textsIn(folder / "events.log")) ==
-                   "outer 1 done|inner|cut|caught|first|second|");
+                   "outer 1 done|inner|cut|caught|by hand|beside|first|second|");
     set("KR_LOG_WARNING", "none"); // what writing to a file allocates is the system's
     set("KR_LOG_INFORMATIONAL", "none");
     SCENARIO_CHECK(start(folder, "allocations") == 0);

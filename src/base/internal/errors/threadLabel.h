@@ -4,8 +4,6 @@
 /// Internal to the library: the name of a thread as other threads see it, also when the thread has
 /// ended.
 
-#include <base/threadName.h>
-
 #include <atomic>
 #include <memory>
 #include <mutex>
@@ -29,7 +27,7 @@ public:
 private:
     mutable std::mutex _mutex;
     std::atomic<bool> _isNamed{false};
-    char _name[ThreadName::size] = "";
+    char _name[32] = "";
 };
 
 } // namespace Kr

@@ -3,7 +3,7 @@
 #include <base/internal/errors/threadLabel.h>
 #include <base/internal/log/lgLogState.h>
 #include <base/internal/log/lgProcess.h>
-#include <base/internal/log/lgThread.h>
+#include <base/internal/log/lgThreadSlot.h>
 
 #include <atomic>
 #include <new>
@@ -180,7 +180,7 @@ void LgProducer::endIfDone() noexcept
 void LgProducer::leave() noexcept
 {
     LgThread::get().queue = nullptr;
-    LgThread::get().session = LgThread::noSession;
+    LgThreadSlot::set(nullptr);
     for (const std::shared_ptr<LgQueue>& queue : _queues)
         if (queue != nullptr)
             queue->creatorExit();
@@ -212,10 +212,10 @@ LgQueue* LgProducer::getQueue(std::size_t depth) noexcept
 /// is for one message.
 void LgProducer::showQueue() noexcept
 {
-    LgThread& thread = LgThread::get();
-    thread.queue = _queues[0].get();
-    if (thread.queue != nullptr && !_isForOneMessage)
-        thread.session = _sessionNumber;
+    _target = {_queues[0].get(), _sessionNumber};
+    LgThread::get().queue = _target.queue;
+    if (_target.queue != nullptr && !_isForOneMessage)
+        LgThreadSlot::set(&_target);
 }
 
 /// The first one into which no message is being written.

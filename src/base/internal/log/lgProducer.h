@@ -5,6 +5,7 @@
 /// logs; from then on nothing is locked or allocated.
 
 #include <base/internal/log/lgSpanRing.h>
+#include <base/internal/log/lgThread.h>
 #include <base/lgQueue.h>
 #include <base/lgTypes.h>
 
@@ -60,6 +61,7 @@ private:
     std::uint32_t _sessionNumber;
     unsigned long _thread; // the number under which its records appear
     Queues _queues;
+    LgTarget _target;
     Queues _formerQueues; // of the session that was left: a message may be on its way there
     std::shared_ptr<LgSpanRing> _ring;
 };

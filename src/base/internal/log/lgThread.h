@@ -12,21 +12,25 @@
 namespace Kr
 {
 
+/// Where a thread's statements go that nothing keeps from going there.
+struct LgTarget
+{
+    LgQueue* queue = nullptr;
+    std::uint32_t session = 0; ///< the number of the session that the queue belongs to
+};
+
 struct LgThread
 {
     class OutputGuard;
 
-    LgQueue* queue = nullptr;          ///< into which it logs; null if it has none yet
-    std::uint32_t session = noSession; ///< the number of the session that the queue belongs to
-    bool isInOutput = false;           ///< whether it is draining, so that it must not log
+    LgQueue* queue = nullptr; ///< into which it logs; null if it has none yet
+    bool isInOutput = false;  ///< whether it is draining, so that it must not log
 
     static LgThread& get() noexcept
     {
         static thread_local LgThread thread;
         return thread;
     }
-
-    static constexpr std::uint32_t noSession = ~std::uint32_t{0};
 };
 
 /// Keeps the output path from logging into what it drains.
