@@ -380,6 +380,11 @@ void listSettings()
     Kr::InVariableBase::dumpAll(std::cout);
 }
 
+void silent()
+{
+    const Program program;
+}
+
 void spansCutShort()
 {
     const Kr::LgMinorGroup& group = openProgram();
@@ -408,6 +413,7 @@ constexpr Scenario::Case programs[] = {
     {"reentry", reentry},
     {"spans", spans},
     {"spansCutShort", spansCutShort},
+    {"silent", silent},
     {"comforts", comforts},
     {"listSettings", listSettings},
 };
@@ -682,9 +688,17 @@ void timeline()
                             contains(text, "\"cat\":\"Warning\",\"name\":\"in between\"")
                         ? 1
                         : 0;
-        cutShort += LogTest::JsonCheck::isValue(text + "]") && contains(text, "the end") ? 1 : 0;
+        cutShort += LogTest::JsonCheck::isValue(text) && contains(text, "the end") ? 1 : 0;
+        SCENARIO_CHECK(contains(text, "\"process_name\"") && contains(text, "\"cat\":\"span\"") &&
+                       contains(text, "\"cat\":\"clock\",\"name\":\"20"));
     }
     SCENARIO_CHECK(complete == 1 && cutShort == 1);
+    // A program without an event leaves the timeline of an earlier one alone.
+    set("KR_LOG_TIMELINE", "earlier.json");
+    SCENARIO_CHECK(start(folder, "spans") == 0);
+    const std::string before = readFile(folder / "earlier.json");
+    SCENARIO_CHECK(start(folder, "silent") == 0);
+    SCENARIO_CHECK(!before.empty() && readFile(folder / "earlier.json") == before);
 }
 
 } // namespace
