@@ -8,11 +8,11 @@
 /// std::ifstream("scene.bin", std::ios::binary).read(reinterpret_cast<char*>(&size), sizeof size);
 /// size = Kr::OsEndian::invertIf(!Kr::OsEndian::isBigEndian(), size);
 /// @endcode
-/// Pitfall: a float or double with its bytes reversed is a pattern of bits, no number. Copying one as
-/// a number alters some patterns on 32-bit Intel processors (signalling NaNs become quiet ones), and
-/// a program compiled there without optimisation copies even the result of `invert` that way. Where
-/// such patterns matter use `invertInPlace`, which never takes the bytes for a number; `invert` and
-/// `invertIf` copy integers only, and are always inlined.
+/// Pitfall: a float or double with its bytes reversed is a pattern of bits, no number. Copying one
+/// as a number alters some patterns on 32-bit Intel processors (signalling NaNs become quiet ones),
+/// and a program compiled there without optimisation copies even the result of `invert` that way.
+/// Where such patterns matter use `invertInPlace`, which never takes the bytes for a number;
+/// `invert` and `invertIf` copy integers only, and are always inlined.
 
 #include <base/krBaseApi.h>
 

@@ -1,5 +1,5 @@
-// One number of all that the headers compile into a program: the same on every machine, whatever the program
-// was compiled with.
+// One number of all that the headers compile into a program: the same on every machine, whatever
+// the program was compiled with.
 
 #include <base/dtTimeChrono.h>
 #include <base/dtTimeIndexInterval.h>
@@ -142,7 +142,8 @@ void addNumeric(Digest& digest)
 
 void addTimes(Digest& digest)
 {
-    const Kr::Rational rate(static_cast<int>(getBits() % 90000) + 1, static_cast<int>(getBits() % 1001) + 1);
+    const Kr::Rational rate(static_cast<int>(getBits() % 90000) + 1,
+                            static_cast<int>(getBits() % 1001) + 1);
     const Kr::DtTime time(static_cast<long long>(getBits()) >> (getBits() % 50), rate);
     digest.add(rate.getDouble());
     digest.add(rate.getFloat());
