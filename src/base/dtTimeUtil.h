@@ -11,7 +11,7 @@
 /// Pitfall: seconds in floating point are rounded, so a time that makes the way to seconds and back
 /// can lose a tick to the truncation. Give `std::round_to_nearest` on the way back:
 /// @code
-/// const Kr::DtTime frame(7, 30000, 1001);
+/// const Kr::DtTime frame(7, 24, 1); // would come back as 6
 /// const Kr::DtTime same = Kr::DtTimeUtil::getDtTimeFromSeconds(
 ///     frame.getRate(), Kr::DtTimeUtil::getSecondsDouble(frame), std::round_to_nearest);
 /// @endcode
@@ -41,7 +41,7 @@ public:
     /// zero unless another is given. What does not fit in 64 bits gives the least count.
     ///
     /// `std::round_to_nearest` brings back the count that `getSecondsDouble` was made from, up to
-    /// 2^50; truncation loses a tick of some: 3 of 1000 at 30000/1001.
+    /// 2^50; truncation loses a tick of 162 of the first 1000 at 24/1.
     /// @throws DtEx::BadRate if the rate is zero
     static DtTime getDtTimeFromSeconds(const Rational& rate, double seconds,
                                        std::float_round_style style = std::round_toward_zero);
