@@ -8,11 +8,11 @@
 /// std::ifstream("scene.bin", std::ios::binary).read(reinterpret_cast<char*>(&size), sizeof size);
 /// size = Kr::OsEndian::invertIf(!Kr::OsEndian::isBigEndian(), size);
 /// @endcode
-/// Pitfall: a float or double with its bytes reversed is a pattern of bits, no number. Copying one
-/// as a number alters some patterns on 32-bit Intel processors (signalling NaNs become quiet ones),
-/// and a program compiled there without optimisation copies even the result of `invert` that way.
-/// Where such patterns matter use `invertInPlace`, which never takes the bytes for a number;
-/// `invert` and `invertIf` copy integers only, and are always inlined.
+/// Pitfall: a float or double with its bytes reversed is a pattern of bits, no number. Copying one as
+/// a number alters some patterns on 32-bit Intel processors (signalling NaNs become quiet ones), and
+/// a compiler there may copy any variable of such a type that way, whatever is done here: `invert`
+/// and `invertIf` themselves copy integers only, and are always inlined. Where such patterns can
+/// occur, read the bytes into an integer of the same size and reverse that.
 
 #include <base/krBaseApi.h>
 
@@ -32,10 +32,6 @@ public:
     /// The same if the condition holds, else the value.
     template <class T>
     [[gnu::always_inline]] static T invertIf(bool condition, const T& value) noexcept;
-
-    /// Reverses the bytes where they are. Every bit is kept, whatever it is compiled with.
-    template <class T>
-    static void invertInPlace(T& value) noexcept;
 
     /// Whether this machine keeps the highest byte of an integer first.
     static bool isBigEndian() noexcept;
