@@ -4,6 +4,7 @@
 
 #include <base/dtRefTime.h>
 #include <base/dtTimeCode.h>
+#include <base/exSysError.h>
 #include <base/inInitGuard.h>
 #include <base/inOptionParser.h>
 #include <base/lgTypes.h>
