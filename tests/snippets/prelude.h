@@ -4,9 +4,17 @@
 
 #include <base/dtRefTime.h>
 #include <base/dtTimeCode.h>
+#include <base/exSysError.h>
 #include <base/inInitGuard.h>
 #include <base/inOptionParser.h>
 #include <base/lgTypes.h>
+#include <base/osDateUtil.h>
+#include <base/osDir.h>
+#include <base/osDirWalker.h>
+#include <base/osFile.h>
+#include <base/osFileEx.h>
+#include <base/osFileReader.h>
+#include <base/osFileWriter.h>
 #include <base/osMemoryArch.h>
 #include <base/profiler.h>
 #include <base/rational.h>
