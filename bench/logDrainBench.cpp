@@ -3,6 +3,9 @@
 // made, outside the timing.
 
 #include <base/hwCounter.h>
+#include <base/internal/log/lgColumnFormat.h>
+#include <base/internal/log/lgJsonFormat.h>
+#include <base/internal/log/lgOutputs.h>
 #include <base/internal/log/lgReader.h>
 #include <base/internal/log/lgRegistry.h>
 #include <base/lgQueue.h>
@@ -53,20 +56,21 @@ void fill(Kr::LgQueue& queue)
     }
 }
 
-/// @param isJson the form of the lines
-void drainToFile(benchmark::State& state, bool isJson)
+template <class Format>
+void drain(benchmark::State& state)
 {
     const TemporaryFile file;
     Kr::LgFileSettings settings;
     settings.path = file.path;
     const Kr::LgClock clock;
-    Kr::LgLineFormat format(clock, isJson, true);
-    Kr::LgRegistry registry;
-    Kr::LgReader reader(registry);
+    Format format(clock, true);
+    Kr::LgRegistry queues;
+    Kr::LgOutputs outputs;
+    Kr::LgReader reader(queues, outputs);
     const auto queue = std::make_shared<Kr::LgQueue>(1);
-    registry.addQueue(queue);
-    registry.setOutput(Kr::LgTypes::Warning, std::make_shared<Kr::LgOutput>(
-                                                 Kr::LgFile::create(settings), "file", format));
+    queues.addQueue(queue);
+    outputs.setOutput(Kr::LgTypes::Warning,
+                      std::make_shared<Kr::LgOutput>(Kr::LgFile::create(settings), "file", format));
     for (auto _ : state)
     {
         state.PauseTiming();
@@ -74,19 +78,9 @@ void drainToFile(benchmark::State& state, bool isJson)
         state.ResumeTiming();
         if (reader.flushAll() != messages)
             state.SkipWithError("messages are missing");
-        registry.flushOutputs(true);
+        outputs.flush(true);
     }
     state.SetItemsProcessed(state.iterations() * messages);
-}
-
-void drain(benchmark::State& state)
-{
-    drainToFile(state, false);
-}
-
-void drainJson(benchmark::State& state)
-{
-    drainToFile(state, true);
 }
 
 /// What the worker thread of the peer does with each message that it takes from its queue.
@@ -132,8 +126,8 @@ void disabledStatement(benchmark::State& state)
     Kr::LgMajorGroup::finalize();
 }
 
-BENCHMARK(drain);
-BENCHMARK(drainJson);
+BENCHMARK_TEMPLATE(drain, Kr::LgColumnFormat)->Name("drain");
+BENCHMARK_TEMPLATE(drain, Kr::LgJsonFormat)->Name("drainJson");
 BENCHMARK(spdlogSink);
 BENCHMARK(emptyLoop);
 BENCHMARK(disabledStatement);

@@ -144,7 +144,7 @@ void checkCommandLine(const std::string& input)
     }
     checkRemaining();
     std::ostringstream report;
-    Kr::InVariableBase::dumpAll(report);
+    Kr::InSettings::dumpAll(report);
 }
 
 } // namespace

@@ -32,15 +32,22 @@ std::string listing()
     return os.str();
 }
 
-/// What the action writes on standard output.
+/// What the action writes to the stream.
 template <class Action>
-std::string outputOf(Action action)
+std::string outputOf(std::ostream& stream, Action action)
 {
     std::ostringstream os;
-    std::streambuf* const previous = std::cout.rdbuf(os.rdbuf());
+    std::streambuf* const previous = stream.rdbuf(os.rdbuf());
     action();
-    std::cout.rdbuf(previous);
+    stream.rdbuf(previous);
     return os.str();
+}
+
+std::string complaint(const std::string& variable, const std::string& text)
+{
+    return variable + ": '" + text +
+           "' names no level; the levels are Internal Error, Fatal Error, Error, Warning, "
+           "Informational, Tracing, Profiling\n";
 }
 
 class LogGroups : public testing::Test
@@ -114,13 +121,17 @@ TEST_F(LogGroups, SettingsApplyInTurn)
     };
     for (const auto& c : cases)
     {
-        EXPECT_EQ(c.output, outputOf([&] { LgMajorGroup::initialize(c.settings); })) << c.settings;
+        EXPECT_EQ(c.output, outputOf(std::cout, [&] { LgMajorGroup::initialize(c.settings); }))
+            << c.settings;
         EXPECT_EQ(c.ui, levelsOf("UI")) << c.settings;
         LgMajorGroup::finalize();
     }
 
     open(nullptr);
-    outputOf([] { LgMajorGroup::parse("UI=Verbose,Database=Error"); });
+    const std::string errors = outputOf(std::cerr, [] {
+        outputOf(std::cout, [] { LgMajorGroup::parse("UI=Verbose,Database=Error"); });
+    });
+    EXPECT_EQ(complaint("KR_LOG_GROUPS", "UI=Verbose"), errors);
     EXPECT_EQ("Major Groups:\n" + std::string(16, ' ') + "Database Tracing\n", listing());
 }
 
@@ -160,15 +171,18 @@ TEST_F(LogGroups, EnvironmentSetsTheDefaultFirst)
     {
         const char* level;
         unsigned int ui, radiosity;
-    } cases[] = {{"Tracing", 0xFC, 0xFE},
-                 {"Internal Error", 0xC0, 0xC2},
-                 {"tracing", 0xF0, 0xF2},
-                 {"", 0xF0, 0xF2}};
+        std::string complaint;
+    } cases[] = {{"Tracing", 0xFC, 0xFE, ""},
+                 {"Internal Error", 0xC0, 0xC2, ""},
+                 {"tracing", 0xF0, 0xF2, complaint("KR_LOG_DEFAULT_LEVEL", "tracing")},
+                 {"", 0xF0, 0xF2, ""}};
     Kr::OsEnv::putVariable("KR_LOG_GROUPS=Radiosity=Profiling");
     for (const auto& c : cases)
     {
         Kr::OsEnv::putVariable(("KR_LOG_DEFAULT_LEVEL=" + std::string(c.level)).c_str());
-        LgMajorGroup::initializeFromEnvironment();
+        const std::string errors =
+            outputOf(std::cerr, [] { LgMajorGroup::initializeFromEnvironment(); });
+        EXPECT_EQ(errors, c.complaint);
         EXPECT_EQ(c.ui, levelsOf("UI")) << c.level;
         EXPECT_EQ(c.radiosity, levelsOf("Radiosity")) << c.level;
         LgMajorGroup::finalize();

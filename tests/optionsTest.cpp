@@ -9,8 +9,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <cstring>
+#include <iomanip>
 #include <limits>
+#include <memory>
 #include <sstream>
 #include <string>
 #include <typeinfo>
@@ -98,7 +101,7 @@ TEST(OptionParser, WalksTheCommandLine)
 
 TEST(OptionParser, TakesFurtherValues)
 {
-    Arguments arguments({"-b", "first", "-a", "-a"});
+    Arguments arguments({"-b", "first", "-a", "-a", "-bfirst", "second"});
     Kr::InOptionParser parser(arguments.count(), arguments.vector(), "ab:");
     EXPECT_EQ(nullptr, parser.gotoNextValue());
     EXPECT_EQ(0, parser.getArgumentIndex());
@@ -107,16 +110,12 @@ TEST(OptionParser, TakesFurtherValues)
     EXPECT_STREQ("-a", parser.gotoNextValue());
     EXPECT_EQ('a', parser.getOption());
     EXPECT_EQ(4, parser.getArgumentIndex());
+    EXPECT_EQ('b', parser.getOption());
+    EXPECT_STREQ("second", parser.gotoNextValue());
+    EXPECT_EQ(nullptr, parser.gotoNextValue());
+    EXPECT_EQ(nullptr, parser.getValue());
+    EXPECT_EQ(6, parser.getArgumentIndex());
     EXPECT_EQ(-1, parser.getOption());
-
-    Arguments two({"-bfirst", "second"});
-    Kr::InOptionParser values(two.count(), two.vector(), "b:");
-    EXPECT_EQ('b', values.getOption());
-    EXPECT_STREQ("second", values.gotoNextValue());
-    EXPECT_EQ(nullptr, values.gotoNextValue());
-    EXPECT_EQ(nullptr, values.getValue());
-    EXPECT_EQ(2, values.getArgumentIndex());
-    EXPECT_EQ(-1, values.getOption());
 }
 
 #ifdef NDEBUG
@@ -214,6 +213,7 @@ TEST(Singleton, IsOneForAllLibraries)
 {
     auto* service = new Other::Service;
     Kr::InSingleton<Other::Service>::initialize(service);
+    EXPECT_EQ(service, &Other::Service::getInstance());
     EXPECT_EQ(service, Other::getServiceInLibrary());
     Kr::InSingleton<Other::Service>::destroy();
     EXPECT_THROW(Other::getServiceInLibrary(), Kr::InSingletonEx);
@@ -286,9 +286,9 @@ TEST(EnvVar, ConvertsNumbers)
     Kr::EnvVar::putEnv("KR_TEST_NUMBER=12.5");
     EXPECT_EQ(12, Kr::EnvIntVar("KR_TEST_NUMBER", 5).getValue());
     number.refresh();
-    std::ostringstream stream;
-    stream << std::left << number << std::hex << ' ';
-    EXPECT_EQ("name            KR_TEST_NUMBER value 12.5 default 2.5 ", stream.str());
+    std::ostringstream stream; // whose format settings play no part
+    stream << std::left << std::scientific << std::setfill('*') << std::setw(99) << number;
+    EXPECT_EQ("name            KR_TEST_NUMBER value 12.5 default 2.5", stream.str());
     Kr::EnvVar::putEnv("KR_TEST_NUMBER=");
 }
 
@@ -305,6 +305,24 @@ TEST(EnvVar, IsListedWhileItLives)
         EXPECT_THROW(Kr::EnvVar(nullptr, "x"), Kr::ExInternalError);
     }
     EXPECT_EQ(before, listed(Kr::EnvVar::getRegistry()));
+}
+
+/// Built with the program, before any variable, and filled late: destroyed after everything that
+/// the program has built in between.
+struct LateOwner
+{
+    ~LateOwner()
+    {
+        if (variable != nullptr &&
+            Kr::EnvVar::getRegistry().getVariables().back() != variable.get())
+            std::abort();
+    }
+    std::unique_ptr<Kr::EnvVar> variable;
+} lateOwner;
+
+TEST(EnvVar, MayBeTheLastToGo)
+{
+    lateOwner.variable = std::make_unique<Kr::EnvVar>("KR_TEST_LATE", nullptr);
 }
 
 TEST(OsEnv, SetsFindsAndRemoves)

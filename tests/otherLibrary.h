@@ -16,9 +16,19 @@ public:
     ExOther(const char* file, int line);
 };
 
-class Service
+class OTHER_LIBRARY_EXPORT Service;
+
+} // namespace Other
+
+extern template class OTHER_LIBRARY_EXPORT Kr::InSingleton<Other::Service>;
+
+namespace Other
+{
+
+class OTHER_LIBRARY_EXPORT Service
 {
 public:
+    static Service& getInstance() { return *Kr::InSingleton<Service>::getInstance(); }
     virtual ~Service() = default;
 };
 
@@ -26,5 +36,3 @@ OTHER_LIBRARY_EXPORT void raiseOther();
 OTHER_LIBRARY_EXPORT Service* getServiceInLibrary();
 
 } // namespace Other
-
-extern template class OTHER_LIBRARY_EXPORT Kr::InSingleton<Other::Service>;

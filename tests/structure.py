@@ -10,7 +10,7 @@ import sys
 
 FAMILY = re.compile(r"kr_family\((\w+)(?: USES ([\w ]+?))? SOURCES\s([^)]*)\)")
 INCLUDE = re.compile(r'^#include [<"]((?:base|platform)/[^>"]+)[>"]', re.MULTILINE)
-ROW = re.compile(r"^\| `(\w+)` \|[^|]*\|[^|]*\| ([^|]*) \|", re.MULTILINE)
+ROW = re.compile(r"^\| `(\w+)` \|[^|]*\|[^|]*\|([^|]*)\|", re.MULTILINE)
 
 
 def read_families(tree):

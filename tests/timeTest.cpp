@@ -270,7 +270,7 @@ TEST(DtTimeIndex, ConvertCheckedTellsExactnessAndRefusesOverflow)
                           index.convertChecked(one, {2, 1});
                       },
                       "src/base/dtTimeIndex"));
-    EXPECT_THROW(DtTimeIndex(least64).convertChecked(one, {-1, 1}), std::overflow_error);
+    EXPECT_THROW(DtTimeIndex(least64).convertChecked(one, {-1, 1}), std::logic_error);
     EXPECT_THROW(DtTimeIndex(greatest64).convertChecked(one, one, std::round_to_nearest),
                  DtEx::CountOverflow); // rounds up to 2^63
 }

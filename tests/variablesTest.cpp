@@ -14,7 +14,7 @@
 
 #include <cmath>
 #include <cstring>
-#include <memory>
+#include <iomanip>
 #include <sstream>
 #include <utility>
 
@@ -39,6 +39,7 @@ std::vector<std::string> remainingWords()
 
 // --- forms --------------------------------------------------------------------------------------
 
+/// Parsed to the value, which is written so that it is parsed to the same one.
 template <class T>
 void expectParsed(const Kr::InValueForm<T>& form,
                   const std::vector<std::pair<std::string, T>>& table)
@@ -46,8 +47,11 @@ void expectParsed(const Kr::InValueForm<T>& form,
     for (const auto& [text, expected] : table)
     {
         T value{};
+        T back{};
         EXPECT_TRUE(form.parse(text, value)) << text;
         EXPECT_EQ(value, expected) << text;
+        EXPECT_TRUE(form.parse(form.write(value), back)) << text;
+        EXPECT_EQ(back, expected) << text;
     }
 }
 
@@ -71,6 +75,9 @@ TEST(ValueForm, Parses)
 {
     expectParsed<bool>({}, {{"true", true}, {"YES", true}, {"On", true}, {"1", true}});
     expectParsed<bool>({}, {{"false", false}, {"no", false}, {"OFF", false}, {"0", false}});
+    expectParsed<signed char>({}, {{"-128", -128}});
+    expectParsed<unsigned long>({}, {{"4294967295", 4294967295ul}});
+    expectParsed<float>({}, {{"0.1", 0.1f}, {"1e-99", 0.f}});
     expectParsed<std::int32_t>({}, {{"0", 0}, {"-0", 0}, {"007", 7}, {"2147483647", 2147483647}});
     expectParsed<std::int32_t>({}, {{"-2147483648", -2147483647 - 1}});
     expectParsed<std::int32_t>({1, 64}, {{"1", 1}, {"64", 64}});
@@ -79,6 +86,7 @@ TEST(ValueForm, Parses)
     expectParsed<std::uint64_t>({}, {{"18446744073709551615", highest<std::uint64_t>}});
     expectParsed<double>({}, {{"0.1", 0.1}, {"-1e3", -1000.}, {".5", .5}, {"5.", 5.}});
     expectParsed<double>({}, {{"1.7976931348623157e308", highest<double>}, {"5e-324", 5e-324}});
+    expectParsed<double>({-1., HUGE_VAL}, {{"1e-400", 0.}, {"-0.01e-400", 0.}});
     expectParsed<double>({0., HUGE_VAL}, {{"inf", HUGE_VAL}});
     expectParsed<std::string>({}, {{"", ""}, {" two words ", " two words "}});
     expectParsed<Shading>(shadingForm, {{"smooth", Shading::Smooth}, {"gouraud", Shading::Smooth}});
@@ -90,37 +98,23 @@ TEST(ValueForm, RefusesRubbishAndLeavesTheValue)
     expectMalformed<std::int32_t>({}, {"2147483648", "-2147483649", "", "-", "+1", " 1", "1 ",
                                        "1.0", "0x10", "1" + nul, std::string(1 << 20, '9')});
     expectMalformed<std::int32_t>({1, 64}, {"0", "65"});
+    expectMalformed<unsigned short>({}, {"65536"});
+    expectMalformed<float>({}, {"1e39", "1e-99x"});
     expectMalformed<std::uint32_t>({}, {"4294967296", "-1", "-0"});
     expectMalformed<std::int64_t>({}, {"9223372036854775808"});
     expectMalformed<std::uint64_t>({}, {"18446744073709551616"});
     expectMalformed<double>(
         {}, {"1.8e308", "inf", "-infinity", "nan", "", "e5", "1e", "1,5", "+1", "0x1p3", "1.5f"});
-    expectMalformed<double>({0., HUGE_VAL}, {"-1", "nan"});
+    expectMalformed<double>({0., HUGE_VAL}, {"-1", "nan", "1e400"});
     expectMalformed<Shading>(shadingForm, {"Smooth", "", "2", "#2"});
 }
 
-template <class T>
-void expectWritten(const Kr::InValueForm<T>& form, T value, const std::string& text)
-{
-    EXPECT_EQ(form.write(value), text);
-    T back{};
-    EXPECT_TRUE(form.parse(text, back)) << text;
-    EXPECT_EQ(back, value) << text;
-}
-
-TEST(ValueForm, WritesWhatItParses)
-{
-    expectWritten<bool>({}, true, "true");
-    expectWritten<std::uint64_t>({}, highest<std::uint64_t>, "18446744073709551615");
-    expectWritten<double>({}, 0.1, "0.1");
-    expectWritten<double>({}, 4.9406564584124654e-324, "5e-324");
-    expectWritten<double>({0., HUGE_VAL}, HUGE_VAL, "inf");
-    expectWritten<Shading>(shadingForm, Shading::Smooth, "smooth");
-}
-
-TEST(ValueForm, SaysWhatItExpects)
+TEST(ValueForm, SaysWhatItExpectsAndWritesTheShortestText)
 {
     using Number = Kr::InValueForm<double>;
+    EXPECT_EQ(Number().write(0.1), "0.1");
+    EXPECT_EQ(Number().write(4.9406564584124654e-324), "5e-324");
+    EXPECT_EQ(shadingForm.write(Shading::Smooth), "smooth");
     EXPECT_EQ(Kr::InValueForm<std::uint32_t>().getExpected(), "an integer from 0 to 4294967295");
     EXPECT_EQ(Number(.5, highest<double>).getExpected(), "a number of at least 0.5");
     EXPECT_EQ(Number(-highest<double>, 2.).getExpected(), "a number of at most 2");
@@ -185,39 +179,13 @@ TEST(CommandLine, GivesValuesAndLeavesTheOtherWords)
         SCOPED_TRACE(testing::PrintToString(row.words));
         Settings settings;
         const CommandLine commandLine(row.words);
+        std::strcpy(Kr::InContextAliasMgrBase::args()[0], "--rays"); // the name is no option
         settings.package.start();
         EXPECT_EQ(settings.toString(), row.values);
-        Words expected{"program"};
+        Words expected{"--rays"};
         expected.insert(expected.end(), row.remaining.begin(), row.remaining.end());
         EXPECT_EQ(remainingWords(), expected);
     }
-}
-
-TEST(CommandLine, ProgramNameIsNoOption)
-{
-    Settings settings;
-    const CommandLine commandLine({"--samples=8"});
-    std::strcpy(Kr::InContextAliasMgrBase::args()[0], "--rays"); // as long as its copy allows
-    settings.package.start();
-    EXPECT_EQ(settings.samples.getValue(), 8);
-    EXPECT_EQ(remainingWords(), Words{"--rays"});
-}
-
-TEST(CommandLine, TakesWordsThatAreAppendedLater)
-{
-    Package package;
-    const Kr::InVariable<std::int32_t> first(package, "t.first", 0, "");
-    const CommandLine commandLine({"--t.first=1", "--t.second=2"});
-    package.start();
-    EXPECT_EQ(remainingWords(), (Words{"program", "--t.second=2"}));
-
-    // A library that is loaded later, and a second command line.
-    Package later;
-    const Kr::InVariable<std::int32_t> second(later, "t.second", 0, "");
-    CommandLine::append("--t.second=3");
-    later.start();
-    EXPECT_EQ(second.getValue(), 3);
-    EXPECT_EQ(remainingWords(), Words{"program"});
 }
 
 TEST(CommandLine, RubbishIsAnError)
@@ -260,28 +228,65 @@ TEST(CommandLine, RubbishIsAnError)
     }
 }
 
+/// What the help of a program with these words begins with; empty when it is not asked for.
+std::string answerTo(std::vector<const char*> words)
+{
+    words.insert(words.begin(), "folder/viewer");
+    std::ostringstream text;
+    const int count = static_cast<int>(words.size());
+    const bool isAnswered = Kr::InSettings::answerHelp(count, words.data(), text);
+    EXPECT_EQ(isAnswered, !text.str().empty());
+    return text.str().substr(0, text.str().find('\n'));
+}
+
 TEST(CommandLine, HelpCanBeAskedFor)
 {
-    EXPECT_FALSE(Kr::InVariableBase::isHelpRequested());
-    {
-        const CommandLine commandLine({"x", "--help"});
-        EXPECT_TRUE(Kr::InVariableBase::isHelpRequested());
-    }
-    const CommandLine commandLine({"--helpless", "--", "--help"});
-    EXPECT_FALSE(Kr::InVariableBase::isHelpRequested());
+    EXPECT_EQ(answerTo({"x", "--help"}), "Usage: viewer [OPTION]... [WORD]...");
+    EXPECT_EQ(answerTo({"--helpless", "--", "--help"}), "");
+    EXPECT_FALSE(Kr::InSettings::isHelpRequested());
+    const CommandLine commandLine({"x", "--help"});
+    EXPECT_TRUE(Kr::InSettings::isHelpRequested());
+}
+
+/// The reason why a program with this word is refused.
+std::string refusalOf(const char* word)
+{
+    const char* const words[] = {"--program", "-x", "x", word, "--", "--unknown"};
+    return reasonOf<Kr::InVariableEx::ExUnknownOption>(
+        [&] { Kr::InSettings::refuseUnknownOptions(6, words); });
+}
+
+TEST(CommandLine, UnknownOptionsCanBeErrors)
+{
+    const Settings settings;
+    const Kr::InContextAlias ownerless("t.nobody", "--nobody");
+    for (const char* known : {"--help", "--samples", "--rays=many", "--t.samples=8", "--vsync=off",
+                              "--no-vsync", "--no-t.vsync", "--t.title"})
+        EXPECT_EQ(refusalOf(known), "nothing raised") << known;
+    EXPECT_EQ(refusalOf("--smaples=8"), "Unknown option '--smaples': did you mean '--samples'?");
+    EXPECT_EQ(refusalOf("--no-vsnc"), "Unknown option '--no-vsnc': did you mean '--no-vsync'?");
+    EXPECT_EQ(refusalOf("--no-rays"), "Unknown option '--no-rays': did you mean '--rays'?");
+    for (const char* unknown : {"--nobody", "--verbose"})
+        EXPECT_EQ(refusalOf(unknown), std::string("Unknown option '") + unknown + "'.");
+    EXPECT_EQ(refusalOf(std::string(1 << 20, '-').c_str()),
+              "Unknown option '" + std::string(256, '-') + "'.");
+}
+
+/// What a report writes, whatever the format settings of its stream.
+std::string reportOf(void (*report)(std::ostream&))
+{
+    std::ostringstream text;
+    text << std::hex << std::boolalpha << std::setfill('*') << std::setw(99);
+    report(text);
+    return text.str();
+}
+
+void printHelp(std::ostream& os)
+{
+    Kr::InSettings::printHelp(os, "C:\\folder\\viewer.exe");
 }
 
 // --- access, overrides, names -------------------------------------------------------------------
-
-TEST(Variable, TellsItsSourceWhileItsPackageIsUp)
-{
-    Settings settings;
-    EXPECT_THROW(settings.samples.getSource(), Kr::InEx::ExUninitializedObject);
-    settings.package.start();
-    EXPECT_EQ(settings.samples.getSource(), Kr::InNamedVariable::Source::Default);
-    settings.samples.finalize();
-    EXPECT_THROW(settings.samples.getSource(), Kr::InEx::ExUninitializedObject);
-}
 
 TEST(Variable, ThatHasNoValidDefaultMustBeGiven)
 {
@@ -292,53 +297,55 @@ TEST(Variable, ThatHasNoValidDefaultMustBeGiven)
     package.start();
     EXPECT_EQ(seed.getValue(), 7u);
     EXPECT_THROW(shading.getValue(), Kr::InEx::ExInvalidObject);
+    EXPECT_EQ(reportOf(&Kr::InSettings::dumpAll),
+              "t.seed = '7', from option --t.seed\n"
+              "    not the default: '0', expected an integer from 1 to 9\n"
+              "t.shading: invalid\n"
+              "    not the default: '#2', expected one of flat, smooth, gouraud\n");
+    EXPECT_NE(reportOf(printHelp).find("--t.seed=VALUE                  required  "),
+              std::string::npos);
 }
 
 TEST(Override, ComesBeforeEveryOtherSource)
 {
-    Kr::InVariableBase::setOverride("t.samples", "5"); // the variable does not exist yet
-    Kr::InVariableBase::setOverride("t.samples", "16");
+    Kr::InSettings::setOverride("t.samples", "5"); // the variable does not exist yet
+    Kr::InSettings::setOverride("t.samples", "16");
     Settings settings;
+    EXPECT_THROW(settings.samples.getSource(), Kr::InEx::ExUninitializedObject);
     settings.shading.setOverride(Shading::Flat);
     settings.title.setOverride("over");
     const CommandLine commandLine({"--samples=8", "--t.shading=smooth"});
     settings.package.start();
     EXPECT_EQ(settings.toString(), "16 1 1 over 0");
     EXPECT_EQ(settings.samples.getSource(), Kr::InNamedVariable::Source::Override);
+    EXPECT_EQ(settings.scale.getSource(), Kr::InNamedVariable::Source::Default);
     EXPECT_EQ(remainingWords(), Words{"program"}) << "a word that lost is taken all the same";
 
     const char* const reason =
         "Trying to override an InVariable that is already initialized: 't.samples'.";
     using Initialized = Kr::InEx::ExVariableAlreadyInitialized;
     EXPECT_EQ(reasonOf<Initialized>([&] { settings.samples.setOverride(1); }), reason);
-    EXPECT_EQ(reasonOf<Initialized>([] { Kr::InVariableBase::setOverride("t.samples", "1"); }),
-              reason);
-    EXPECT_THROW(Kr::InVariableBase::setOverride(nullptr, "1"), Kr::ExInternalError);
-    EXPECT_THROW(Kr::InVariableBase::setOverride("t.samples", nullptr), Kr::ExInternalError);
+    EXPECT_EQ(reasonOf<Initialized>([] { Kr::InSettings::setOverride("t.samples", "1"); }), reason);
+    EXPECT_THROW(Kr::InSettings::setOverride(nullptr, "1"), Kr::ExInternalError);
+    EXPECT_THROW(Kr::InSettings::setOverride("t.samples", nullptr), Kr::ExInternalError);
 }
 
-TEST(Override, IsConsumedOrDiscarded)
+TEST(Override, IsCheckedAndConsumedOrDiscarded)
 {
     for (const bool isDiscarded : {false, true})
     {
-        Kr::InVariableBase::setOverride("t.samples", "16");
+        Kr::InSettings::setOverride("t.samples", "65");
         if (isDiscarded)
             Kr::InVariableBase::clearPendingOverrides();
         else
-            Settings().package.start();
+            EXPECT_EQ(
+                reasonOf<Kr::InVariableEx::ExMalformedValue>([&] { Settings().package.start(); }),
+                "Variable 't.samples': the value '65' of the override is malformed, expected "
+                "an integer from 1 to 64.");
         Settings settings;
         settings.package.start();
         EXPECT_EQ(settings.samples.getValue(), 4);
     }
-}
-
-TEST(Override, IsCheckedWhenThePackageStarts)
-{
-    Settings settings;
-    settings.samples.setOverride(65);
-    EXPECT_EQ(reasonOf<Kr::InVariableEx::ExMalformedValue>([&] { settings.package.start(); }),
-              "Variable 't.samples': the value '65' of the override is malformed, expected an "
-              "integer from 1 to 64.");
 }
 
 TEST(Handle, BelongsToOneVariable)
@@ -368,13 +375,14 @@ TEST(ContextAlias, BindsANameOnce)
     EXPECT_EQ(reasonOf<Defined>([] { Kr::InContextAlias("t.x", "--x", "T_SAMPLES"); }),
               "Trying to re-create an already existing Context Alias: 'T_SAMPLES'.");
     EXPECT_THROW(Kr::InContextAlias("t.samples", "--t.other"), Defined);
-    EXPECT_EQ(Kr::InContextAliasMgrBase::findOption("--x"), nullptr) << "nothing is half defined";
-    {
-        const Kr::InContextAlias gone("t.samples", "--rays");
-        EXPECT_EQ(Kr::InContextAliasMgrBase::findAliases("t.samples").size(), 2u);
-    }
-    EXPECT_EQ(Kr::InContextAliasMgrBase::findAliases("t.samples"),
-              (Kr::Vector<const Kr::InContextAliasBase*>{&alias}));
+    EXPECT_EQ(reportOf(&Kr::InSettings::dumpAll), // nothing is half defined, and nobody forgotten
+              "t.other: not started\n"
+              "    not the default: 'true'\n"
+              "t.samples: no such setting\n"
+              "    meant by option --samples\n"
+              "    meant by environment variable T_SAMPLES\n");
+    Kr::InContextAlias("t.samples", "--x", "T_X"); // gone at once
+    Kr::InContextAlias("t.samples", "--x", "T_X");
 
     const struct
     {
@@ -407,22 +415,26 @@ TEST(Report, CutsAndCleansWhatItQuotes)
     const Kr::InVariable<bool> vsync(package, "t.vsync", true, "");
     const CommandLine commandLine({"--t.title=" + std::string(300, 't'), "--t.vsync=\x1b[31m"});
     EXPECT_THROW(package.start(), Kr::InVariableEx::ExMalformedValue);
-    std::ostringstream text;
-    Kr::InVariableBase::dumpAll(text);
-    EXPECT_EQ(text.str(), "t.title = '" + std::string(256, 't') +
-                              "'..., from option --t.title\n"
-                              "    not the default: 'untitled'\n"
-                              "t.vsync: invalid\n"
-                              "    not option --t.vsync: '?[31m', malformed\n"
-                              "    not the default: 'true'\n");
+    EXPECT_EQ(reportOf(&Kr::InSettings::dumpAll),
+              "t.title = '" + std::string(256, 't') +
+                  "'..., from option --t.title\n"
+                  "    not the default: 'untitled'\n"
+                  "t.vsync: invalid\n"
+                  "    not option --t.vsync: '?[31m', malformed\n"
+                  "    not the default: 'true'\n");
 }
 
 TEST(Report, ListsTheSettingsForHelp)
 {
     const Settings settings;
-    std::ostringstream text;
-    Kr::InVariableBase::printHelp(text);
-    EXPECT_EQ(text.str(), R"(Settings of package '':
+    EXPECT_EQ(reportOf(printHelp), R"(Usage: viewer.exe [OPTION]... [WORD]...
+Settings of every program:
+  Option  Environment          Default  Meaning
+  --help                                Show this help
+  --                                    The options end here
+          KR_DEBUG_INITIALIZE           Report each step of the start and stop
+          KR_TRACE_OPTIONS     none     What is shown of every exception
+Settings of package '':
   Option                         Environment              Default   Meaning
   --samples=VALUE, --rays=VALUE  KR_VARIABLES_TEST_UNSET  4         Samples per pixel (an integer from 1 to 64)
   --t.scale=VALUE                                         1         Scale of the scene (a number)

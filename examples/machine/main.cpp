@@ -6,7 +6,7 @@
 #include <base/inInitGuard.h>
 #include <base/osCpuInfo.h>
 #include <base/osEndian.h>
-#include <base/osMemoryArch.h>
+#include <base/osProcessor.h>
 
 #include <iomanip>
 #include <iostream>
@@ -18,37 +18,64 @@ namespace
 
 void printRow(const char* label, const std::string& text)
 {
-    std::cout << std::left << std::setw(18) << label << text << '\n';
+    std::cout << std::left << std::setw(22) << label << text << '\n';
 }
 
-std::string describeProcessor()
+std::string describeVersion(const Kr::OsProcessor& processor)
 {
-    int family = 0;
-    int model = 0;
-    int stepping = 0;
-    Kr::OsCpuInfo::getDetailedType(nullptr, &family, &model, &stepping);
     std::ostringstream text;
-    text << Kr::OsCpuInfo::getTypeName() << ", family " << family << ", model " << model
-         << ", stepping " << stepping << (Kr::OsCpuInfo::hasMMX() ? ", MMX" : "")
-         << (Kr::OsCpuInfo::hasSSE() ? ", SSE" : "");
+    text << processor.getVendor() << ", family " << processor.getFamily() << ", model "
+         << processor.getModel() << ", stepping " << processor.getStepping();
     return text.str();
 }
 
-/// A size in bytes; the processor may not report it.
-std::string describeSize(int bytes)
+std::string describeFeatures(const Kr::OsProcessor& processor)
 {
-    if (bytes == 0)
-        return "not reported";
-    return bytes % 1024 == 0 ? std::to_string(bytes / 1024) + " KiB"
-                             : std::to_string(bytes) + " bytes";
+    std::string text;
+    for (int i = Kr::OsProcessor::MMX; i <= Kr::OsProcessor::AVX512VL; ++i)
+    {
+        const auto feature = static_cast<Kr::OsProcessor::Feature>(i);
+        if (processor.has(feature))
+            text += std::string(text.empty() ? "" : " ") + Kr::OsProcessor::getName(feature);
+    }
+    return text;
 }
 
-std::string describeCache(int size, int lineSize)
+std::string describeSize(std::int64_t bytes)
 {
-    std::string text = describeSize(size);
-    if (lineSize != 0)
-        text += ", lines of " + describeSize(lineSize);
+    constexpr std::int64_t MiB = 1024 * 1024;
+    return bytes % MiB == 0 ? std::to_string(bytes / MiB) + " MiB"
+                            : std::to_string(bytes / 1024) + " KiB";
+}
+
+std::string describeCache(const Kr::OsProcessor::Cache& cache)
+{
+    std::ostringstream text;
+    text << describeSize(cache.size) << ", " << cache.ways << " ways, lines of " << cache.lineSize
+         << " bytes, shared by " << cache.sharingThreads << " threads";
+    return text.str();
+}
+
+std::string describePages(const Kr::OsProcessor& processor)
+{
+    std::string text;
+    for (const std::int64_t size : processor.getPageSizes())
+        text += (text.empty() ? "" : ", ") + describeSize(size);
     return text;
+}
+
+void printProcessor(const Kr::OsProcessor& processor)
+{
+    static const char* const kinds[] = {"", " data", " instructions", ""};
+    printRow("processor", processor.getBrand());
+    printRow("version", describeVersion(processor));
+    printRow("features", describeFeatures(processor));
+    printRow("cores, threads", std::to_string(processor.getCoreCount()) + ", " +
+                                   std::to_string(processor.getThreadCount()));
+    for (const Kr::OsProcessor::Cache& cache : processor.getCaches())
+        printRow(("level " + std::to_string(cache.level) + kinds[cache.kind]).c_str(),
+                 describeCache(cache));
+    printRow("pages", describePages(processor));
 }
 
 std::string describeStamps()
@@ -68,12 +95,8 @@ std::string describeStamps()
 
 void printMachine()
 {
-    const Kr::OsMemoryArch& memory = Kr::OsMemoryArch::getInstance();
-    printRow("processor", describeProcessor());
+    printProcessor(Kr::OsProcessor::getInstance());
     printRow("byte order", Kr::OsEndian::isBigEndian() ? "highest first" : "lowest first");
-    printRow("level 1 data", describeCache(memory.getL1DataSize(), memory.getL1DataLineSize()));
-    printRow("level 2", describeCache(memory.getL2Size(), memory.getL2LineSize()));
-    printRow("page", describeSize(memory.getPageSize()));
     printRow("raw counter", std::to_string(Kr::OsCpuInfo::getHwCounterFrequency()) + " Hz");
     printRow("time stamps", describeStamps());
 }

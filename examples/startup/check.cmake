@@ -37,5 +37,5 @@ check(1
     --cycle)
 check(1 "scene: stopped" "startup: Variable 'viewer.samples': the value 'many' of option --samples"
     --samples=many)
-check(1 "scene: stopped" "startup: unknown option '--smaples=8', see --help" --smaples=8)
-check(0 "--samples=VALUE +STARTUP_SAMPLES +4 +Samples per pixel .an integer from 1 to 64" "" --help)
+check(1 "^$" "^startup: Unknown option '--smaples': did you mean '--samples'. See --help.\n$" --smaples=8)
+check(0 "^Usage: startup[^\n]*\n.*--help +Show this help\n.*--samples=VALUE +STARTUP_SAMPLES +4 +Samples per pixel .an integer from 1 to 64" "" --help)

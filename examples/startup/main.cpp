@@ -12,15 +12,15 @@
 #include <base/inEx.h>
 #include <base/inInit.imp>
 #include <base/inInitMgr.h>
+#include <base/inSettings.h>
 #include <base/inVariable.h>
+#include <base/inVariableEx.h>
 #include <base/osEnv.h>
 #include <base/trace.h>
 
 #include <cstdlib>
 #include <iostream>
-#include <stdexcept>
 #include <string>
-#include <string_view>
 
 namespace KrInit
 {
@@ -56,26 +56,13 @@ public:
     }
 };
 
-/// Raises when a word that begins with two dashes was no option of any setting.
-void rejectUnknownOptions()
-{
-    using namespace std::string_literals;
-    for (const std::string_view word : Kr::InContextAliasMgrBase::getRemainingWords())
-    {
-        if (word == "--")
-            return;
-        if (word.substr(0, 2) == "--")
-            throw std::invalid_argument("unknown option '"s.append(word) + "', see --help");
-    }
-}
-
 void showStart()
 {
     std::cout << "\nThe packages, in the order of their start:\n";
     Kr::InInitMgr::getInstance().reportStart(std::cout);
 
     std::cout << "\nThe settings and where they come from:\n";
-    Kr::InVariableBase::dumpAll(std::cout);
+    Kr::InSettings::dumpAll(std::cout);
 
     std::cout << "\nThe words that are left for the application:";
     for (const char* word : Kr::InContextAliasMgrBase::getRemainingWords())
@@ -101,9 +88,6 @@ void showRaise()
 
 void run()
 {
-    if (Kr::InVariableBase::isHelpRequested())
-        return Kr::InVariableBase::printHelp(std::cout);
-    rejectUnknownOptions();
     showStart();
     showRaise();
     if (cycle.getValue())
@@ -120,9 +104,16 @@ int main(int argc, char** argv)
     Kr::InInitMgr& manager = Kr::InInitMgr::getInstance();
     try
     {
-        const char* const* arguments = argv;
-        manager.initialize(argc, arguments);
+        if (Kr::InSettings::answerHelp(argc, argv, std::cout)) // before any package starts
+            return EXIT_SUCCESS;
+        Kr::InSettings::refuseUnknownOptions(argc, argv);
+        manager.initialize(argc, argv);
         run();
+    }
+    catch (const Kr::InVariableEx::ExUnknownOption& error) // nothing has been started
+    {
+        std::cerr << "startup: " << error.getReason() << " See --help.\n";
+        return EXIT_FAILURE;
     }
     catch (const Kr::InEx::ExDependencyCycle& error)
     {

@@ -38,6 +38,9 @@ public:
     ExNoSuchObject(const char* file, int line, const char* name);
 };
 
+class Scene;
+extern template class Kr::InSingleton<Scene>; // before the accessor that uses it
+
 class Scene
 {
 public:
@@ -54,5 +57,3 @@ public:
 private:
     std::vector<std::string> _names;
 };
-
-extern template class Kr::InSingleton<Scene>;

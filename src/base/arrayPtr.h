@@ -3,7 +3,8 @@
 /// @file
 /// Exclusive ownership of an array made with `new T[n]`.
 ///
-/// `ArrayPtr<T>` and `ArrayPtrRet<T>` behave as `ObjPtr` and `ObjPtrRet` do, for arrays:
+/// `ArrayPtr<T>` and `ArrayPtrRet<T>` behave as `ObjPtr` and `ObjPtrRet` do, with elements in place
+/// of members; an array of a derived class does not pass for an array of its base:
 /// @code
 /// Kr::ArrayPtr<int> histogram(new int[256]());
 /// ++histogram[17];

@@ -1,8 +1,9 @@
 #include <base/assert.h>
 
 #include <base/exBase.h>
+#include <base/internal/errors/fixedText.h>
 #include <base/objPtr.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <cstdio>
 #include <cstring>
@@ -18,11 +19,6 @@ namespace
 {
     const ObjPtr<ExInternalError> error(new ExInternalError(file, line, reason));
     raise(*error, KR_HERE);
-}
-
-const char* orEmpty(const char* text)
-{
-    return text != nullptr ? text : "";
 }
 
 } // namespace

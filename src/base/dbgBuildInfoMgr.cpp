@@ -3,7 +3,7 @@
 #include <base/inInitMgr.h>
 #include <base/internal/libraries/dbgBuildInfoRegistry.h>
 #include <base/log.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <ostream>
 

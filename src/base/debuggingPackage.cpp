@@ -10,13 +10,11 @@ static Kr::InInit<KrInit::debugging> package;
 
 Kr::LgMinorGroup* LgGroups::KR_XGLUE(MinorLevel, BuildInfo) = nullptr;
 
-// The spacing and the zeros of the checks are part of their texts.
-// clang-format off
-// NOLINTBEGIN(modernize-use-nullptr)
 void KrInit::debugging::start()
 {
     Kr::DbgBuildInfoMgr::getInstance().validate();
-    KR_ASSERT(LgGroups::KR_XGLUE( MinorLevel, BuildInfo ) == 0);
+    KR_ASSERT_TEXT(LgGroups::KR_XGLUE(MinorLevel, BuildInfo) == nullptr,
+                   "LgGroups::KR_XGLUE( MinorLevel, BuildInfo ) == 0", __LINE__);
     LgGroups::KR_XGLUE(MinorLevel, BuildInfo) =
         new Kr::LgMinorGroup(Kr::LgMajorGroup::getInstanceForName("Base"), "BuildInfo");
     Kr::DbgBuildInfoMgr::getInstance().log();
@@ -24,9 +22,8 @@ void KrInit::debugging::start()
 
 void KrInit::debugging::stop()
 {
-    KR_ASSERT(LgGroups::KR_XGLUE( MinorLevel, BuildInfo ) != 0);
+    KR_ASSERT_TEXT(LgGroups::KR_XGLUE(MinorLevel, BuildInfo) != nullptr,
+                   "LgGroups::KR_XGLUE( MinorLevel, BuildInfo ) != 0", __LINE__);
     delete LgGroups::KR_XGLUE(MinorLevel, BuildInfo);
     LgGroups::KR_XGLUE(MinorLevel, BuildInfo) = nullptr;
 }
-// NOLINTEND(modernize-use-nullptr)
-// clang-format on

@@ -55,6 +55,18 @@ DtEx::CountOverflow::CountOverflow(const char* file, int line)
     setReason("Count does not fit in 64 bits at the new rate.");
 }
 
+DtEx::RateOverflow::RateOverflow(const char* file, int line, const Rational& first,
+                                 const Rational& second)
+    : ExConcrete(file, line)
+{
+    char reason[112];
+    std::snprintf(reason, sizeof(reason), "No common rate of %d/%d and %d/%d fits in 32 bits.",
+                  static_cast<int>(first.getNumerator()), static_cast<int>(first.getDenominator()),
+                  static_cast<int>(second.getNumerator()),
+                  static_cast<int>(second.getDenominator()));
+    setReason(reason);
+}
+
 DtEx::NoTimeCode::NoTimeCode(const char* file, int line, const Rational& rate, bool dropFrame)
     : ExConcrete(file, line)
 {

@@ -27,6 +27,7 @@ public:
     class BadRefRate;
     class DtStringError;
     class CountOverflow;
+    class RateOverflow;
     class NoTimeCode;
     class BadTimeCode;
 
@@ -75,10 +76,17 @@ private:
 
 /// "Count does not fit in 64 bits at the new rate."
 class KR_BASE_API DtEx::CountOverflow
-    : public ExConcrete<DtEx::CountOverflow, std::overflow_error, DtEx>
+    : public ExConcrete<DtEx::CountOverflow, std::logic_error, DtEx>
 {
 public:
     CountOverflow(const char* file, int line);
+};
+
+/// "No common rate of 24/1 and 25/1 fits in 32 bits.": with the rates' own terms.
+class KR_BASE_API DtEx::RateOverflow : public ExConcrete<DtEx::RateOverflow, std::logic_error, DtEx>
+{
+public:
+    RateOverflow(const char* file, int line, const Rational& first, const Rational& second);
 };
 
 /// "No drop-frame time code at the rate 25/1.": frames at the rate cannot be counted that way.

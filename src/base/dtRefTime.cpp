@@ -2,7 +2,7 @@
 
 #include <base/assert.h>
 #include <base/dtRefClockEx.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <cstring>
 #include <limits>

@@ -3,7 +3,7 @@
 #include <base/dtEx.h>
 #include <base/internal/numeric/twosComplement.h>
 #include <base/internal/numeric/wideRatio.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <ostream>
 

@@ -12,12 +12,18 @@
 /// rate: the product of both rates, where the ticks of either are whole, kept within a million
 /// ticks per second and per tick.
 ///
-/// Pitfalls:
+/// Pitfalls, all of them kept on purpose; `DtTimeUtil` has exact forms beside them:
 /// - the result of mixing rates is at the common rate, not at either operand's;
+/// - **the common rate is formed in 32 bits and wraps around**: the sum of times at 44100/1 and
+///   96000/1 is at a negative rate and means nothing. `DtTimeUtil::getExactSum` gives it at
+///   14112000/1;
+/// - **a common rate below a tick in a million seconds is clamped to that**: the sum of times at
+///   30/1001 and 15/1001 is in ticks of 11.6 days, and nearly always 0. `DtTimeUtil::getExactSum`
+///   gives it at 30/1001;
 /// - `*`, `/` and `%` between two times work on the raw counts at the common rate;
 /// - a negative rate is accepted and turns the comparisons round;
-/// - products wrap around: comparisons hold while count * denominator * other numerator fits in
-///   64 bits, and a common rate is formed from 32-bit products.
+/// - comparisons hold while count * denominator * other numerator fits in 64 bits, and wrap around
+///   beyond: `DtTimeUtil::compareExactly` does not.
 ///
 /// A value type; distinct values can be used by distinct threads. An operation that raises leaves
 /// its value as it was.

@@ -25,8 +25,8 @@
 
 #include <base/dtEx.h>
 #include <base/dtTime.h>
-#include <base/internal/numeric/twosComplement.h>
-#include <base/trace.h>
+#include <base/krBaseApi.h>
+#include <base/raise.h>
 
 #include <chrono>
 #include <cstdint>
@@ -59,9 +59,7 @@ public:
         using Rep = typename Duration::rep;
         const Rational rate = getRate<Duration>();
         if constexpr (std::is_floating_point_v<Rep>)
-            return Duration(static_cast<Rep>(
-                time.getCount().getDouble() * time.getRate().getDenominator() /
-                time.getRate().getNumerator() * rate.getNumerator() / rate.getDenominator()));
+            return Duration(static_cast<Rep>(getTicks(time, rate)));
         else
             return Duration(fit<Rep>(time.getCount().convertChecked(time.getRate(), rate).count));
     }
@@ -85,10 +83,8 @@ public:
     {
         if constexpr (std::is_floating_point_v<Rep>)
         {
-            const double count = std::chrono::duration<double>(duration).count() * rate.getDouble();
-            if (!TwosComplement::canTruncate(count))
-                raise<DtEx::CountOverflow>(KR_HERE);
-            return DtTime(TwosComplement::truncate(count), rate);
+            return getDtTime(static_cast<double>(duration.count()),
+                             getRate<std::chrono::duration<Rep, Period>>(), rate);
         }
         else
         {
@@ -98,6 +94,12 @@ public:
     }
 
 private:
+    /// The time in ticks of the rate, in floating point.
+    KR_BASE_API static double getTicks(const DtTime& time, const Rational& rate) noexcept;
+    /// A count of ticks at one rate as a time at another, truncated toward zero.
+    KR_BASE_API static DtTime getDtTime(double ticks, const Rational& tickRate,
+                                        const Rational& rate);
+
     template <class To, class From>
     static To fit(From value)
     {

@@ -1,7 +1,7 @@
 #include <base/dtTimeCode.h>
 
 #include <base/dtEx.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <algorithm>
 #include <charconv>

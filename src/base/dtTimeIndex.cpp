@@ -3,9 +3,9 @@
 #include <base/dtEx.h>
 #include <base/floatUtil.h>
 #include <base/internal/numeric/wideRatio.h>
+#include <base/raise.h>
 #include <base/rationalEx.h>
 #include <base/streamInserters.h>
-#include <base/trace.h>
 
 #include <ostream>
 
@@ -80,10 +80,18 @@ DtTimeIndex::Conversion DtTimeIndex::convertChecked(const Rational& fromRate,
 double DtTimeIndex::convertDouble(const Rational& fromRate, const Rational& toRate,
                                   std::float_round_style style) const
 {
-    const double count = getDouble() * fromRate.getDenominator() / fromRate.getNumerator() *
-                         toRate.getNumerator() / toRate.getDenominator();
+    return roundInStyle(getDouble() * fromRate.getDenominator() / fromRate.getNumerator() *
+                            toRate.getNumerator() / toRate.getDenominator(),
+                        style);
+}
+
+/// To be truncated afterwards.
+double DtTimeIndex::roundInStyle(double count, std::float_round_style style) noexcept
+{
     switch (style)
     {
+    case std::round_toward_zero:
+        return count;
     case std::round_to_nearest:
         return FloatUtil::round(count);
     case std::round_toward_infinity:

@@ -23,6 +23,7 @@
 /// A value type; distinct values can be used by distinct threads.
 
 #include <base/assert.h>
+#include <base/internal/numeric/rounded.h>
 #include <base/internal/numeric/twosComplement.h>
 #include <base/krBaseApi.h>
 #include <base/rational.h>
@@ -45,8 +46,8 @@ public:
     }
 
     constexpr operator long long() const noexcept { return _count; }
-    float getFloat() const noexcept { return static_cast<float>(_count); }
-    double getDouble() const noexcept { return static_cast<double>(_count); }
+    float getFloat() const noexcept { return Rounded::toFloat(_count); }
+    double getDouble() const noexcept { return Rounded::toDouble(_count); }
 
     /// @name Arithmetic
     /// @{
@@ -105,9 +106,12 @@ public:
                               std::float_round_style style = std::round_toward_zero) const;
 
 private:
+    friend class DtTimeUtil;
+
     long long getWholeSeconds(const Rational& rate) const;
     double convertDouble(const Rational& fromRate, const Rational& toRate,
                          std::float_round_style style) const;
+    static double roundInStyle(double count, std::float_round_style style) noexcept;
 
     long long _count;
 };

@@ -1,7 +1,5 @@
 #include <base/dtTimeIndexInterval.h>
 
-#include <base/interval.imp>
-
 namespace Kr
 {
 

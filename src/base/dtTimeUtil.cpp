@@ -2,13 +2,15 @@
 
 #include <base/dtEx.h>
 #include <base/floatUtil.h>
-#include <base/trace.h>
+#include <base/internal/numeric/wideRatio.h>
+#include <base/raise.h>
 
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <limits>
+#include <numeric>
 #include <string_view>
 #include <system_error>
 
@@ -58,6 +60,30 @@ DtTimeIndex saturate(double count) noexcept
     return count > 0. ? Limits::max() : Limits::min();
 }
 
+/// The lowest rate at which the ticks of both are whole: the least common multiple of the fractions.
+Rational getExactRate(const Rational& a, const Rational& b)
+{
+    const std::int64_t numerator =
+        std::lcm(std::int64_t{a.getNumerator()}, std::int64_t{b.getNumerator()});
+    const std::int64_t denominator =
+        std::gcd(std::int64_t{a.getDenominator()}, std::int64_t{b.getDenominator()});
+    constexpr std::int64_t greatest = std::numeric_limits<std::int32_t>::max();
+    if (numerator > greatest || denominator > greatest)
+        raise<DtEx::RateOverflow>(KR_HERE, a, b);
+    return Rational(static_cast<std::int32_t>(numerator), static_cast<std::int32_t>(denominator));
+}
+
+std::int64_t convertExactly(const DtTime& time, const Rational& rate)
+{
+    return time.getCount().convertChecked(time.getRate(), rate).count;
+}
+
+/// What a count at the rate is multiplied by to be compared with one at the other rate.
+std::int64_t getFactor(const Rational& rate, const Rational& other) noexcept
+{
+    return std::int64_t{rate.getDenominator()} * other.getNumerator();
+}
+
 template <class Float>
 Interval<DtTimeIndex> getTicks(const Interval<Float>& seconds, Float rate)
 {
@@ -81,14 +107,48 @@ float DtTimeUtil::getSecondsFloat(const DtTime& time) noexcept
     return getSeconds(time.getCount().getFloat(), time.getRate());
 }
 
-DtTime DtTimeUtil::getDtTimeFromSeconds(const Rational& rate, double seconds)
+DtTime DtTimeUtil::getDtTimeFromSeconds(const Rational& rate, double seconds,
+                                        std::float_round_style style)
 {
-    return DtTime(TwosComplement::truncate(seconds * rate.getDouble()), rate);
+    const double count = DtTimeIndex::roundInStyle(seconds * rate.getDouble(), style);
+    return DtTime(TwosComplement::truncate(count), rate);
 }
 
-DtTime DtTimeUtil::getDtTimeFromSeconds(const Rational& rate, float seconds)
+DtTime DtTimeUtil::getDtTimeFromSeconds(const Rational& rate, float seconds,
+                                        std::float_round_style style)
 {
-    return DtTime(TwosComplement::truncate(seconds * rate.getFloat()), rate);
+    const float count = seconds * rate.getFloat();
+    return DtTime(TwosComplement::truncate(DtTimeIndex::roundInStyle(count, style)), rate);
+}
+
+DtTime DtTimeUtil::getExactSum(const DtTime& a, const DtTime& b)
+{
+    const Rational rate = getExactRate(a.getRate(), b.getRate());
+    const std::int64_t left = convertExactly(a, rate), right = convertExactly(b, rate);
+    std::int64_t sum = 0;
+    if (__builtin_add_overflow(left, right, &sum))
+        raise<DtEx::CountOverflow>(KR_HERE);
+    return DtTime(sum, rate);
+}
+
+DtTime DtTimeUtil::getExactDifference(const DtTime& a, const DtTime& b)
+{
+    const Rational rate = getExactRate(a.getRate(), b.getRate());
+    const std::int64_t left = convertExactly(a, rate), right = convertExactly(b, rate);
+    std::int64_t difference = 0;
+    if (__builtin_sub_overflow(left, right, &difference))
+        raise<DtEx::CountOverflow>(KR_HERE);
+    return DtTime(difference, rate);
+}
+
+int DtTimeUtil::compareExactly(const DtTime& a, const DtTime& b) noexcept
+{
+    const std::int64_t left = getFactor(a.getRate(), b.getRate());
+    const std::int64_t right = getFactor(b.getRate(), a.getRate());
+    // Multiplying by both numerators has turned the order round where just one is negative.
+    const bool isTurned = (a.getRate().getNumerator() < 0) != (b.getRate().getNumerator() < 0);
+    const int order = WideRatio::compareProducts(a.getCount(), left, b.getCount(), right);
+    return isTurned ? -order : order;
 }
 
 Interval<DtTimeIndex> DtTimeUtil::getInclusiveDtTimeIndexInterval(const DtTime& time,

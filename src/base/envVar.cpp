@@ -1,10 +1,11 @@
 #include <base/envVar.h>
 
 #include <base/assert.h>
+#include <base/internal/init/inDecimal.h>
+#include <base/internal/init/inReport.h>
 #include <base/osEnv.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <iomanip>
@@ -17,9 +18,17 @@ namespace Kr
 namespace
 {
 
-void dumpText(std::ostream& os, const char* text)
+std::string quote(const char* text)
 {
-    os << '"' << (text != nullptr ? text : "NIL") << '"';
+    return std::string("\"") + (text != nullptr ? text : "NIL") + '"';
+}
+
+template <class Number>
+std::string toText(Number number)
+{
+    InReport text;
+    text << number;
+    return text.str();
 }
 
 /// `strtol` saturates, where an overflow in `atoi` is undefined; `long` has 64 bits on some hosts.
@@ -30,35 +39,12 @@ std::int32_t intFromText(const char* text)
         value, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()));
 }
 
-/// Whether a decimal number that has no double is too large, not too small: whether its leading
-/// digit stands before the decimal point once the exponent is applied.
-bool isTooLarge(const char* number, const char* end)
-{
-    const char* const exponentMark =
-        std::find_if(number, end, [](char c) { return c == 'e' || c == 'E'; });
-    const char* const point = std::find(number, exponentMark, '.');
-    const char* const digit =
-        std::find_if(number, exponentMark, [](char c) { return c >= '1' && c <= '9'; });
-    const std::ptrdiff_t place = point - digit;
-    long exponent = 0;
-    if (exponentMark != end)
-        exponent = std::strtol(exponentMark + 1, nullptr, 10);
-    return exponent > -place;
-}
-
 double doubleFromText(const char* text)
 {
     text += std::strspn(text, " \t\n\v\f\r");
     if (text[0] == '+' && text[1] != '-')
         ++text;
-    const char* const end = text + std::strlen(text);
-    double value = 0.;
-    const std::from_chars_result result = std::from_chars(text, end, value);
-    if (result.ec != std::errc::result_out_of_range)
-        return value;
-    const double magnitude =
-        isTooLarge(text, result.ptr) ? std::numeric_limits<double>::infinity() : 0.;
-    return *text == '-' ? -magnitude : magnitude;
+    return InDecimal<double>::parse(text, text + std::strlen(text)).value;
 }
 
 } // namespace
@@ -97,11 +83,7 @@ void EnvVar::refresh()
 
 void EnvVar::dump(std::ostream& os) const
 {
-    dumpName(os);
-    os << " value ";
-    dumpText(os, _isSet ? _value.c_str() : nullptr);
-    os << " default ";
-    dumpText(os, _default);
+    dumpPair(os, quote(_isSet ? _value.c_str() : nullptr), quote(_default));
 }
 
 void EnvVar::putEnv(const char* assignment)
@@ -111,15 +93,18 @@ void EnvVar::putEnv(const char* assignment)
 
 EnvVarRegistry& EnvVar::getRegistry()
 {
-    static EnvVarRegistry registry;
+    // Never destroyed: a variable in a static owner that is filled late is destroyed after
+    // everything that was built before it, and leaves the registry then.
+    static EnvVarRegistry& registry = *new EnvVarRegistry;
     return registry;
 }
 
-void EnvVar::dumpName(std::ostream& os) const
+void EnvVar::dumpPair(std::ostream& os, const std::string& value,
+                      const std::string& defaultText) const
 {
-    const std::ios_base::fmtflags flags = os.setf(std::ios_base::right, std::ios_base::adjustfield);
-    os << "name " << std::setw(25) << _name;
-    os.flags(flags);
+    InReport report;
+    report << "name " << std::setw(25) << _name << " value " << value << " default " << defaultText;
+    report.writeTo(os);
 }
 
 // --- EnvIntVar ---
@@ -141,8 +126,7 @@ void EnvIntVar::refresh()
 
 void EnvIntVar::dump(std::ostream& os) const
 {
-    dumpName(os);
-    os << " value " << _intValue << " default " << _intDefault;
+    dumpPair(os, toText(_intValue), toText(_intDefault));
 }
 
 // --- EnvDoubleVar ---
@@ -164,8 +148,7 @@ void EnvDoubleVar::refresh()
 
 void EnvDoubleVar::dump(std::ostream& os) const
 {
-    dumpName(os);
-    os << " value " << _doubleValue << " default " << _doubleDefault;
+    dumpPair(os, toText(_doubleValue), toText(_doubleDefault));
 }
 
 // --- listing ---

@@ -77,8 +77,9 @@ public:
     static EnvVarRegistry& getRegistry();
 
 protected:
-    /// Writes "name " and the name, right-aligned in a field of 25.
-    void dumpName(std::ostream& os) const;
+    /// Writes "name " and the name, right-aligned in a field of 25, then " value " and " default "
+    /// with these texts, whatever the stream's format settings are.
+    void dumpPair(std::ostream& os, const std::string& value, const std::string& defaultText) const;
 
 private:
     /// The entry in the registry, which is left however the construction ends.

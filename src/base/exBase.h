@@ -8,7 +8,7 @@
 /// @code
 /// try
 /// {
-///     Kr::raise<Kr::ExInternalError>(KR_HERE, "The scene is empty."); // base/trace.h
+///     Kr::raise<Kr::ExInternalError>(KR_HERE, "The scene is empty."); // base/raise.h
 /// }
 /// catch (const Kr::ExBase& error)
 /// {
@@ -31,13 +31,17 @@
 namespace Kr
 {
 
-class KR_BASE_API ExBase
+/// The sizes of an exception's texts, their terminators included. Apart from the exported class, so
+/// that every program has them for itself.
+struct ExTextSizes
 {
-public:
-    /// The sizes of the texts, their terminators included.
     static constexpr std::size_t reasonSize = 1024;
     static constexpr std::size_t fileNameSize = 128;
+};
 
+class KR_BASE_API ExBase : public ExTextSizes
+{
+public:
     /// Stores the position of the raise. A null `file` leaves the name empty; a longer name is cut
     /// to its first 127 characters.
     ExBase(const char* file, int line) noexcept;

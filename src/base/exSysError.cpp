@@ -1,9 +1,9 @@
 #include <base/exSysError.h>
 
+#include <base/internal/errors/systemError.h>
 #include <platform/platform.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 
 namespace Kr
@@ -36,19 +36,6 @@ ExBase* ExSysErrorANSI::clone() const
     return new ExSysErrorANSI(*this);
 }
 
-namespace
-{
-
-/// The system ends its messages with a carriage return and a line feed.
-void cutLineBreak(char* text, std::size_t length) noexcept
-{
-    for (std::size_t i = length; i > 0 && i + 2 > length; --i)
-        if (text[i - 1] == '\r' || text[i - 1] == '\n')
-            text[i - 1] = '\0';
-}
-
-} // namespace
-
 ExSysErrorWindows::ExSysErrorWindows(const char* file, int line)
     : ExSysErrorWindows(GetLastError(), file, line)
 {
@@ -60,13 +47,7 @@ ExSysErrorWindows::ExSysErrorWindows(unsigned long errorCode, const char* file, 
     , _errorCode(errorCode)
 {
     char text[reasonSize];
-    const DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-                                        nullptr, static_cast<DWORD>(errorCode), 0, text,
-                                        static_cast<DWORD>(sizeof text), nullptr);
-    if (length == 0)
-        std::snprintf(text, sizeof text, "Unknown system error %lu.", errorCode);
-    else
-        cutLineBreak(text, length);
+    formatSystemError(errorCode, text, sizeof text);
     setReason(text);
 }
 

@@ -6,7 +6,7 @@
 /// Build or raise one immediately after the failing call, before anything else can change the
 /// thread's error state:
 /// @code{.cpp}
-/// #include <base/trace.h>
+/// #include <base/raise.h>
 ///
 /// void renameFile(const char* from, const char* to)
 /// {

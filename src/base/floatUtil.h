@@ -20,6 +20,7 @@
 ///
 /// Stateless: every function may be called by any thread.
 
+#include <base/internal/numeric/rounded.h>
 #include <base/krBaseApi.h>
 #include <base/ltFPClass.h>
 
@@ -49,24 +50,24 @@ public:
     /// @{
 
     /// |a - b| < eps
-    static bool isEqual(float a, float b, float eps) noexcept { return abs(a - b) < eps; }
-    static bool isEqual(double a, double b, double eps) noexcept { return abs(a - b) < eps; }
+    static bool isEqual(float a, float b, float eps) noexcept { return abs(Rounded::subtract(a, b)) < eps; }
+    static bool isEqual(double a, double b, double eps) noexcept { return abs(Rounded::subtract(a, b)) < eps; }
 
     /// a > b + eps
-    static bool isGreater(float a, float b, float eps) noexcept { return a > b + eps; }
-    static bool isGreater(double a, double b, double eps) noexcept { return a > b + eps; }
+    static bool isGreater(float a, float b, float eps) noexcept { return a > Rounded::add(b, eps); }
+    static bool isGreater(double a, double b, double eps) noexcept { return a > Rounded::add(b, eps); }
 
     /// a > b - eps
-    static bool isGreaterEqual(float a, float b, float eps) noexcept { return a > b - eps; }
-    static bool isGreaterEqual(double a, double b, double eps) noexcept { return a > b - eps; }
+    static bool isGreaterEqual(float a, float b, float eps) noexcept { return a > Rounded::subtract(b, eps); }
+    static bool isGreaterEqual(double a, double b, double eps) noexcept { return a > Rounded::subtract(b, eps); }
 
     /// a < b - eps
-    static bool isSmaller(float a, float b, float eps) noexcept { return a < b - eps; }
-    static bool isSmaller(double a, double b, double eps) noexcept { return a < b - eps; }
+    static bool isSmaller(float a, float b, float eps) noexcept { return a < Rounded::subtract(b, eps); }
+    static bool isSmaller(double a, double b, double eps) noexcept { return a < Rounded::subtract(b, eps); }
 
     /// a < b + eps
-    static bool isSmallerEqual(float a, float b, float eps) noexcept { return a < b + eps; }
-    static bool isSmallerEqual(double a, double b, double eps) noexcept { return a < b + eps; }
+    static bool isSmallerEqual(float a, float b, float eps) noexcept { return a < Rounded::add(b, eps); }
+    static bool isSmallerEqual(double a, double b, double eps) noexcept { return a < Rounded::add(b, eps); }
     /// @}
 
     /// @name Comparison within the type's own tolerance
@@ -124,10 +125,10 @@ public:
     /// The remainder of x / y truncated, with the sign of x.
     static float mod(float x, float y) noexcept { return std::fmod(x, y); }
     static double mod(double x, double y) noexcept { return std::fmod(x, y); }
-    static float pow(float x, float y) noexcept { return std::pow(x, y); }
-    static double pow(double x, double y) noexcept { return std::pow(x, y); }
-    static float sqrt(float x) noexcept { return std::sqrt(x); }
-    static double sqrt(double x) noexcept { return std::sqrt(x); }
+    static float pow(float x, float y) noexcept;
+    static double pow(double x, double y) noexcept;
+    static float sqrt(float x) noexcept { return Rounded::sqrt(x); }
+    static double sqrt(double x) noexcept { return Rounded::sqrt(x); }
 
     /// sqrt(x * x + y * y) as it stands: the squares of large values overflow to infinity and those
     /// of small ones vanish. Several times faster than `std::hypot`, which guards against both.
@@ -137,30 +138,30 @@ public:
 
     /// @name Trigonometry, in radians
     /// @{
-    static float sin(float x) noexcept { return std::sin(x); }
-    static double sin(double x) noexcept { return std::sin(x); }
-    static float cos(float x) noexcept { return std::cos(x); }
-    static double cos(double x) noexcept { return std::cos(x); }
-    static float tan(float x) noexcept { return std::tan(x); }
-    static double tan(double x) noexcept { return std::tan(x); }
-    static float asin(float x) noexcept { return std::asin(x); }
-    static double asin(double x) noexcept { return std::asin(x); }
-    static float acos(float x) noexcept { return std::acos(x); }
-    static double acos(double x) noexcept { return std::acos(x); }
-    static float atan(float x) noexcept { return std::atan(x); }
-    static double atan(double x) noexcept { return std::atan(x); }
-    static float atan2(float y, float x) noexcept { return std::atan2(y, x); }
-    static double atan2(double y, double x) noexcept { return std::atan2(y, x); }
+    static float sin(float x) noexcept;
+    static double sin(double x) noexcept;
+    static float cos(float x) noexcept;
+    static double cos(double x) noexcept;
+    static float tan(float x) noexcept;
+    static double tan(double x) noexcept;
+    static float asin(float x) noexcept;
+    static double asin(double x) noexcept;
+    static float acos(float x) noexcept;
+    static double acos(double x) noexcept;
+    static float atan(float x) noexcept;
+    static double atan(double x) noexcept;
+    static float atan2(float y, float x) noexcept;
+    static double atan2(double y, double x) noexcept;
     /// @}
 
     /// @name Exponentials
     /// @{
-    static float exp(float x) noexcept { return std::exp(x); }
-    static double exp(double x) noexcept { return std::exp(x); }
-    static float log(float x) noexcept { return std::log(x); }
-    static double log(double x) noexcept { return std::log(x); }
-    static float log10(float x) noexcept { return std::log10(x); }
-    static double log10(double x) noexcept { return std::log10(x); }
+    static float exp(float x) noexcept;
+    static double exp(double x) noexcept;
+    static float log(float x) noexcept;
+    static double log(double x) noexcept;
+    static float log10(float x) noexcept;
+    static double log10(double x) noexcept;
     /// @}
 
     /// @name Classification; see `LtFPClass`
@@ -180,12 +181,12 @@ public:
     {
         return static_cast<float>(radiansToDegrees(static_cast<double>(x)));
     }
-    static double radiansToDegrees(double x) noexcept { return x * 180. / _pi; }
+    static double radiansToDegrees(double x) noexcept { return Rounded::divide(Rounded::multiply(x, 180.), _pi); }
     static float degreesToRadians(float x) noexcept
     {
         return static_cast<float>(degreesToRadians(static_cast<double>(x)));
     }
-    static double degreesToRadians(double x) noexcept { return x * _pi / 180.; }
+    static double degreesToRadians(double x) noexcept { return Rounded::divide(Rounded::multiply(x, _pi), 180.); }
     /// @}
 
     /// Goes from `from` (x below edge0) to `to` (x at or above edge1) along a cubic that is level

@@ -3,7 +3,7 @@
 #include <base/hmGCEx.h>
 #include <base/internal/heap/hmCheckingHeap.h>
 #include <base/lmList.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <cstring>
 #include <ostream>

@@ -26,4 +26,34 @@ const HwCounterEng& HwCounter::createEngine()
     return *engine;
 }
 
+double HwCounter::seconds(unsigned long long start, unsigned long long end)
+{
+    return init().seconds(start, end);
+}
+
+double HwCounter::seconds()
+{
+    return init().seconds();
+}
+
+double HwCounter::resolution()
+{
+    return init().resolution();
+}
+
+int HwCounter::getRateNumerator()
+{
+    return init().getRateNumerator();
+}
+
+int HwCounter::getRateDenominator()
+{
+    return init().getRateDenominator();
+}
+
+void HwCounter::dump(std::ostream& os)
+{
+    init().dump(os);
+}
+
 } // namespace Kr

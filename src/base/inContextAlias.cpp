@@ -1,7 +1,9 @@
 #include <base/inContextAlias.h>
 
 #include <base/assert.h>
-#include <base/inContextAliasMgrBase.h>
+#include <base/internal/errors/fixedText.h>
+#include <base/internal/init/inCommandLine.h>
+#include <base/internal/init/inNameTable.h>
 
 namespace Kr
 {
@@ -9,14 +11,9 @@ namespace Kr
 namespace
 {
 
-const char* orEmpty(const char* text)
-{
-    return text != nullptr ? text : "";
-}
-
 bool isOption(const std::string& text)
 {
-    return text.size() > 2 && text.compare(0, 2, "--") == 0 && text.find('=') == std::string::npos;
+    return InCommandLine::isOption(text) && InCommandLine::getOption(text) == text;
 }
 
 } // namespace
@@ -31,12 +28,12 @@ InContextAliasBase::InContextAliasBase(const char* handle, const char* option,
     KR_ASSERT(!_option.empty() || !_environmentName.empty());
     KR_ASSERT(_option.empty() || isOption(_option));
     KR_ASSERT(_environmentName.find('=') == std::string::npos);
-    InContextAliasMgrBase::registerAlias(*this);
+    InNameTable::getInstance().addAlias(_handle, _option, _environmentName);
 }
 
 InContextAliasBase::~InContextAliasBase()
 {
-    InContextAliasMgrBase::unregisterAlias(*this);
+    InNameTable::getInstance().removeAlias(_handle, _option, _environmentName);
 }
 
 InContextAlias::InContextAlias(const char* handle, const char* option, const char* environmentName)

@@ -12,6 +12,8 @@
 /// before it. A handle can have several, so that an option keeps its old spelling after it was
 /// renamed.
 ///
+/// `InSettings::dumpAll` tells which aliases mean a handle that no variable has.
+///
 /// Pitfalls: aliases can be defined only until the first start-up pass. A library that is loaded
 /// later reaches its variables by their handles. Not for use by several threads.
 
@@ -22,7 +24,7 @@
 namespace Kr
 {
 
-/// What the table of aliases knows of one.
+/// The names that an alias binds to a handle.
 class KR_BASE_API InContextAliasBase
 {
 public:
@@ -41,7 +43,7 @@ public:
     }
 
 protected:
-    /// Enters the alias in the table.
+    /// Binds the names.
     InContextAliasBase(const char* handle, const char* option, const char* environmentName);
 
 private:

@@ -1,5 +1,7 @@
 #include <base/inEx.h>
 
+#include <base/internal/errors/fixedText.h>
+
 #include <cstdio>
 
 namespace Kr
@@ -9,11 +11,6 @@ namespace
 {
 
 constexpr int nameCut = 256;
-
-const char* orEmpty(const char* name)
-{
-    return name != nullptr ? name : "";
-}
 
 } // namespace
 

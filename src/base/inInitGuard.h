@@ -5,8 +5,7 @@
 /// @code{.cpp}
 /// int main(int argc, char** argv)
 /// {
-///     const char* const* arguments = argv;
-///     const Kr::InInitGuard guard(argc, arguments);
+///     const Kr::InInitGuard guard(argc, argv);
 ///     while (nextFrame())
 ///         render();
 /// }
@@ -29,6 +28,7 @@ public:
     {
         InInitMgr::getInstance().initialize(argc, argv);
     }
+    InInitGuard(int& argc, char**& argv) { InInitMgr::getInstance().initialize(argc, argv); }
     ~InInitGuard() noexcept(false)
     {
         try

@@ -4,12 +4,14 @@
 #include <base/inContextAliasMgrBase.h>
 #include <base/inEx.h>
 #include <base/inVariableBase.h>
+#include <base/internal/errors/invariant.h>
 #include <base/internal/init/inCommandLine.h>
+#include <base/internal/init/inEnvSnapshot.h>
 #include <base/internal/init/inInitDebug.h>
-#include <base/internal/init/inInitMgrState.h>
-#include <base/internal/init/inVariableRegistry.h>
-#include <base/osEnv.h>
-#include <base/trace.h>
+#include <base/internal/init/inInitState.h>
+#include <base/internal/init/inNameTable.h>
+#include <base/internal/init/inPackageRegistrar.h>
+#include <base/raise.h>
 
 #include <algorithm>
 #include <cassert>
@@ -22,32 +24,14 @@ namespace Kr
 namespace
 {
 
-/// Appends copies of the arguments to the list, or leaves the list as it is when it raises.
-void copyArguments(int argc, const char* const* argv)
+/// Raises with nothing done, or takes copies.
+void takeOver(int argc, const char* const* argv)
 {
     KR_ASSERT(argc >= 0);
     KR_ASSERT(argc == 0 || argv != nullptr);
-    std::vector<std::unique_ptr<char[]>> copies;
     for (int i = 0; i < argc; ++i)
-    {
         KR_ASSERT(argv[i] != nullptr);
-        const std::size_t size = std::strlen(argv[i]) + 1;
-        copies.emplace_back(new char[size]);
-        std::memcpy(copies.back().get(), argv[i], size);
-    }
-    Vector<char*>& arguments = InContextAliasMgrBase::args();
-    arguments.reserve(arguments.size() + copies.size());
-    for (std::unique_ptr<char[]>& copy : copies)
-        arguments.push_back(copy.release());
-}
-
-void releaseArguments()
-{
-    Vector<char*>& arguments = InContextAliasMgrBase::args();
-    for (const char* argument : arguments)
-        delete[] argument;
-    arguments.clear();
-    assert(InContextAliasMgrBase::args().size() == 0); // NOLINT(readability-container-size-empty)
+    InCommandLine::getInstance().append(argc, argv);
 }
 
 /// Sets a flag for its scope.
@@ -85,7 +69,7 @@ InInitMgr& InInitMgr::getInstance()
 }
 
 InInitMgr::InInitMgr()
-    : _state(new State)
+    : _state(new InInitState)
 {
 }
 
@@ -93,7 +77,15 @@ InInitMgr::~InInitMgr() = default;
 
 void InInitMgr::initialize(int& argc, const char* const*& argv)
 {
-    copyArguments(argc, argv);
+    takeOver(argc, argv);
+    argc = 0;
+    argv = nullptr;
+    _state->initializeNewPackages();
+}
+
+void InInitMgr::initialize(int& argc, char**& argv)
+{
+    takeOver(argc, argv);
     argc = 0;
     argv = nullptr;
     _state->initializeNewPackages();
@@ -102,7 +94,8 @@ void InInitMgr::initialize(int& argc, const char* const*& argv)
 void InInitMgr::finalize()
 {
     InVariableBase::clearPendingOverrides();
-    releaseArguments();
+    InCommandLine::getInstance().release();
+    assert(InContextAliasMgrBase::args().size() == 0); // NOLINT(readability-container-size-empty)
     if (!_state->_initCalled)
         raise<InEx::ExFinaliseBeforeInit>(KR_HERE);
     if (_state->_finalized)
@@ -124,25 +117,8 @@ bool InInitMgr::isFinalizing() const
 
 const char* InInitMgr::getEnv(const char* name)
 {
-    return getInstance()._state->_environment.get(name);
-}
-
-void InInitMgr::registerPackage(InPackageInit& package)
-{
-    if (_state->_initCalled && _state->_reinitCount == 0)
-        raise<InEx::ExReinitWithoutGuard>(KR_HERE);
-    if (!isInitialized(typeOf(package)))
-        _state->_newPackages.push_back({&package});
-}
-
-void InInitMgr::unregisterPackage(const InPackageInit& package)
-{
-    _state->forgetPackage(package);
-}
-
-bool InInitMgr::isInitialized(const std::type_info& type) const
-{
-    return _state->isInitialized(type);
+    getInstance();
+    return InEnvSnapshot::getInstance().get(name);
 }
 
 void InInitMgr::incReinitCount()
@@ -152,38 +128,53 @@ void InInitMgr::incReinitCount()
 
 void InInitMgr::decReinitCount()
 {
-    std::int32_t& _reinitCount = _state->_reinitCount; // named as the assertion reports it
-#ifdef NDEBUG
-    --_reinitCount;
-#else
-    assert(--_reinitCount >= 0);
-#endif
-    if (_reinitCount == 0)
+    --_state->_reinitCount;
+    KR_INVARIANT_TEXT(_state->_reinitCount >= 0, "--_reinitCount >= 0", __LINE__);
+    if (_state->_reinitCount == 0)
         _state->initializeNewPackages();
+}
+
+// What packages need of it
+
+void InPackageRegistrar::prepare()
+{
+    InInitMgr::getInstance();
+}
+
+void InPackageRegistrar::registerPackage(InPackageInit& package)
+{
+    InInitState& state = *InInitMgr::getInstance()._state;
+    if (state._initCalled && state._reinitCount == 0)
+        raise<InEx::ExReinitWithoutGuard>(KR_HERE);
+    if (!state.isInitialized(typeOf(package)))
+        state._newPackages.push_back({&package});
+}
+
+void InPackageRegistrar::unregisterPackage(const InPackageInit& package)
+{
+    InInitMgr::getInstance()._state->forgetPackage(package);
+}
+
+bool InPackageRegistrar::isInitialized(const std::type_info& type)
+{
+    return InInitMgr::getInstance()._state->isInitialized(type);
 }
 
 // Its state
 
-InInitMgr::State::State()
-    : _environment(OsEnv::getBlock(), std::cerr)
+InInitState::InInitState()
 {
     // What finalize uses is built before the manager, so that it also outlives it and finalize can
     // be called as the process exits.
-    InContextAliasMgrBase::args();
     InCommandLine::getInstance();
-    InVariableRegistry::getInstance();
+    InNameTable::getInstance();
+    InEnvSnapshot::getInstance();
 }
 
-/// Releases what a program that never came to finalize has left.
-InInitMgr::State::~State()
-{
-    releaseArguments();
-}
-
-void InInitMgr::State::initializeNewPackages()
+void InInitState::initializeNewPackages()
 {
     _initCalled = true;
-    InContextAliasMgrBase::closeRegistration();
+    InNameTable::getInstance().close();
     while (!_newPackages.empty())
     {
         takeUpNewPackages();
@@ -197,13 +188,13 @@ void InInitMgr::State::initializeNewPackages()
     }
 }
 
-bool InInitMgr::State::nameBefore(const PackageEntry& left, const PackageEntry& right)
+bool InInitState::nameBefore(const PackageEntry& left, const PackageEntry& right)
 {
     return std::strcmp(left.package->getName(), right.package->getName()) < 0;
 }
 
 /// Each type once, in the order of the names.
-void InInitMgr::State::takeUpNewPackages()
+void InInitState::takeUpNewPackages()
 {
     _packagesToInit = _newPackages;
     _newPackages.clear();
@@ -219,7 +210,7 @@ void InInitMgr::State::takeUpNewPackages()
     std::sort(_packagesToInit.begin(), _packagesToInit.end(), &nameBefore);
 }
 
-void InInitMgr::State::buildMatrix()
+void InInitState::buildMatrix()
 {
     _cycle = false;
     _nbPckgs = static_cast<std::int32_t>(_packagesToInit.size());
@@ -232,8 +223,8 @@ void InInitMgr::State::buildMatrix()
         setDependencies(i, indices);
 }
 
-void InInitMgr::State::setDependencies(
-    std::size_t index, const std::unordered_map<std::type_index, std::size_t>& indices)
+void InInitState::setDependencies(std::size_t index,
+                                  const std::unordered_map<std::type_index, std::size_t>& indices)
 {
     PackageEntry& entry = _packagesToInit[index];
     for (const std::type_info* type : entry.package->getDependencies())
@@ -246,7 +237,7 @@ void InInitMgr::State::setDependencies(
     }
 }
 
-void InInitMgr::State::closeMatrix()
+void InInitState::closeMatrix()
 {
     assert(!_cycle);
     const std::vector<std::int32_t> indirect = _dependencyMatrix.close();
@@ -255,7 +246,7 @@ void InInitMgr::State::closeMatrix()
     _cycle = _dependencyMatrix.hasCycle();
 }
 
-void InInitMgr::State::orderPackages()
+void InInitState::orderPackages()
 {
     assert(!_cycle);
     std::stable_sort(_packagesToInit.begin(), _packagesToInit.end(),
@@ -264,7 +255,7 @@ void InInitMgr::State::orderPackages()
     _dependencyMatrix = InDependencyMatrix();
 }
 
-void InInitMgr::State::saveNewPackages()
+void InInitState::saveNewPackages()
 {
     for (const PackageEntry& entry : _packagesToInit)
     {
@@ -283,7 +274,7 @@ void InInitMgr::State::saveNewPackages()
     }
 }
 
-void InInitMgr::State::startPackages()
+void InInitState::startPackages()
 {
     const ScopedFlag initializing(_initializing);
     Run run;
@@ -304,7 +295,7 @@ void InInitMgr::State::startPackages()
     _packagesToInit = _runs.empty() ? Entries() : _runs.back()->entries;
 }
 
-void InInitMgr::State::startPackage(const PackageEntry& entry)
+void InInitState::startPackage(const PackageEntry& entry)
 {
     const std::type_info& type = typeOf(*entry.package);
     SavedEntry& saved = getSaved(type);
@@ -323,7 +314,7 @@ void InInitMgr::State::startPackage(const PackageEntry& entry)
     endStart(entry, type, true);
 }
 
-void InInitMgr::State::endStart(const PackageEntry& entry, const std::type_info& type, bool isUp)
+void InInitState::endStart(const PackageEntry& entry, const std::type_info& type, bool isUp)
 {
     SavedEntry& saved = getSaved(type);
     saved.isStarting = false;
@@ -334,7 +325,7 @@ void InInitMgr::State::endStart(const PackageEntry& entry, const std::type_info&
 
 /// An entry counts as stopped before its stop routine runs, so that none is stopped twice when a
 /// routine raises and the caller tries again.
-void InInitMgr::State::stopPackages()
+void InInitState::stopPackages()
 {
     const ScopedFlag finalizing(_finalizing);
     const auto isUp = [](const SavedEntry& entry) { return entry.initialized; };
@@ -350,7 +341,7 @@ void InInitMgr::State::stopPackages()
     _savedByType.clear();
 }
 
-void InInitMgr::State::forgetPackage(const InPackageInit& package)
+void InInitState::forgetPackage(const InPackageInit& package)
 {
     const auto isIt = [&package](const PackageEntry& entry) { return entry.package == &package; };
 
@@ -377,7 +368,7 @@ void InInitMgr::State::forgetPackage(const InPackageInit& package)
     }
 }
 
-void InInitMgr::State::forgetSaved(std::size_t index)
+void InInitState::forgetSaved(std::size_t index)
 {
     _savedByType.erase(*_savedPackages[index].type);
     _savedPackages.erase(_savedPackages.begin() + static_cast<std::ptrdiff_t>(index));
@@ -385,26 +376,26 @@ void InInitMgr::State::forgetSaved(std::size_t index)
         _savedByType[*_savedPackages[i].type] = static_cast<std::int32_t>(i);
 }
 
-std::int32_t InInitMgr::State::indexOfSaved(const std::type_info& type) const
+std::int32_t InInitState::indexOfSaved(const std::type_info& type) const
 {
     const auto found = _savedByType.find(type);
     return found != _savedByType.end() ? found->second : -1;
 }
 
-InInitMgr::State::SavedEntry& InInitMgr::State::getSaved(const std::type_info& type)
+InInitState::SavedEntry& InInitState::getSaved(const std::type_info& type)
 {
     const std::int32_t index = indexOfSaved(type);
     assert(index != -1);
     return _savedPackages[static_cast<std::size_t>(index)];
 }
 
-bool InInitMgr::State::isInitialized(const std::type_info& type) const
+bool InInitState::isInitialized(const std::type_info& type) const
 {
     const std::int32_t index = indexOfSaved(type);
     return index != -1 && _savedPackages[static_cast<std::size_t>(index)].initialized;
 }
 
-void InInitMgr::State::reportPackagesToInit() const
+void InInitState::reportPackagesToInit() const
 {
     if (!isInitDebugEnabled())
         return;

@@ -10,8 +10,7 @@
 /// #include <base/inInitGuard.h>
 /// int main(int argc, char** argv)
 /// {
-///     const char* const* arguments = argv;
-///     Kr::InInitGuard guard(argc, arguments); // starts the packages; stops them when main ends
+///     Kr::InInitGuard guard(argc, argv); // starts the packages; stops them when main ends
 ///     // The command line is the manager's now: it is read through variables and context aliases.
 ///     Kr::InInitMgr::getInstance().reportStart(std::cout);
 /// }
@@ -32,15 +31,14 @@
 
 #include <base/krBaseApi.h>
 
-#include <cstdint>
 #include <iosfwd>
 #include <memory>
-#include <typeinfo>
 
 namespace Kr
 {
 
-class InPackageInit;
+struct InInitState;
+struct InPackageRegistrar;
 
 class KR_BASE_API InInitMgr
 {
@@ -58,6 +56,8 @@ public:
     /// Raises `ExInternalError`, with nothing done, if `argc` is negative or an argument is null,
     /// and what is said above.
     void initialize(int& argc, const char* const*& argv);
+    /// The same for the arguments as `main` has them.
+    void initialize(int& argc, char**& argv);
 
     /// Discards overrides that no variable has taken and the arguments, then stops the packages.
     /// Raises `InEx::ExFinaliseBeforeInit`, `InEx::ExDoubleFinalise`, `ExInternalError` when a
@@ -91,20 +91,16 @@ public:
     static const char* getEnv(const char* name);
 
 private:
-    friend class InPackageInit;
     friend class InReinitGuard;
-    struct State;
+    friend struct InPackageRegistrar;
 
     InInitMgr();
     ~InInitMgr();
 
-    void registerPackage(InPackageInit& package);
-    void unregisterPackage(const InPackageInit& package);
-    bool isInitialized(const std::type_info& type) const;
     void incReinitCount();
     void decReinitCount();
 
-    const std::unique_ptr<State> _state;
+    const std::unique_ptr<InInitState> _state;
 };
 
 } // namespace Kr

@@ -1,6 +1,7 @@
 #include <base/inOptionParser.h>
 
 #include <base/assert.h>
+#include <base/internal/errors/fixedText.h>
 
 #include <cassert>
 #include <cstring>
@@ -41,7 +42,7 @@ int findToken(char* const* tokens, const char* key)
 InOptionParser::InOptionParser(int argc, char** argv, const char* optionString)
     : _argc(argv != nullptr && argc > 0 ? argc : 0)
     , _argv(argv)
-    , _optionString(optionString != nullptr ? optionString : "")
+    , _optionString(orEmpty(optionString))
     , _value(nullptr)
     , _argumentIndex(0)
     , _cursor(nullptr)

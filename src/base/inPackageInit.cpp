@@ -1,9 +1,9 @@
 #include <base/inPackageInit.h>
 
 #include <base/assert.h>
-#include <base/inInitMgr.h>
 #include <base/inVariableBase.h>
 #include <base/internal/init/inInitDebug.h>
+#include <base/internal/init/inPackageRegistrar.h>
 #include <base/internal/init/inPackageWatch.h>
 
 #include <algorithm>
@@ -47,7 +47,7 @@ private:
 InPackageInit::InPackageInit(const char* name)
 {
     // The manager exists before the first package does, so that it also outlives them all.
-    InInitMgr::getInstance();
+    InPackageRegistrar::prepare();
     const std::size_t length = name != nullptr ? std::min(std::strlen(name), nameSize - 1) : 0;
     std::copy_n(name, length, _name);
     _name[length] = '\0';
@@ -55,7 +55,7 @@ InPackageInit::InPackageInit(const char* name)
 
 InPackageInit::~InPackageInit()
 {
-    InInitMgr::getInstance().unregisterPackage(*this);
+    InPackageRegistrar::unregisterPackage(*this);
 }
 
 void InPackageInit::addDependency(InVariableBase* variable)
@@ -83,13 +83,17 @@ void InPackageInit::initialize()
     reportStep("performInitialize");
     const InPackageWatch watch(getName(), true);
     _startTimes = StartTimes();
+    try
     {
-        const ScopeTimer timer(_startTimes.variables);
         initializeVariables();
-    }
-    {
         const ScopeTimer timer(_startTimes.start);
         performInitialize();
+    }
+    catch (...)
+    {
+        for (std::size_t i = _variables.size(); i-- > 0;)
+            _variables[i]->abandon();
+        throw;
     }
     setInitialized(true);
 }
@@ -107,7 +111,7 @@ void InPackageInit::finalize()
 void InPackageInit::addDependency(const std::type_info* type)
 {
     KR_ASSERT(type != nullptr);
-    const bool isUp = InInitMgr::getInstance().isInitialized(*type);
+    const bool isUp = InPackageRegistrar::isInitialized(*type);
     (isUp ? _metDependencies : _dependencies).push_back(type);
 }
 
@@ -115,11 +119,12 @@ void InPackageInit::registerPackage()
 {
     if (isInitDebugEnabled())
         std::cerr << "Registering Package: InInit<" << getName() << ">" << std::endl;
-    InInitMgr::getInstance().registerPackage(*this);
+    InPackageRegistrar::registerPackage(*this);
 }
 
 void InPackageInit::initializeVariables()
 {
+    const ScopeTimer timer(_startTimes.variables);
     // By index: a variable may attach another one while it starts.
     for (std::size_t i = 0; i < _variables.size(); ++i)
         _variables[i]->initialize();

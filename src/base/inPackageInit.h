@@ -17,9 +17,6 @@ namespace Kr
 class KR_BASE_API InPackageInit : public InPackageInitBase
 {
 public:
-    /// The size of a name, its terminator included.
-    static constexpr std::size_t nameSize = 128;
-
     /// What the last start took, in milliseconds.
     struct StartTimes
     {
@@ -51,7 +48,7 @@ public:
     virtual void setInitialized(bool initialized) = 0;
 
     /// Starts the variables in the order of their attachment, then the package. What they raise
-    /// passes on, and the package does not count as up.
+    /// passes on; the package does not count as up, and its variables are abandoned.
     void initialize();
 
     /// Stops the package, then its variables in reverse.
@@ -78,6 +75,8 @@ protected:
 private:
     void initializeVariables();
     void reportStep(const char* operation) const;
+
+    static constexpr std::size_t nameSize = 128; // the terminator included
 
     char _name[nameSize];
     Vector<const std::type_info*> _dependencies;

@@ -9,13 +9,15 @@
 /// #define VIEWER_API // the export macro of the library that owns the service
 ///
 /// // camera.h
+/// class VIEWER_API Camera;
+/// extern template class VIEWER_API Kr::InSingleton<Camera>; // at global scope, before any use
+///
 /// class VIEWER_API Camera
 /// {
 /// public:
 ///     static Camera& getInstance() { return *Kr::InSingleton<Camera>::getInstance(); }
 ///     virtual ~Camera() = default;
 /// };
-/// extern template class VIEWER_API Kr::InSingleton<Camera>; // at global scope
 ///
 /// // camera.cpp
 /// #include <base/inSingleton.imp>
@@ -29,9 +31,11 @@
 /// process has one instance whatever libraries it is made of: a singleton that no source
 /// instantiates does not link, rather than exist once in each library.
 ///
-/// Pitfalls: a singleton that was destroyed cannot be initialised again. There is no lock:
-/// `initialize` and `destroy` belong to the main thread, and whoever calls `getInstance` on another
-/// thread relies on the package being started for as long as that thread runs.
+/// Pitfalls: the declaration of the instance has to stand before the class, whose accessor would
+/// otherwise instantiate the singleton in every library that includes the header. A singleton that
+/// was destroyed cannot be initialised again. There is no lock: `initialize` and `destroy` belong
+/// to the main thread, and whoever calls `getInstance` on another thread relies on the package
+/// being started for as long as that thread runs.
 
 #include <base/inSingletonEx.h>
 

@@ -1,5 +1,7 @@
 #include <base/inSingletonEx.h>
 
+#include <base/internal/errors/fixedText.h>
+
 #include <cstdio>
 
 namespace Kr
@@ -10,7 +12,7 @@ InSingletonEx::InSingletonEx(const char* file, int line, const char* className,
     : InEx(file, line)
 {
     char reason[reasonSize];
-    std::snprintf(reason, sizeof reason, "%s %s.", className != nullptr ? className : "", text);
+    std::snprintf(reason, sizeof reason, "%s %s.", orEmpty(className), text);
     setReason(reason);
 }
 

@@ -4,10 +4,17 @@ namespace Kr
 {
 
 template class InVariable<bool>;
-template class InVariable<std::int32_t>;
-template class InVariable<std::uint32_t>;
-template class InVariable<std::int64_t>;
-template class InVariable<std::uint64_t>;
+template class InVariable<signed char>;
+template class InVariable<unsigned char>;
+template class InVariable<short>;
+template class InVariable<unsigned short>;
+template class InVariable<int>;
+template class InVariable<unsigned int>;
+template class InVariable<long>;
+template class InVariable<unsigned long>;
+template class InVariable<long long>;
+template class InVariable<unsigned long long>;
+template class InVariable<float>;
 template class InVariable<double>;
 template class InVariable<std::string>;
 

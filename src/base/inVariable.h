@@ -13,8 +13,7 @@
 /// };
 /// Kr::InPackageInitBase& viewer(); // where the package's InInit object stands
 ///
-/// static Kr::InVariable<std::int32_t> samples(viewer(), "viewer.samples", 4, "Samples per pixel",
-///                                             {1, 64});
+/// static Kr::InVariable<int> samples(viewer(), "viewer.samples", 4, "Samples per pixel", {1, 64});
 /// static Kr::InVariable<bool> vsync(viewer(), "viewer.vsync", true, "Wait for the display");
 /// static Kr::InVariable<Shading> shading(viewer(), "viewer.shading", Shading::Smooth, "Shading",
 ///                                        {{"flat", Shading::Flat}, {"smooth", Shading::Smooth}});
@@ -41,19 +40,20 @@
 /// started never start. Reading is free of locks and may be done by any thread while the package is
 /// up; everything else is not for use by several threads.
 
+#include <base/inSettings.h>
 #include <base/internal/init/inNamedVariable.h>
 #include <base/internal/init/inValueForm.h>
 #include <base/krBaseApi.h>
 
-#include <cstdint>
 #include <string>
+#include <string_view>
+#include <type_traits>
 #include <utility>
 
 namespace Kr
 {
 
-/// @tparam T `bool`, `std::int32_t`, `std::uint32_t`, `std::int64_t`, `std::uint64_t`, `double`,
-///         `std::string` or an enumeration
+/// @tparam T `bool`, an integer of any size, `float`, `double`, `std::string` or an enumeration
 template <class T>
 class InVariable : public InNamedVariable
 {
@@ -68,48 +68,29 @@ public:
     /// Raises `InEx::ExHandleAlreadyInUse`, and `ExInternalError` when the handle is null, empty or
     /// holds "=".
     InVariable(InPackageInitBase& package, const char* handle, T defaultValue, const char* help,
-               InValueForm<T> form = {})
-        : InNamedVariable(package, handle, help)
-        , _form(std::move(form))
-        , _default(std::move(defaultValue))
-        , _value(_default)
-    {
-    }
+               InValueForm<T> form = {});
 
-    /// The value. Raises `InEx::ExUninitializedObject` unless the package is starting or up, and
-    /// `InEx::ExInvalidObject` when the start found no valid value.
-    const T& getValue() const
-    {
-        checkReadable();
-        return _value;
-    }
+    /// The value. Raises `InEx::ExInvalidObject` when the package's last start found no valid one,
+    /// and `InEx::ExUninitializedObject` while the package is not starting or up, also after a
+    /// start that failed.
+    const T& getValue() const;
 
-    const T& getDefault() const noexcept { return _default; }
+    const T& getDefault() const noexcept;
 
     /// Gives the variable its value ahead of every other source. A value that the form does not
     /// allow raises when the package starts. Raises `InEx::ExVariableAlreadyInitialized` when it
     /// has started.
-    void setOverride(const T& value)
-    {
-        InVariableBase::setOverride(getHandle(), _form.write(value).c_str());
-    }
+    void setOverride(const T& value);
+
+    bool isFlag() const override;
+    bool isDefaultValid() const override;
+    std::string getDefaultText() const override;
+    std::string getExpectedForm() const override;
 
 private:
-    bool isFlag() const override { return std::is_same_v<T, bool>; }
-    bool isWellFormed(std::string_view text) const override
-    {
-        T ignored{};
-        return _form.parse(text, ignored);
-    }
-    void setValueText(std::string_view text) override { _form.parse(text, _value); }
-    bool setDefault() override
-    {
-        _value = _default;
-        return _form.isValid(_default);
-    }
-    std::string getValueText() const override { return _form.write(_value); }
-    std::string getDefaultText() const override { return _form.write(_default); }
-    std::string getExpectedForm() const override { return _form.getExpected(); }
+    bool readText(std::string_view text, bool takes) override;
+    void takeDefault() override;
+    std::string getValueText() const override;
 
     InValueForm<T> _form;
     T _default;
@@ -117,11 +98,92 @@ private:
 };
 
 extern template class KR_BASE_API InVariable<bool>;
-extern template class KR_BASE_API InVariable<std::int32_t>;
-extern template class KR_BASE_API InVariable<std::uint32_t>;
-extern template class KR_BASE_API InVariable<std::int64_t>;
-extern template class KR_BASE_API InVariable<std::uint64_t>;
+extern template class KR_BASE_API InVariable<signed char>;
+extern template class KR_BASE_API InVariable<unsigned char>;
+extern template class KR_BASE_API InVariable<short>;
+extern template class KR_BASE_API InVariable<unsigned short>;
+extern template class KR_BASE_API InVariable<int>;
+extern template class KR_BASE_API InVariable<unsigned int>;
+extern template class KR_BASE_API InVariable<long>;
+extern template class KR_BASE_API InVariable<unsigned long>;
+extern template class KR_BASE_API InVariable<long long>;
+extern template class KR_BASE_API InVariable<unsigned long long>;
+extern template class KR_BASE_API InVariable<float>;
 extern template class KR_BASE_API InVariable<double>;
 extern template class KR_BASE_API InVariable<std::string>;
+
+// --- bodies -------------------------------------------------------------------------------------
+
+template <class T>
+InVariable<T>::InVariable(InPackageInitBase& package, const char* handle, T defaultValue,
+                          const char* help, InValueForm<T> form)
+    : InNamedVariable(package, handle, help)
+    , _form(std::move(form))
+    , _default(std::move(defaultValue))
+    , _value(_default)
+{
+}
+
+template <class T>
+const T& InVariable<T>::getValue() const
+{
+    checkReadable();
+    return _value;
+}
+
+template <class T>
+const T& InVariable<T>::getDefault() const noexcept
+{
+    return _default;
+}
+
+template <class T>
+void InVariable<T>::setOverride(const T& value)
+{
+    InSettings::setOverride(getHandle(), _form.write(value).c_str());
+}
+
+template <class T>
+bool InVariable<T>::isFlag() const
+{
+    return std::is_same_v<T, bool>;
+}
+
+template <class T>
+bool InVariable<T>::isDefaultValid() const
+{
+    return _form.isValid(_default);
+}
+
+template <class T>
+std::string InVariable<T>::getDefaultText() const
+{
+    return _form.write(_default);
+}
+
+template <class T>
+std::string InVariable<T>::getExpectedForm() const
+{
+    return _form.getExpected();
+}
+
+template <class T>
+bool InVariable<T>::readText(std::string_view text, bool takes)
+{
+    T ignored{};
+    return _form.parse(text, takes ? _value : ignored);
+}
+
+template <class T>
+void InVariable<T>::takeDefault()
+{
+    _value = _default;
+}
+
+template <class T>
+std::string InVariable<T>::getValueText() const
+{
+    return _form.write(_value);
+}
 
 } // namespace Kr

@@ -1,20 +1,21 @@
 #pragma once
 
 /// @file
-/// The part of an initialisation variable that its package knows, and what can be done with the
-/// variables of the process together.
-/// @code
-/// Kr::InVariableBase::setOverride("viewer.samples", "16"); // before the package starts
-/// Kr::InInitGuard guard(argc, argv);
-/// if (Kr::InVariableBase::isHelpRequested())
-///     Kr::InVariableBase::printHelp(std::cout);
-/// Kr::InVariableBase::dumpAll(std::cerr);
+/// The part of an initialisation variable that its package knows. Programs declare `InVariable<T>`
+/// and look at all of them by `InSettings`.
+/// @code{.cpp}
+/// /// Counts the starts of its package.
+/// class StartCounter : public Kr::InVariableBase
+/// {
+/// public:
+///     void initialize() override { ++count; }
+///     void finalize() override {}
+///     int count = 0;
+/// };
 /// @endcode
 /// Not for use by several threads.
 
 #include <base/krBaseApi.h>
-
-#include <iosfwd>
 
 namespace Kr
 {
@@ -28,28 +29,13 @@ public:
     virtual void initialize() = 0;
     /// Called when the variable's package stops, after the package's own stop routine.
     virtual void finalize() = 0;
+    /// Called when the start of the package failed, in place of `finalize`, also where `initialize`
+    /// raised or was not come to.
+    virtual void abandon() noexcept;
 
-    /// Gives the variable of that handle its value, ahead of every other source, when its package
-    /// starts. The variable need not exist yet; a later override of the same handle replaces an
-    /// earlier one. Raises `ExInternalError` when a text is null, and
-    /// `InEx::ExVariableAlreadyInitialized` when the variable has started.
-    static void setOverride(const char* handle, const char* text);
-
-    /// Discards the overrides that no variable has consumed. The manager calls this when it stops,
-    /// right before it releases the command line, which is forgotten here too.
+    /// Discards the overrides that no variable has consumed, and what is known of the command line.
+    /// The manager calls this when it stops, right before it releases the words.
     static void clearPendingOverrides();
-
-    /// Whether the command line holds the option `--help`.
-    static bool isHelpRequested();
-
-    /// A table for each package, by name: each of its variables' options, environment variables,
-    /// default and meaning. What a setting answers to besides, "--" and its handle, is shown where
-    /// it has no other option.
-    static void printHelp(std::ostream& os);
-
-    /// Says of each variable, by handle, its value, the source that won, and the candidates that
-    /// lost; of one that has no value, why.
-    static void dumpAll(std::ostream& os);
 };
 
 } // namespace Kr

@@ -1,5 +1,7 @@
 #include <base/inVariableEx.h>
 
+#include <base/internal/errors/fixedText.h>
+
 #include <cstdio>
 
 namespace Kr
@@ -7,11 +9,6 @@ namespace Kr
 
 namespace
 {
-
-const char* orEmpty(const char* text)
-{
-    return text != nullptr ? text : "";
-}
 
 constexpr int cut = 256;
 constexpr std::size_t textSize = 4 * cut + 128; // four texts and the words around them
@@ -43,6 +40,19 @@ InVariableEx::ExMissingValue::ExMissingValue(const char* file, int line, const c
     char reason[textSize];
     std::snprintf(reason, sizeof reason, "Variable '%.*s': %.*s needs a value, %.*s.", cut,
                   orEmpty(handle), cut, orEmpty(source), cut, orEmpty(expected));
+    setReason(reason);
+}
+
+InVariableEx::ExUnknownOption::ExUnknownOption(const char* file, int line, const char* option,
+                                               const char* nearest)
+    : ExConcrete(file, line)
+{
+    char reason[textSize];
+    if (nearest != nullptr)
+        std::snprintf(reason, sizeof reason, "Unknown option '%.*s': did you mean '%.*s'?", cut,
+                      orEmpty(option), cut, nearest);
+    else
+        std::snprintf(reason, sizeof reason, "Unknown option '%.*s'.", cut, orEmpty(option));
     setReason(reason);
 }
 

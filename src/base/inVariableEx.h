@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// What is wrong with a value that someone gave to an initialisation variable. Every text in a
+/// What is wrong with the settings that someone gave. Every text in a
 /// reason is cut at 256 characters; a null one counts as empty.
 /// @code
 /// try
@@ -25,6 +25,7 @@ class KR_BASE_API InVariableEx : public InEx
 public:
     class ExMalformedValue;
     class ExMissingValue;
+    class ExUnknownOption;
 
 protected:
     InVariableEx(const char* file, int line) noexcept;
@@ -48,6 +49,15 @@ class KR_BASE_API InVariableEx::ExMissingValue
 public:
     ExMissingValue(const char* file, int line, const char* handle, const char* source,
                    const char* expected);
+};
+
+/// "Unknown option '%.*s'.", or where the option is much like a known one, "Unknown option '%.*s':
+/// did you mean '%.*s'?": see `InSettings::refuseUnknownOptions`. A null `nearest` is none.
+class KR_BASE_API InVariableEx::ExUnknownOption
+    : public ExConcrete<InVariableEx::ExUnknownOption, std::runtime_error, InVariableEx>
+{
+public:
+    ExUnknownOption(const char* file, int line, const char* option, const char* nearest);
 };
 
 } // namespace Kr

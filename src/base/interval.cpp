@@ -1,4 +1,4 @@
-#include <base/interval.imp>
+#include <base/interval.h>
 
 namespace Kr
 {

@@ -8,7 +8,8 @@
 ///     draw(visible.getIntersection(shot)); // [8, 10]
 /// const Kr::Interval<double> volume = visible * -2.; // [-20, 0]
 /// @endcode
-/// T is `float`, `double` or `DtTimeIndex` (include <base/dtTimeIndexInterval.h>).
+/// T is `float`, `double`, an integer, or a class over `long long` such as `DtTimeIndex` (include
+/// <base/dtTimeIndexInterval.h>); nothing else compiles.
 ///
 /// An interval always has lower <= upper; ends given in the wrong order are exchanged. The one
 /// exception is the empty interval, `getEmpty()`: the intersection of disjoint intervals, and the
@@ -19,16 +20,19 @@
 /// - floating point: ends are rounded to nearest (not outward: the last bit of an end is not
 ///   guaranteed); zero times infinity is zero, since no value of an interval is infinite. A NaN end
 ///   is kept: the interval contains nothing, meets nothing and makes what it enters NaN;
-/// - integers: ends saturate at the type's limits instead of wrapping around, and division
-///   truncates toward zero.
+/// - integers: ends saturate at the type's limits instead of wrapping around (at 0, where an
+///   unsigned difference would fall below), and division truncates toward zero. The empty interval
+///   is [greatest, least].
 ///
 /// A value type; distinct intervals can be used by distinct threads.
 /// Source: R. E. Moore, Interval Analysis, 1966.
 
 #include <base/assert.h>
+#include <base/internal/numeric/rounded.h>
 #include <base/krBaseApi.h>
 
 #include <iosfwd>
+#include <type_traits>
 
 namespace Kr
 {
@@ -36,6 +40,11 @@ namespace Kr
 template <class T>
 class Interval
 {
+    static_assert(std::is_same_v<T, float> || std::is_same_v<T, double> ||
+                      (std::is_integral_v<T> && !std::is_same_v<T, bool>) ||
+                      (std::is_class_v<T> && std::is_convertible_v<T, long long>),
+                  "the ends of an Interval are float, double, integers or tick counts");
+
 public:
     /// How one interval lies against another.
     enum Containment
@@ -160,8 +169,7 @@ private:
 template <class T>
 std::ostream& operator<<(std::ostream& os, const Interval<T>& interval);
 
-// Compiled once. Everything else is small enough to be compiled into its callers, which a class
-// instantiated only in the library would not be.
+// Compiled once, for the types that the library uses itself.
 extern template KR_BASE_API std::ostream& operator<<(std::ostream&, const Interval<float>&);
 extern template KR_BASE_API std::ostream& operator<<(std::ostream&, const Interval<double>&);
 

@@ -1,6 +1,7 @@
 #include <base/lgGroups.h>
 
 #include <base/assert.h>
+#include <base/internal/log/lgGroupNames.h>
 #include <base/lgEx.h>
 #include <base/osEnv.h>
 
@@ -52,6 +53,15 @@ char* takeToken(char*& text, const char* skip, char end)
     return token;
 }
 
+/// Tells the program's user what the text should have held.
+void complain(const char* variable, const char* text)
+{
+    std::cerr << variable << ": '" << text << "' names no level; the levels are ";
+    for (unsigned int l = 0; l < LgTypes::NUM_LEVELS; ++l)
+        std::cerr << (l == 0 ? "" : ", ") << LgTypes::getLevelName(static_cast<LgTypes::Level>(l));
+    std::cerr << std::endl;
+}
+
 } // namespace
 
 const std::uint32_t LgMajorGroup::_levelMask[] = {0x80, 0xC0, 0xE0, 0xF0, 0xF8, 0xFC, 0x02};
@@ -78,15 +88,33 @@ void LgMajorGroup::initialize(const char* settings)
     majorGroups = new MajorGroups;
     if (settings != nullptr)
         parse(settings);
+    LgGroup::bindAll();
 }
 
 void LgMajorGroup::initializeFromEnvironment()
 {
-    if (const char* level = OsEnv::getVariable("KR_LOG_DEFAULT_LEVEL"))
-        for (unsigned int l = 0; l < LgTypes::NUM_LEVELS; ++l)
-            if (std::strcmp(level, LgTypes::getLevelName(static_cast<LgTypes::Level>(l))) == 0)
-                setDefaultThreshold(static_cast<LgTypes::Level>(l));
-    initialize(OsEnv::getVariable("KR_LOG_GROUPS"));
+    initialize(OsEnv::getVariable("KR_LOG_DEFAULT_LEVEL"), OsEnv::getVariable("KR_LOG_GROUPS"));
+}
+
+void LgMajorGroup::initialize(const char* defaultLevel, const char* settings)
+{
+    if (defaultLevel != nullptr && !setDefaultThreshold(defaultLevel))
+        complain("KR_LOG_DEFAULT_LEVEL", defaultLevel);
+    initialize(settings);
+}
+
+/// False for a text that is not empty and names no level.
+bool LgMajorGroup::setDefaultThreshold(const char* name)
+{
+    for (unsigned int l = 0; l < LgTypes::NUM_LEVELS; ++l)
+    {
+        const auto level = static_cast<LgTypes::Level>(l);
+        if (std::strcmp(name, LgTypes::getLevelName(level)) != 0)
+            continue;
+        setDefaultThreshold(level);
+        return true;
+    }
+    return *name == '\0';
 }
 
 void LgMajorGroup::parse(const char* settings)
@@ -97,15 +125,20 @@ void LgMajorGroup::parse(const char* settings)
     char* rest = copy.data();
     while (const char* group = takeToken(rest, "=,", '='))
     {
+        const char* name = nullptr;
         try
         {
             // The level first: a misspelt one creates no group.
-            const LgTypes::Level level = LgTypes::getLevelFromString(takeToken(rest, ",", ','));
+            name = takeToken(rest, ",", ',');
+            if (name == nullptr)
+                complain("KR_LOG_GROUPS", group);
+            const LgTypes::Level level = LgTypes::getLevelFromString(name);
             getInstanceForName(group).setLogThreshold(level, false);
         }
         catch (const LgEx::InvalidLevelString& error)
         {
             std::cout << error.getReason() << std::endl;
+            complain("KR_LOG_GROUPS", (std::string(group) + '=' + name).c_str());
         }
     }
 }
@@ -114,6 +147,7 @@ void LgMajorGroup::finalize()
 {
     KR_ASSERT_AT(names, 216);
     KR_ASSERT_AT(majorGroups, 217);
+    LgGroup::unbindAll();
     delete majorGroups;
     majorGroups = nullptr;
     delete names;
@@ -122,15 +156,13 @@ void LgMajorGroup::finalize()
 
 void LgMajorGroup::setDefaultThreshold(LgTypes::Level l)
 {
-    constexpr auto NUM_LEVELS = LgTypes::NUM_LEVELS;
-    KR_ASSERT_AT(l < NUM_LEVELS, 239);
+    KR_ASSERT_TEXT(l < LgTypes::NUM_LEVELS, "l < NUM_LEVELS", 239);
     _defaultThreshold = std::max(l, LgTypes::FatalError);
 }
 
 void LgMajorGroup::setLogThreshold(LgTypes::Level l, bool replaceAll)
 {
-    constexpr auto NUM_LEVELS = LgTypes::NUM_LEVELS;
-    KR_ASSERT_AT(l < NUM_LEVELS, 256);
+    KR_ASSERT_TEXT(l < LgTypes::NUM_LEVELS, "l < NUM_LEVELS", 256);
     const std::uint32_t profiling = _levelMask[LgTypes::Profiling];
     const std::uint32_t old = getLogLevels();
     std::uint32_t levels = old | profiling;
@@ -174,8 +206,55 @@ const char* LgMajorGroup::getUsage() noexcept
 LgMinorGroup::LgMinorGroup(const LgMajorGroup& major, const char* n)
     : _major(&major)
     , _name(n)
+    , _number(0)
 {
     KR_ASSERT_AT(n, 314);
+    _number = LgGroupNames::getNumber(n);
+}
+
+/// Never destroyed: groups that own themselves may outlive every other object.
+const LgMajorGroup& LgMajorGroup::getOff()
+{
+    static const LgMajorGroup& off = []() -> LgMajorGroup&
+    {
+        auto* group = new LgMajorGroup;
+        group->_logLevels = 0;
+        return *group;
+    }();
+    return off;
+}
+
+LgGroup* LgGroup::_first = nullptr;
+
+LgGroup::LgGroup(const char* majorName, const char* name)
+    : LgMinorGroup(LgMajorGroup::getOff(), name)
+    , _majorName(majorName)
+    , _next(_first)
+{
+    KR_ASSERT(majorName);
+    if (majorGroups != nullptr)
+        _major = &LgMajorGroup::getInstanceForName(_majorName);
+    _first = this;
+}
+
+LgGroup::~LgGroup()
+{
+    LgGroup** link = &_first;
+    while (*link != this)
+        link = &(*link)->_next;
+    *link = _next;
+}
+
+void LgGroup::bindAll()
+{
+    for (LgGroup* group = _first; group != nullptr; group = group->_next)
+        group->_major = &LgMajorGroup::getInstanceForName(group->_majorName);
+}
+
+void LgGroup::unbindAll() noexcept
+{
+    for (LgGroup* group = _first; group != nullptr; group = group->_next)
+        group->_major = &LgMajorGroup::getOff();
 }
 
 } // namespace Kr

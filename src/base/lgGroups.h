@@ -36,6 +36,16 @@
 ///     setenv KR_LOG_GROUPS Database=Warning,UI=Informational,Radiosity=Profiling
 ///     setenv KR_LOG_DEFAULT_LEVEL Tracing
 ///
+/// A group that owns itself needs no package: it may be static, exists before the logger starts and
+/// after it stops, and is off then.
+/// @code
+/// static const Kr::LgGroup lights("Renderer", "Lights");
+///
+/// void light(int count)
+/// {
+///     KR_LOG(lights, Informational) << count << " lights";
+/// }
+/// @endcode
 /// Pitfalls: a level switches on itself and everything more severe, but "Profiling" only itself.
 /// Internal and fatal errors are always on. Blanks in the variables are not trimmed. The registry
 /// of groups is for start-up and shut-down, by one thread; asking a group is for any thread at any
@@ -97,14 +107,19 @@ public:
     /// level does, the registry is open and the settings before the culprit are applied.
     static void initialize(const char* settings);
 
-    /// Reads KR_LOG_DEFAULT_LEVEL, then opens the registry with KR_LOG_GROUPS: what the logger does
-    /// first when it starts.
+    /// Sets the default threshold, then opens the registry and applies the settings: what the
+    /// logger does first when it starts. Either text may be null. A name that is no level's is
+    /// passed over, and told on the standard error stream.
+    static void initialize(const char* defaultLevel, const char* settings);
+
+    /// The same with the environment's KR_LOG_DEFAULT_LEVEL and KR_LOG_GROUPS.
     static void initializeFromEnvironment();
 
     /// Applies settings: pairs of a group's name, "=" and a level's name, separated by commas;
     /// empty items are skipped. A group may appear several times; each pair is a call of
     /// `setLogThreshold(level, false)`. A pair whose level does not exist is reported on standard
-    /// output and skipped. Raises `ExInternalError` for a name without a level.
+    /// output and skipped; a line on the standard error stream tells which levels there are. Raises
+    /// `ExInternalError` for a name without a level.
     static void parse(const char* settings);
 
     /// Closes the registry and forgets every group. Delete the minor groups before.
@@ -123,6 +138,10 @@ public:
     static const char* getUsage() noexcept;
 
 private:
+    friend class LgGroup;
+
+    static const LgMajorGroup& getOff();
+    static bool setDefaultThreshold(const char* name);
     void printLevels(std::ostream& os) const;
 
     static const std::uint32_t _levelMask[LgTypes::NUM_LEVELS];
@@ -135,23 +154,68 @@ private:
 class KR_BASE_API LgMinorGroup
 {
 public:
-    /// Neither argument is copied: both must outlive the group. Raises `ExInternalError` for a null
-    /// name.
+    /// Neither argument is copied: both must outlive the group. What it logs may be written later:
+    /// the process remembers the texts of up to 65534 names for that, and those of more groups read
+    /// "(other)". Raises `ExInternalError` for a null name.
     LgMinorGroup(const LgMajorGroup& major, const char* name);
+    LgMinorGroup(const LgMinorGroup& other) noexcept
+        : _major(other._major.load(std::memory_order_acquire))
+        , _name(other._name)
+        , _number(other._number)
+    {
+    }
+    LgMinorGroup& operator=(const LgMinorGroup& other) noexcept
+    {
+        _major.store(other._major.load(std::memory_order_acquire), std::memory_order_release);
+        _name = other._name;
+        _number = other._number;
+        return *this;
+    }
 
     /// Whether to log. One load and one test; for any thread. The level is not checked.
     bool isLevelEnabled(LgTypes::Level level) const noexcept
     {
         static constexpr std::uint32_t levelBit[LgTypes::NUM_LEVELS] = {0x80, 0x40, 0x20, 0x10,
                                                                         0x08, 0x04, 0x02};
-        return (levelBit[level] & _major->getLogLevels()) != 0;
+        return (levelBit[level] & _major.load(std::memory_order_acquire)->getLogLevels()) != 0;
     }
 
     const char* getName() const noexcept { return _name; }
 
+    /// The number under which the process knows the name, from 1; the same for the same text. A
+    /// message of an `LgQueue` names its group by it.
+    std::uint16_t getNumber() const noexcept { return _number; }
+
 private:
-    const LgMajorGroup* _major;
+    friend class LgGroup;
+
+    std::atomic<const LgMajorGroup*> _major;
     const char* _name;
+    std::uint16_t _number;
+};
+
+/// A minor group that owns itself: it belongs to its major group whenever the logger is up, and has
+/// every level off when it is not. Threads may log through it at any time but while the logger
+/// stops. Making and ending one is for the thread that starts and stops the logger.
+class KR_BASE_API LgGroup : public LgMinorGroup
+{
+public:
+    /// The names are not copied: they must outlive the group.
+    LgGroup(const char* majorName, const char* name);
+    LgGroup(const LgGroup&) = delete;
+    LgGroup& operator=(const LgGroup&) = delete;
+    ~LgGroup();
+
+private:
+    friend class LgMajorGroup;
+
+    static void bindAll();
+    static void unbindAll() noexcept;
+
+    const char* const _majorName;
+    LgGroup* _next; // in the list of all that exist
+
+    static LgGroup* _first;
 };
 
 } // namespace Kr

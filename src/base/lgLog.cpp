@@ -1,9 +1,10 @@
 #include <base/lgLog.h>
 
+#include <base/internal/log/lgFork.h>
 #include <base/internal/log/lgLogState.h>
 #include <base/internal/log/lgProducer.h>
+#include <base/internal/log/lgTermination.h>
 #include <base/lgGroups.h>
-#include <base/lgTimeline.h>
 #include <base/osEnv.h>
 
 #include <iostream>
@@ -13,20 +14,28 @@ namespace Kr
 
 void LgLog::init()
 {
-    auto session = std::make_unique<LgSession>(LgSettings::read(OsEnv::getVariable, std::cout));
-    LgMajorGroup::initializeFromEnvironment();
+    init(OsEnv::getVariable);
+}
+
+void LgLog::init(Lookup lookup)
+{
+    auto session = std::make_unique<LgSession>(LgSettings::read(lookup, std::cout));
+    LgMajorGroup::initialize(lookup("KR_LOG_DEFAULT_LEVEL"), lookup("KR_LOG_GROUPS"));
+    LgFork::install();
+    LgTermination::install();
     LgLogState::start(std::move(session));
 }
 
 void LgLog::destroy()
 {
     LgLogState::stop();
+    LgTermination::remove();
     LgMajorGroup::finalize();
 }
 
 LgQueue* LgLog::getQueue() noexcept
 {
-    LgProducer* producer = LgLogState::getLastingProducer();
+    LgProducer* producer = LgProducer::getLasting();
     return producer != nullptr ? producer->getQueue() : nullptr;
 }
 
@@ -45,6 +54,11 @@ std::uint64_t LgLog::getLostCount()
     return LgLogState::getLostCount();
 }
 
+std::uint64_t LgLog::getCutCount()
+{
+    return LgLogState::getCutCount();
+}
+
 std::string LgLog::getDirectory()
 {
     return LgLogState::getSettings().directory;
@@ -58,18 +72,6 @@ std::string LgLog::getTimelinePath()
 LgEndGuard::~LgEndGuard()
 {
     LgLogState::drainAtEnd(LgDrain::toSystem);
-}
-
-std::atomic<bool> LgTimeline::_enabled{false};
-std::atomic<LgTimeline::CounterSource> LgTimeline::_counterSource{nullptr};
-
-void LgTimeline::addSpan(const char* name, unsigned long long start,
-                         unsigned long long end) noexcept
-{
-    LgProducer* producer = LgLogState::getLastingProducer();
-    LgSpanRing* ring = producer != nullptr ? producer->getRing() : nullptr;
-    if (ring != nullptr)
-        ring->add(name, start, end);
 }
 
 } // namespace Kr

@@ -35,8 +35,16 @@ namespace Kr
 class KR_BASE_API LgLog
 {
 public:
-    /// Reads the settings from the environment, creates the groups, and from then on takes
-    /// messages. Bad values are reported on standard output.
+    /// The text of a setting under the name of its environment variable, such as "KR_LOG_DIR"; null
+    /// if it is not given.
+    using Lookup = const char* (*)(const char* name);
+
+    /// Reads the settings, creates the groups, and from then on takes messages. Bad values are
+    /// reported on standard output. The package `logger` looks its settings up among its
+    /// initialisation variables.
+    static void init(Lookup lookup);
+
+    /// The same with the settings of the environment alone.
     static void init();
 
     /// Takes no more messages, writes those that wait, closes the files, and deletes the groups.
@@ -60,14 +68,18 @@ public:
     /// could not be written, or while the logger stopped.
     static std::uint64_t getLostCount();
 
+    /// How many messages were written of which a part is missing, since the process began: a value
+    /// that did not fit into its queue and reads "#", or the rest after the queue was full.
+    static std::uint64_t getCutCount();
+
     /// Where the files are, and the timeline; empty while the logger is not up, or has no timeline.
     static std::string getDirectory();
     static std::string getTimelinePath();
 };
 
-/// In each source that logs: what its static objects log while the program ends is not lost.
-/// Windows ends all other threads before a library's own static objects go, so each module does
-/// this for itself.
+/// Older than the static objects of each source that logs: what these log while the program ends is
+/// not lost. One in a module, a program or a library: Windows ends all other threads before a
+/// library's own static objects go, so each does this for itself.
 class KR_BASE_API LgEndGuard
 {
 public:
@@ -77,6 +89,6 @@ public:
     ~LgEndGuard();
 };
 
-static const LgEndGuard lgEndGuard{};
+inline const LgEndGuard lgEndGuard{};
 
 } // namespace Kr

@@ -1,23 +1,12 @@
 #include <base/lgQueue.h>
 
 #include <exception>
+#include <utility>
 
 namespace Kr
 {
 
 static_assert(sizeof(LgQueue::Entry) == 16);
-
-namespace
-{
-
-/// The texts of these checks are part of the interface, so they are not left to the expressions.
-void check(bool holds, const char* expression, int line)
-{
-    if (!holds)
-        Assertions::throwAssertionFailed(KR_HERE_AT(line), expression);
-}
-
-} // namespace
 
 LgQueue::LgQueue(unsigned long threadId)
     : LgQueue(threadId, defaultNumEntries, LgStream::defaultRingSize)
@@ -28,6 +17,7 @@ LgQueue::LgQueue(unsigned long threadId, unsigned int numEntries, unsigned int n
     : _stream(numCharacters)
     , _entries(new Entry[numEntries])
     , _mask(numEntries - 1)
+    , _nextLook(numEntries / 2)
     , _threadId(threadId)
 {
     KR_ASSERT(numEntries >= 4 && (numEntries & _mask) == 0);
@@ -36,24 +26,56 @@ LgQueue::LgQueue(unsigned long threadId, unsigned int numEntries, unsigned int n
 LgQueue::~LgQueue() noexcept(false)
 {
     if (std::uncaught_exceptions() == 0)
-        check(isEmpty(), "_beg == _end", 155);
+        KR_ASSERT_TEXT(isEmpty(), "_beg == _end", 155);
 }
 
 // The producer's side
 
 /// Looks at the consumer's position again. Returns whether there is room for a message: the last
 /// free slot is kept for an overflow entry.
-bool LgQueue::updateRoom(unsigned int end) noexcept
+bool LgQueue::look(unsigned int end) noexcept
 {
-    _knownBeg = _beg.load(std::memory_order_acquire);
-    return getRoom(_knownBeg, end) >= 2;
+    const unsigned int half = (_mask + 1) / 2;
+    const unsigned int beg = _beg.load(std::memory_order_acquire);
+    _nextLook = (beg + half) & _mask;
+    if (((end - beg) & _mask) < half)
+        return true;
+    tellHalfFull();
+    const bool hasSlot = getRoom(beg, end) >= 2;
+    _nextLook = hasSlot ? (beg - 2) & _mask : end;
+    return hasSlot;
+}
+
+void LgQueue::tellHalfFull() const noexcept
+{
+    if (_halfFullHandler != nullptr)
+        _halfFullHandler();
+}
+
+/// Adds a message that may be empty, cut or ended already, fills a ring, or was moved.
+void LgQueue::completeUnusual()
+{
+    const bool isHalfFull = _stream.takeHalfFull();
+    const bool isDisplaced = std::exchange(_isDisplaced, false);
+    if ((_stream.getOutputFlags() & LgStream::TextWritten) == 0)
+        return;
+    const unsigned int end = _end.load(std::memory_order_relaxed);
+    if (isDisplaced)
+        checkRoom(end);
+    _entries[end]._isCut = _stream.isCut();
+    _stream.endMessage();
+    _end.store((end + 1) & _mask, std::memory_order_release);
+    if (isHalfFull)
+        tellHalfFull();
+    if (!_observer.isNull())
+        _observer->entryAdded(this);
 }
 
 void LgQueue::checkRoom(unsigned int end)
 {
-    updateRoom(end);
-    check(getRoom(_knownBeg, end) != 0, "_end+1U != _beg", 234);
-    check(getRoom(_knownBeg, end) != 1, "_end+2U != _beg", 235);
+    const unsigned int room = getRoom(_beg.load(std::memory_order_acquire), end);
+    KR_ASSERT_TEXT(room != 0, "_end+1U != _beg", 234);
+    KR_ASSERT_TEXT(room != 1, "_end+2U != _beg", 235);
 }
 
 /// Counts a refused message in the newest entry, or in a new one if that is a message or is already
@@ -65,11 +87,12 @@ void LgQueue::countLoss() noexcept
         return;
     // There is a free slot: one is kept for the first overflow entry, and a consumer that closed it
     // has taken all entries before it.
-    updateRoom(end);
     const unsigned int next = (end + 1) & _mask;
     if (_entryReserved)
-        _entries[next].setMessage(_entries[end].getLevel(), _entries[end].getTimeStamp());
+        _entries[next] = _entries[end];
+    _isDisplaced = _entryReserved;
     _entries[end].setFirstLoss(HwCounter::timeStamp());
+    _nextLook = next;
     _end.store(next, std::memory_order_release);
 }
 
@@ -83,7 +106,7 @@ void LgQueue::waitForSpace(int amount) const
 
 const LgQueue::Entry& LgQueue::readEntry() const
 {
-    check(!isEmpty(), "_beg != _end", 254);
+    KR_ASSERT_TEXT(!isEmpty(), "_beg != _end", 254);
     Entry& entry = _entries[_beg.load(std::memory_order_relaxed)];
     entry.close();
     return entry;
@@ -91,7 +114,7 @@ const LgQueue::Entry& LgQueue::readEntry() const
 
 void LgQueue::removeEntry()
 {
-    check(!isEmpty(), "_beg != _end", 262);
+    KR_ASSERT_TEXT(!isEmpty(), "_beg != _end", 262);
     const unsigned int beg = _beg.load(std::memory_order_relaxed);
     _entries[beg].close(); // it may not have been read
     _beg.store((beg + 1) & _mask, std::memory_order_release);

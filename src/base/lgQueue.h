@@ -56,9 +56,12 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 namespace Kr
 {
+
+class ThreadLabel;
 
 class KR_BASE_API LgQueue
 {
@@ -85,7 +88,10 @@ public:
     /// Takes the next entry, with the time of now, for a message of that level, whose text is then
     /// appended to the stream. If it returns false the message is refused, because a ring is full
     /// or the queue is suppressed: append nothing.
-    inline bool reserveEntry(LgTypes::Level level);
+    bool reserveEntry(LgTypes::Level level) { return reserveGroupEntry(level, 0); }
+
+    /// The same for a message of the group of that number, see `LgMinorGroup::getNumber`.
+    inline bool reserveGroupEntry(LgTypes::Level level, std::uint16_t group);
 
     /// Hands the message to the consumer. A message without text is dropped.
     inline void addEntry();
@@ -93,6 +99,15 @@ public:
     /// Asks the observer to wait for room; returns at once if there is none. What the amount counts
     /// is between the caller and its observer.
     void waitForSpace(int amount) const;
+
+    /// Whether an entry is reserved and not yet added.
+    bool isReserved() const noexcept { return _entryReserved; }
+
+    /// Has the producing thread call `handler` when half of the entries or of the characters are
+    /// taken, which is the time to wake the consumer. To be set before the queue is in use. Costs
+    /// nothing until then: the producer looks at the consumer's position only when half a ring is
+    /// filled, and again when all of it is.
+    void setHalfFullHandler(void (*handler)() noexcept) noexcept { _halfFullHandler = handler; }
 
     /// To be called when the producing thread ends.
     void creatorExit() noexcept { _creatorAlive.store(false, std::memory_order_release); }
@@ -119,6 +134,11 @@ public:
     inline bool isFull() const noexcept;
 
     unsigned long getThreadId() const noexcept { return _threadId; }
+
+    /// What the thread is called (base/threadName.h), which its records show. Set by the logger for
+    /// its own queues, before they are shared; null otherwise.
+    void setLabel(std::shared_ptr<const ThreadLabel> label) noexcept { _label = std::move(label); }
+    const ThreadLabel* getLabel() const noexcept { return _label.get(); }
     static constexpr unsigned int getMaxSize() noexcept { return defaultNumEntries - 1; }
 
     /// Installs an observer, before the queue is in use, and returns the previous one. Raises
@@ -126,6 +146,8 @@ public:
     ObjPtrRet<Observer> changeObserver(ObjPtr<Observer> observer);
 
 private:
+    friend class LgStatement;
+
     static constexpr unsigned int defaultNumEntries = 1024;
 
     /// Which slots of the ring are free from the producer's end up to the consumer's beginning, one
@@ -134,13 +156,17 @@ private:
     {
         return (beg - end - 1) & _mask;
     }
-    bool updateRoom(unsigned int end) noexcept;
+    bool look(unsigned int end) noexcept;
     bool hasRoom(unsigned int end) noexcept
     {
-        return (getRoom(_knownBeg, end) >= 2 || updateRoom(end)) && _stream.hasRoom();
+        return (end != _nextLook || look(end)) && _stream.hasRoom();
     }
+    inline bool reserveOrdinary(LgTypes::Level level, std::uint16_t group) noexcept;
+    inline void fill(unsigned int end, LgTypes::Level level, std::uint16_t group) noexcept;
     void countLoss() noexcept;
+    void completeUnusual();
     void checkRoom(unsigned int end);
+    void tellHalfFull() const noexcept;
 
     LgStream _stream;
     const std::unique_ptr<Entry[]> _entries;
@@ -151,13 +177,16 @@ private:
 
     // ... and the producer these.
     alignas(LgStream::cacheLineSize) std::atomic<unsigned int> _end{0}; // the next entry to fill
-    unsigned int _knownBeg = 0;                                         // `_beg` as last seen
+    unsigned int _nextLook; // up to where there is room without another look at `_beg`
     int _suppressCount = 0;
     bool _entryReserved = false;
+    bool _isDisplaced = false; // a loss was counted where the reserved entry was
 
     std::atomic<bool> _creatorAlive{true};
     const unsigned long _threadId;
+    std::shared_ptr<const ThreadLabel> _label;
     ObjPtr<Observer> _observer;
+    void (*_halfFullHandler)() noexcept = nullptr;
 };
 
 /// A message's level and time, or a number of lost messages and the time of the first.
@@ -169,6 +198,8 @@ public:
     /// A copy is the caller's own; the copy of an overflow entry that was read can count on.
     Entry(const Entry& other) noexcept
         : _oflow(other._oflow)
+        , _isCut(other._isCut)
+        , _group(other._group)
         , _word(other.getWord())
         , _timeStamp(other._timeStamp)
     {
@@ -176,6 +207,8 @@ public:
     Entry& operator=(const Entry& other) noexcept
     {
         _oflow = other._oflow;
+        _isCut = other._isCut;
+        _group = other._group;
         _word.store(other.getWord(), std::memory_order_relaxed);
         _timeStamp = other._timeStamp;
         return *this;
@@ -188,6 +221,12 @@ public:
 
     /// Raises `ExInternalError` if this is an overflow entry.
     LgTypes::Level getLevel() const;
+
+    /// The number of the message's group, see `LgMinorGroup::getNumber`; 0: none.
+    std::uint16_t getGroup() const noexcept { return _group; }
+
+    /// Whether something of the message did not fit: a value that became "#", or the end.
+    bool isCut() const noexcept { return _isCut; }
 
     /// In ticks of `HwCounter`.
     std::uint64_t getTimeStamp() const noexcept { return _timeStamp; }
@@ -210,7 +249,7 @@ private:
     /// Set in the word of an overflow entry that the consumer has seen: it counts no more.
     static constexpr std::uint32_t closedBit = 0x80000000;
 
-    inline void setMessage(LgTypes::Level level, std::uint64_t ticks) noexcept;
+    inline void setMessage(LgTypes::Level level, std::uint16_t group, std::uint64_t ticks) noexcept;
     void setFirstLoss(std::uint64_t ticks) noexcept;
     bool countIfOpen() noexcept;
     void close() noexcept;
@@ -221,6 +260,8 @@ private:
     }
 
     bool _oflow = false;
+    bool _isCut = false;
+    std::uint16_t _group = 0;
     std::atomic<std::uint32_t> _word{0}; // the level or the count
     std::uint64_t _timeStamp = 0;
 };
@@ -259,14 +300,17 @@ private:
     LgQueue& _queue;
 };
 
-inline void LgQueue::Entry::setMessage(LgTypes::Level level, std::uint64_t ticks) noexcept
+inline void LgQueue::Entry::setMessage(LgTypes::Level level, std::uint16_t group,
+                                       std::uint64_t ticks) noexcept
 {
     _timeStamp = ticks;
     _oflow = false;
+    _isCut = false;
+    _group = group;
     _word.store(level, std::memory_order_relaxed);
 }
 
-inline bool LgQueue::reserveEntry(LgTypes::Level level)
+inline bool LgQueue::reserveGroupEntry(LgTypes::Level level, std::uint16_t group)
 {
     if (_suppressCount > 0)
         return false;
@@ -276,10 +320,27 @@ inline bool LgQueue::reserveEntry(LgTypes::Level level)
         countLoss();
         return false;
     }
-    _entries[end].setMessage(level, HwCounter::timeStamp());
+    fill(end, level, group);
+    return true;
+}
+
+/// The same, unless more than that is to be done: then nothing is, and it returns false.
+inline bool LgQueue::reserveOrdinary(LgTypes::Level level, std::uint16_t group) noexcept
+{
+    if (_entryReserved || _suppressCount > 0 || !_observer.isNull())
+        return false;
+    const unsigned int end = _end.load(std::memory_order_relaxed);
+    if (!hasRoom(end))
+        return false;
+    fill(end, level, group);
+    return true;
+}
+
+inline void LgQueue::fill(unsigned int end, LgTypes::Level level, std::uint16_t group) noexcept
+{
+    _entries[end].setMessage(level, group, HwCounter::timeStamp());
     _stream.beginMessage();
     _entryReserved = true;
-    return true;
 }
 
 inline void LgQueue::addEntry()
@@ -287,13 +348,12 @@ inline void LgQueue::addEntry()
     if (!_entryReserved)
         return;
     _entryReserved = false;
-    if ((_stream.getOutputFlags() & LgStream::TextWritten) == 0)
+    if (_isDisplaced || !_stream.endOrdinaryMessage())
+    {
+        completeUnusual();
         return;
-    const unsigned int end = _end.load(std::memory_order_relaxed);
-    if (getRoom(_knownBeg, end) < 2)
-        checkRoom(end);
-    _stream.endMessage();
-    _end.store((end + 1) & _mask, std::memory_order_release);
+    }
+    _end.store((_end.load(std::memory_order_relaxed) + 1) & _mask, std::memory_order_release);
     if (!_observer.isNull())
         _observer->entryAdded(this);
 }

@@ -3,16 +3,48 @@
 #include <base/assert.h>
 #include <base/internal/log/lgFormat.h>
 
+#include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <limits>
 
 namespace Kr
 {
 
+namespace
+{
+
+constexpr int decimals = 6; // of "%f"
+
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+char toCapital(char c)
+{
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+/// Some standard libraries write a `long double` with the decimal point of the locale, which may
+/// have several characters. Returns the end of the text with a point in its place.
+char* setPoint(const char* begin, char* end)
+{
+    char* const fraction = end - decimals;
+    char* point = fraction;
+    while (point != begin && !isDigit(point[-1]))
+        --point;
+    *point = '.';
+    std::memmove(point + 1, fraction, decimals);
+    return point + 1 + decimals;
+}
+
+} // namespace
+
 LgStream::LgStream(unsigned int ringSize)
     : _mask(ringSize - 1)
-    , _room(ringSize - 1)
+    , _room((ringSize - 1) / 2)
 {
     KR_ASSERT(ringSize >= 4 && (ringSize & (ringSize - 1)) == 0);
     _buffer.reset(new char[ringSize]);
@@ -40,16 +72,27 @@ bool LgStream::isFull() const noexcept
 }
 
 /// Looks at the consumer's position again, and steps over a waiting terminator once there is room
-/// behind it. Returns whether there is any room.
+/// behind it. Returns whether there is any room. The next look is due when half of the ring is
+/// filled, and if that is so already, when all of it is.
 bool LgStream::updateRoom() noexcept
 {
-    _room = getNumCharacters();
-    if (_room != 0 && _pendingAdvance)
+    const unsigned int half = (_mask + 1) / 2;
+    const unsigned int room = getNumCharacters();
+    if (room != 0 && _pendingAdvance)
     {
         _writePosition = (_writePosition + 1) & _mask;
         _pendingAdvance = false;
     }
-    return _room != 0;
+    _room = room > half ? room - half : room;
+    _flags |= room > half ? 0U : HalfFull;
+    return room != 0;
+}
+
+/// Does without the look at half of the ring.
+void LgStream::takeWholeRoom() noexcept
+{
+    _room = getNumCharacters();
+    _flags |= HalfFull;
 }
 
 /// For a text that may not fit in the room last seen.
@@ -57,20 +100,27 @@ void LgStream::appendTight(const char* text, std::size_t length) noexcept
 {
     if (_message == Message::Closed || !updateRoom())
     {
-        _overflowed.store(true, std::memory_order_relaxed);
-        _outputFlags |= StringCompleted;
-        if (_message == Message::Open)
-            _message = Message::Closed; // no hole in a message should room come back meanwhile
+        cutAll();
+        return;
     }
-    else if (length <= _room)
+    if (length > _room)
+        takeWholeRoom();
+    if (length <= _room)
     {
         copyIn(text, static_cast<unsigned int>(length));
+        return;
     }
-    else
-    {
-        _overflowed.store(true, std::memory_order_relaxed);
-        copyIn("#", 1);
-    }
+    _overflowed.store(true, std::memory_order_relaxed);
+    _flags |= Cut;
+    copyIn("#", 1);
+}
+
+void LgStream::cutAll() noexcept
+{
+    _overflowed.store(true, std::memory_order_relaxed);
+    _flags |= StringCompleted | Cut;
+    if (_message == Message::Open)
+        _message = Message::Closed; // no hole in a message should room come back meanwhile
 }
 
 void LgStream::completeString()
@@ -78,7 +128,7 @@ void LgStream::completeString()
     if (_pendingAdvance && !updateRoom())
     {
         _overflowed.store(true, std::memory_order_relaxed); // not even an empty text fits
-        _outputFlags |= StringCompleted;
+        _flags |= StringCompleted;
     }
     else if (_message == Message::None)
     {
@@ -87,13 +137,28 @@ void LgStream::completeString()
     else if (_message == Message::Open)
     {
         // An empty message gets no entry, so it must not make a text either.
-        _outputFlags |= StringCompleted;
-        if ((_outputFlags & TextWritten) == 0)
+        _flags |= StringCompleted;
+        if ((_flags & TextWritten) == 0)
             return;
         publish();
         _message = Message::Closed;
         _room = 0; // what is appended now takes the long way, and is refused there
     }
+}
+
+/// Whether the ring was found half full since the last call.
+bool LgStream::takeHalfFull() noexcept
+{
+    const bool isHalfFull = (_flags & HalfFull) != 0;
+    _flags &= ~HalfFull;
+    return isHalfFull;
+}
+
+void LgStream::endMessage() noexcept
+{
+    if ((_flags & Published) == 0)
+        publish();
+    _message = Message::None;
 }
 
 /// The terminator may have taken the last free place.
@@ -128,15 +193,21 @@ LgStream& LgStream::operator<<(double value)
 LgStream& LgStream::operator<<(long double value)
 {
     char text[std::numeric_limits<long double>::max_exponent10 + 16];
-    const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, 6);
-    return append(text, static_cast<std::size_t>(end.ptr - text));
+    char* end =
+        std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals).ptr;
+    if (std::isfinite(value))
+        end = setPoint(text, end);
+    return append(text, static_cast<std::size_t>(end - text));
 }
 
+/// A runtime library that puts no prefix before the digits writes capitals.
 LgStream& LgStream::operator<<(const void* pointer)
 {
     char text[numberRoom];
-    std::snprintf(text, sizeof text, "%p", pointer);
-    return *this << static_cast<const char*>(text);
+    const int length = std::snprintf(text, sizeof text, "%p", pointer);
+    if (text[0] == '0' && text[1] != 'x')
+        std::transform(text, text + length, text, toCapital);
+    return append(text, static_cast<std::size_t>(length));
 }
 
 // The consumer's side

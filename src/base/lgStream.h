@@ -20,6 +20,9 @@
 /// own position takes the same road back (Lamport, "Proving the Correctness of Multiprocess
 /// Programs", 1977).
 ///
+/// Beyond what it takes by itself, a stream takes every type that has been taught: base/lgValues.h
+/// tells how, and which of the library's and the standard's types have been.
+///
 /// Pitfalls: formatting is fixed, so numbers look the same whatever the locale; "%f" means six
 /// decimals, also for 1e-9. A text cannot hold a NUL, which would end it: NULs are left out. In a
 /// message of an `LgQueue`, nothing is appended after `ends` or once a full ring has cut it.
@@ -28,13 +31,76 @@
 #include <base/krBaseApi.h>
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <iosfwd>
 #include <memory>
 #include <string_view>
+#include <type_traits>
+#include <utility>
 
 namespace Kr
 {
+
+class LgStream;
+
+/// Which types a stream takes.
+namespace LgTaken
+{
+
+// What a stream takes by itself. Not `bool`, which everything that is no value converts to.
+void itself(const char*);
+void itself(std::string_view);
+void itself(char);
+void itself(signed char);
+void itself(unsigned char);
+void itself(short);
+void itself(unsigned short);
+void itself(int);
+void itself(unsigned int);
+void itself(long);
+void itself(unsigned long);
+void itself(long long);
+void itself(unsigned long long);
+void itself(float);
+void itself(double);
+void itself(long double);
+void itself(const void*);
+void itself(std::nullptr_t);
+void itself(LgStream& (*)(LgStream&));
+void itself(const wchar_t*) = delete;
+void itself(const char16_t*) = delete;
+void itself(const char32_t*) = delete;
+
+template <class T, class = void>
+struct ByItself : std::false_type
+{
+};
+
+template <class T>
+struct ByItself<T, std::void_t<decltype(itself(std::declval<const T&>()))>> : std::true_type
+{
+};
+
+template <class T, class = void>
+struct ByOperator : std::false_type
+{
+};
+
+template <class T>
+struct ByOperator<
+    T, std::void_t<decltype(operator<<(std::declval<LgStream&>(), std::declval<const T&>()))>>
+    : std::true_type
+{
+};
+
+template <class T>
+struct IsTaken : std::disjunction<ByItself<T>, ByOperator<T>>
+{
+};
+
+} // namespace LgTaken
 
 class KR_BASE_API LgStream
 {
@@ -84,8 +150,22 @@ public:
     /// "%p", in the form of the platform's runtime library.
     LgStream& operator<<(const void* pointer);
     LgStream& operator<<(void* pointer) { return *this << static_cast<const void*>(pointer); }
+    LgStream& operator<<(std::nullptr_t) { return *this << static_cast<const void*>(nullptr); }
 
     LgStream& operator<<(LgStream& (*manipulator)(LgStream&)) { return manipulator(*this); }
+
+    LgStream& operator<<(std::ostream& (*manipulator)(std::ostream&)) = delete;
+
+    /// What has not been taught does not compile: neither do wide texts, which would read as an
+    /// address, nor the manipulators of `std::ostream`, which mean nothing here.
+    template <class T, std::enable_if_t<!LgTaken::IsTaken<T>::value, int> = 0>
+    LgStream& operator<<(const T&)
+    {
+        static_assert(LgTaken::IsTaken<T>::value,
+                      "the log does not take values of this type; teach it with an operator: "
+                      "Kr::LgStream& operator<<(Kr::LgStream&, const T&), see base/lgValues.h");
+        return *this;
+    }
 
     /// Ends the text and makes it visible to the consumer. `ends` calls it.
     void completeString();
@@ -99,8 +179,11 @@ public:
     /// The longest text that fits with its terminator whatever the state of an emptied ring.
     static constexpr unsigned int getMaxSize() noexcept { return defaultRingSize - 2; }
 
-    void resetOutputFlags() noexcept { _outputFlags = 0; }
-    unsigned int getOutputFlags() const noexcept { return _outputFlags; }
+    void resetOutputFlags() noexcept { _flags &= ~(TextWritten | StringCompleted); }
+    unsigned int getOutputFlags() const noexcept
+    {
+        return _flags & (TextWritten | StringCompleted);
+    }
 
     // The consumer's side
 
@@ -124,6 +207,14 @@ private:
     /// Room in which every integer, and every double below 2^64, can be written.
     static constexpr unsigned int numberRoom = 32;
 
+    /// What else `_flags` tells.
+    enum InnerFlags : unsigned int
+    {
+        Published = 4, ///< the message's text is visible to the consumer
+        Cut = 8,       ///< something of the message was cut
+        HalfFull = 16, ///< no more than half of the ring is free
+    };
+
     /// A message is a text that an entry of a queue announces. Texts and entries must agree in
     /// number, so a message never makes more than one text.
     enum class Message
@@ -144,6 +235,7 @@ private:
     }
     inline void copyIn(const char* text, unsigned int length) noexcept;
     void appendTight(const char* text, std::size_t length) noexcept;
+    void cutAll() noexcept;
     template <class Value>
     inline LgStream& appendNumber(Value value);
 
@@ -154,9 +246,13 @@ private:
     /// What `LgQueue` calls around a message.
     bool hasRoom() noexcept { return _room != 0 || updateRoom(); }
     inline void beginMessage() noexcept;
-    inline void endMessage() noexcept;
+    inline bool endOrdinaryMessage() noexcept;
+    void endMessage() noexcept;
+    bool isCut() const noexcept { return (_flags & Cut) != 0; }
+    bool takeHalfFull() noexcept;
 
     bool updateRoom() noexcept;
+    void takeWholeRoom() noexcept;
     unsigned int getRoom(unsigned int readPosition) const noexcept;
     unsigned int findStart(unsigned int readPosition) const noexcept;
     unsigned int findEnd(unsigned int start, unsigned int committed) const noexcept;
@@ -173,9 +269,8 @@ private:
     alignas(cacheLineSize) std::atomic<unsigned int> _committedPosition{0};
     unsigned int _writePosition = 0;
     unsigned int _room; // what may be stored without another look at the read position
-    unsigned int _outputFlags = 0;
+    unsigned int _flags = 0;
     bool _pendingAdvance = false;
-    bool _completed = false; // since the flags were reset for a message
     Message _message = Message::None;
 
     std::atomic<bool> _overflowed{false};
@@ -203,15 +298,14 @@ inline void LgStream::copyIn(const char* text, unsigned int length) noexcept
     }
     _writePosition = (_writePosition + length) & _mask;
     _room -= length;
-    _outputFlags |= TextWritten;
+    _flags |= TextWritten;
 }
 
 inline void LgStream::publish() noexcept
 {
     _buffer[_writePosition] = '\0';
     _committedPosition.store(_writePosition, std::memory_order_release);
-    _outputFlags |= StringCompleted;
-    _completed = true;
+    _flags |= StringCompleted | Published;
     if (_room != 0)
         stepOverTerminator();
     else
@@ -224,18 +318,21 @@ inline void LgStream::stepOverTerminator() noexcept
     --_room;
 }
 
+/// That the ring is half full is told with the message.
 inline void LgStream::beginMessage() noexcept
 {
-    resetOutputFlags();
-    _completed = false;
+    _flags &= HalfFull;
     _message = Message::Open;
 }
 
-inline void LgStream::endMessage() noexcept
+/// Ends a message to which nothing special has happened; else returns false.
+inline bool LgStream::endOrdinaryMessage() noexcept
 {
-    if (!_completed)
-        publish();
+    if (_flags != TextWritten || _room == 0)
+        return false;
+    publish();
     _message = Message::None;
+    return true;
 }
 
 /// Writes straight into the ring where it has room for any number, else by way of a copy.
@@ -248,7 +345,7 @@ inline LgStream& LgStream::appendNumber(Value value)
         const auto length = static_cast<unsigned int>(LgFormat::write(to, value) - to);
         _writePosition += length;
         _room -= length;
-        _outputFlags |= TextWritten;
+        _flags |= TextWritten;
         return *this;
     }
     char text[numberRoom];

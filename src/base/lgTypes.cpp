@@ -2,7 +2,7 @@
 
 #include <base/assert.h>
 #include <base/lgEx.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <cstring>
 

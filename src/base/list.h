@@ -8,16 +8,13 @@
 /// @endcode
 
 #include <list>
+#include <memory>
 
 namespace Kr
 {
 
-/// A thin wrapper of `std::list`: everything it offers, nothing added.
-template <class T>
-class List : public std::list<T>
-{
-public:
-    using std::list<T>::list;
-};
+/// The standard list itself, so that the two names can be mixed freely.
+template <class T, class Allocator = std::allocator<T>>
+using List = std::list<T, Allocator>;
 
 } // namespace Kr

@@ -1,6 +1,6 @@
 #include <base/exSysError.h>
 #include <base/lmList.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <platform/platform.h>
 

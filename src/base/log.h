@@ -10,23 +10,26 @@
 /// KR_LOG(cache, Warning) << "no index on " << table << ", scanning " << rows << " rows";
 /// @endcode
 /// The group is an `LgMinorGroup` or a pointer to one (a null pointer logs nothing), the level one
-/// of `LgTypes::Level` without its scope, and the values are whatever an `LgStream` takes. A level
+/// of `LgTypes::Level` without its scope, and the values are whatever an `LgStream` takes; base/lgValues.h
+/// tells which, and how to teach it more. A level
 /// that is off costs one load and one test, and the values are not computed. The statement is one
 /// statement: an `else` behind it belongs to the `if` before it.
 ///
-/// The group's name is put before the text, where the reader finds it; the line shows it in a
-/// column of its own.
+/// A statement costs what its thread's queue costs, and a call: the message stands in the queue,
+/// with the number of its group, and a reader takes it to the file.
 
 #include <base/krBaseApi.h>
 #include <base/lgGroups.h>
 #include <base/lgLog.h>
+#include <base/lgQueue.h>
 #include <base/lgStream.h>
 #include <base/lgTypes.h>
+#include <base/lgValues.h>
+
+#include <cstdint>
 
 namespace Kr
 {
-
-class LgProducer;
 
 /// One message, from its reservation in the thread's queue to its end. Use `KR_LOG`.
 class KR_BASE_API LgStatement
@@ -34,20 +37,16 @@ class KR_BASE_API LgStatement
 public:
     LgStatement(const LgMinorGroup& group, LgTypes::Level level)
         : _level(level)
-        , _producer(nullptr)
-        , _stream(nullptr)
     {
         if (group.isLevelEnabled(level))
-            open(group.getName());
+            open(group.getNumber());
     }
 
     LgStatement(const LgMinorGroup* group, LgTypes::Level level)
         : _level(level)
-        , _producer(nullptr)
-        , _stream(nullptr)
     {
         if (group != nullptr && group->isLevelEnabled(level))
-            open(group->getName());
+            open(group->getNumber());
     }
 
     LgStatement(const LgStatement&) = delete;
@@ -56,23 +55,29 @@ public:
     ~LgStatement() { close(); }
 
     /// False if the level is off or the message was dropped.
-    bool isOpen() const { return _stream != nullptr; }
+    bool isOpen() const { return _queue != nullptr; }
 
-    LgStream& getStream() { return *_stream; }
+    LgStream& getStream() { return _queue->getStream(); }
 
     void close()
     {
-        if (_stream != nullptr)
-            complete();
+        if (_queue == nullptr)
+            return;
+        if (_isOrdinary)
+            _queue->addEntry();
+        else
+            completeUnusual();
+        _queue = nullptr;
     }
 
 private:
-    void open(const char* groupName) noexcept;
-    void complete() noexcept;
+    void open(std::uint16_t group) noexcept;
+    void openUnusual(std::uint16_t group) noexcept;
+    void completeUnusual() noexcept;
 
     const LgTypes::Level _level;
-    LgProducer* _producer;
-    LgStream* _stream;
+    bool _isOrdinary = false; // it costs what the queue costs, and nothing is left to do behind it
+    LgQueue* _queue = nullptr;
 };
 
 } // namespace Kr

@@ -1,6 +1,6 @@
 #include <base/osCpuInfo.h>
 
-#include <cassert>
+#include <base/internal/errors/invariant.h>
 
 namespace Kr
 {
@@ -27,13 +27,15 @@ const char* OsCpuInfo::getTypeName()
     case UNKNOWN:
         return "UNKNOWN";
     }
-    assert(MIPS <= _type && _type <= UNKNOWN);
+    KR_INVARIANT_TEXT(false, "MIPS <= _type && _type <= UNKNOWN", 59);
     return "UNKNOWN";
 }
 
 unsigned long long OsCpuInfo::getHwCounterFrequency()
 {
-    assert(_hwCounterFrequency != 0);
+    KR_INVARIANT_TEXT(_hwCounterFrequency != 0, "_hwCounterFrequency != 0", 87);
+    if (_hwCounterFrequency == 0) // where the invariant is compiled out: 0 would be divided by
+        initialize();
     return _hwCounterFrequency;
 }
 

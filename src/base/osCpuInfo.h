@@ -9,7 +9,8 @@
 /// if (Kr::OsCpuInfo::hasSSE())
 ///     std::cout << Kr::OsCpuInfo::getTypeName() << " with SSE\n";
 /// @endcode
-/// For time stamps use `HwCounter`, whose rate fits in 31 bits; this counter is the raw one behind
+/// This is what programs have been told since there were four-bit models; `OsProcessor` describes a
+/// processor of today. For time stamps use `HwCounter`, whose rate fits in 31 bits; this counter is the raw one behind
 /// it.
 
 #include <base/krBaseApi.h>
@@ -52,7 +53,8 @@ public:
     /// pointer may be null. The numbers are left alone if the processor does not tell them.
     static void getDetailedType(Type* type, int* family, int* model, int* stepping);
 
-    /// Raw ticks per second, once `initialize` has run.
+    /// Raw ticks per second; never 0. To ask before `initialize` has run fails the runtime's
+    /// assertion, and identifies the machine where assertions are off.
     static unsigned long long getHwCounterFrequency();
 
     /// Raw ticks. Raises `ExSysErrorANSI` if the counter cannot be read.

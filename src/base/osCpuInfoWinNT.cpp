@@ -1,10 +1,9 @@
 #include <base/internal/os/osCpuInfoWinNT.h>
 
 #include <base/exSysError.h>
-#include <base/trace.h>
+#include <base/internal/errors/invariant.h>
+#include <base/raise.h>
 #include <platform/platform.h>
-
-#include <cassert>
 
 namespace Kr
 {
@@ -44,10 +43,10 @@ class DescriptorDecoder
 public:
     DescriptorDecoder(OsCpuInfo::CacheInfo* data, OsCpuInfo::CacheInfo* instruction,
                       OsCpuInfo::CacheInfo* unified, int* page)
-        : l1Data(data)
-        , l1Instruction(instruction)
-        , l2Unified(unified)
-        , pageSize(page)
+        : _l1Data(data)
+        , _l1Instruction(instruction)
+        , _l2Unified(unified)
+        , _pageSize(page)
     {
     }
 
@@ -95,33 +94,33 @@ private:
 
     void setPageSize(int size)
     {
-        assert(*pageSize == 0 || *pageSize == 4096);
-        *pageSize = size;
+        KR_INVARIANT_TEXT(*_pageSize == 0 || *_pageSize == 4096,
+                          "*pageSize == 0 || *pageSize == 4096", __LINE__);
+        *_pageSize = size;
     }
 
     void setL1Instruction(const OsCpuInfo::CacheInfo& info)
     {
-        assert(l1Instruction->_size == 0);
-        *l1Instruction = info;
+        KR_INVARIANT_TEXT(_l1Instruction->_size == 0, "l1Instruction->_size == 0", __LINE__);
+        *_l1Instruction = info;
     }
 
     void setL1Data(const OsCpuInfo::CacheInfo& info)
     {
-        assert(l1Data->_size == 0);
-        *l1Data = info;
+        KR_INVARIANT_TEXT(_l1Data->_size == 0, "l1Data->_size == 0", __LINE__);
+        *_l1Data = info;
     }
 
     void setL2Unified(const OsCpuInfo::CacheInfo& info)
     {
-        assert(l2Unified->_size == 0);
-        *l2Unified = info;
+        KR_INVARIANT_TEXT(_l2Unified->_size == 0, "l2Unified->_size == 0", __LINE__);
+        *_l2Unified = info;
     }
 
-    // Named without the underscore: a failed check shows these names.
-    OsCpuInfo::CacheInfo* const l1Data;
-    OsCpuInfo::CacheInfo* const l1Instruction;
-    OsCpuInfo::CacheInfo* const l2Unified;
-    int* const pageSize;
+    OsCpuInfo::CacheInfo* const _l1Data;
+    OsCpuInfo::CacheInfo* const _l1Instruction;
+    OsCpuInfo::CacheInfo* const _l2Unified;
+    int* const _pageSize;
 };
 
 } // namespace
@@ -189,7 +188,7 @@ void OsCpuInfo::initialize()
     if (QueryPerformanceFrequency(&frequency) == 0)
         raise<ExSysErrorANSI>(KR_HERE_AT(350));
     _hwCounterFrequency = static_cast<std::uint64_t>(frequency.QuadPart);
-    assert(_hwCounterFrequency != 0);
+    KR_INVARIANT_TEXT(_hwCounterFrequency != 0, "_hwCounterFrequency != 0", 406);
 }
 
 void OsCpuInfo::getDetailedType(Type* type, int* family, int* model, int* stepping)

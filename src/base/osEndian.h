@@ -8,11 +8,11 @@
 /// std::ifstream("scene.bin", std::ios::binary).read(reinterpret_cast<char*>(&size), sizeof size);
 /// size = Kr::OsEndian::invertIf(!Kr::OsEndian::isBigEndian(), size);
 /// @endcode
-/// Pitfall: a float or double with its bytes reversed is a pattern of bits, no number. On 32-bit
-/// Intel processors a function that is not inlined returns it through a register that alters some
-/// patterns (signalling NaNs become quiet ones), so do not return one from a function of your own:
-/// reverse an integer of the same size and copy its bytes instead. These functions are always
-/// inlined, and give back exactly the reversed bytes.
+/// Pitfall: a float or double with its bytes reversed is a pattern of bits, no number. Copying one as
+/// a number alters some patterns on 32-bit Intel processors (signalling NaNs become quiet ones), and
+/// a program compiled there without optimisation copies even the result of `invert` that way. Where
+/// such patterns matter use `invertInPlace`, which never takes the bytes for a number; `invert` and
+/// `invertIf` copy integers only, and are always inlined.
 
 
 #include <cstdint>
@@ -26,11 +26,15 @@ class OsEndian
 public:
     /// The value with its bytes in reverse order.
     template <class T>
-    [[gnu::always_inline]] static T invert(T value) noexcept;
+    [[gnu::always_inline]] static T invert(const T& value) noexcept;
 
     /// The same if the condition holds, else the value.
     template <class T>
-    [[gnu::always_inline]] static T invertIf(bool condition, T value) noexcept;
+    [[gnu::always_inline]] static T invertIf(bool condition, const T& value) noexcept;
+
+    /// Reverses the bytes where they are. Every bit is kept, whatever it is compiled with.
+    template <class T>
+    static void invertInPlace(T& value) noexcept;
 
     /// Whether this machine keeps the highest byte of an integer first.
     static bool isBigEndian() noexcept;

@@ -2,7 +2,7 @@
 
 #include <base/assert.h>
 #include <base/exSysError.h>
-#include <base/trace.h>
+#include <base/raise.h>
 #include <platform/platform.h>
 
 #include <cstdlib>

@@ -1,14 +1,15 @@
 #pragma once
 
 /// @file
-/// The memory architecture of the machine, for code that blocks its loops by the caches:
+/// The memory architecture of the machine as the processor's old cache descriptors tell it:
 /// @code
 /// const Kr::OsMemoryArch& memory = Kr::OsMemoryArch::getInstance();
-/// const int bytesPerRow = 4 * 1920;
-/// const int rows = memory.getL1DataSize() / bytesPerRow; // 0 if the size is not reported
+/// const int cache = memory.getL1DataSize() != 0 ? memory.getL1DataSize() : 32 * 1024;
+/// const int rows = cache / (4 * 1920);
 /// @endcode
 /// All sizes are in bytes. Pitfall: a size is 0 when the processor does not report it, which is
-/// the rule on processors that do not list their caches by the old descriptors.
+/// the rule on processors of this century: never divide by one. `OsProcessor` reads the caches of
+/// those; use it for new code.
 
 #include <base/krBaseApi.h>
 

@@ -5,7 +5,7 @@
 #include <base/exSysError.h>
 #include <base/inReinitGuard.h>
 #include <base/krInitPackages.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <utility>
 

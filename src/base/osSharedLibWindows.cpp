@@ -1,6 +1,6 @@
 #include <base/exSysError.h>
 #include <base/osSharedLib.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <platform/platform.h>
 

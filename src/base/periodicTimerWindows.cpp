@@ -1,12 +1,12 @@
 #include <base/exSysError.h>
 #include <base/internal/clocks/beatTest.h>
 #include <base/internal/clocks/timerPeriod.h>
+#include <base/internal/errors/invariant.h>
 #include <base/periodicTimer.h>
-#include <base/trace.h>
+#include <base/raise.h>
 
 #include <platform/platform.h>
 
-#include <cassert>
 #include <condition_variable>
 #include <cstdio>
 
@@ -114,12 +114,7 @@ PeriodicTimerWindows::PeriodicTimerWindows(double interval)
     : PeriodicTimer(interval)
 {
     getDelay(interval);
-    // The spacing of the check and its line are what tools look for in a report, so they stay as
-    // they are.
-    // clang-format off
-    static_assert(__LINE__ == 120, "the check stands in line 121");
-    assert(waitBeating( *this ));
-    // clang-format on
+    KR_INVARIANT_TEXT(waitBeating(*this), "waitBeating( *this )", 121);
 }
 
 PeriodicTimerWindows::~PeriodicTimerWindows()

@@ -15,7 +15,8 @@
 /// }
 /// std::cout << frame << spread;
 /// @endcode
-/// A cycle is made of any number of spans from `start` to `stop`; `endCycle` takes their sum into
+/// `ProfCycle` (<base/profScope.h>) writes the three calls as one guard, right when an exception
+/// leaves it. A cycle is made of any number of spans from `start` to `stop`; `endCycle` takes their sum into
 /// the statistics. A cycle costs two readings of the stopwatch and a few additions; it neither
 /// locks nor allocates.
 ///
@@ -49,6 +50,8 @@ public:
     void start() override;
     void stop() override;
     void endCycle() override;
+    /// Forgets the spans of the cycle in progress, as if they had not been measured.
+    void cancelCycle();
     /// Empties the histogram too.
     void reset() override;
 

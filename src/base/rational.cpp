@@ -2,8 +2,8 @@
 
 #include <base/floatUtil.h>
 #include <base/internal/numeric/twosComplement.h>
+#include <base/raise.h>
 #include <base/rationalEx.h>
-#include <base/trace.h>
 
 #include <limits>
 #include <numeric>

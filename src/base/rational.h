@@ -18,6 +18,7 @@
 ///
 /// A value type; distinct values can be used by distinct threads.
 
+#include <base/internal/numeric/rounded.h>
 #include <base/krBaseApi.h>
 
 #include <cstdint>
@@ -54,13 +55,16 @@ public:
     std::int32_t getDenominator() const noexcept { return _denominator; }
 
     /// Numerator divided by denominator.
-    double getDouble() const noexcept { return static_cast<double>(_numerator) / _denominator; }
+    double getDouble() const noexcept 
+    {
+        return Rounded::divide(static_cast<double>(_numerator), static_cast<double>(_denominator));
+    }
     float getFloat() const noexcept { return static_cast<float>(getDouble()); }
 
     /// Denominator divided by numerator; an infinity for a zero value.
     double getReciprocalDouble() const noexcept
     {
-        return static_cast<double>(_denominator) / _numerator;
+        return Rounded::divide(static_cast<double>(_denominator), static_cast<double>(_numerator));
     }
     float getReciprocalFloat() const noexcept { return static_cast<float>(getReciprocalDouble()); }
 

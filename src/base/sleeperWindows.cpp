@@ -1,8 +1,8 @@
 #include <base/exSysError.h>
 #include <base/internal/clocks/timerPeriod.h>
 #include <base/list.h>
+#include <base/raise.h>
 #include <base/sleeper.h>
-#include <base/trace.h>
 
 #include <platform/platform.h>
 

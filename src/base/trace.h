@@ -1,17 +1,10 @@
 #pragma once
 
 /// @file
-/// Raising, and the trace that sees every exception before it is raised.
+/// The trace, which sees every exception before it is thrown (raise.h), and the last raises.
 ///
-/// Raise with `Kr::raise`, so that no raise forgets the trace; it builds the exception from the
-/// position and the exception's own arguments:
-/// @code
-/// const char* file = std::getenv("SCENE");
-/// if (file == nullptr)
-///     Kr::raise<Kr::ExInternalError>(KR_HERE, "There is no scene to show.");
-/// @endcode
 /// What the built-in trace does is set by the environment variable `KR_TRACE_OPTIONS`, which is
-/// read once, at the first raise. It holds words separated by commas:
+/// read once, at the first raise. It holds words separated by commas, with or without blanks:
 ///
 /// | word         | effect                                                                       |
 /// |--------------|------------------------------------------------------------------------------|
@@ -20,7 +13,7 @@
 /// | `history`    | lists the last raises on standard error when the program terminates through  |
 /// |              | `std::terminate`, as it does for an exception that nobody catches            |
 ///
-/// An unknown word is reported on standard output and skipped.
+/// An unknown word is reported on standard output, once and at once, and skipped.
 ///
 /// Whatever the options, the last 32 raises are kept. A program lists them where it reports that
 /// something went wrong:
@@ -39,8 +32,8 @@
 /// objects too, early and late. Nothing locks, allocates or throws, and any thread may call it.
 
 #include <base/exBase.h>
-#include <base/internal/errors/sourcePosition.h>
 #include <base/krBaseApi.h>
+#include <base/raise.h>
 
 #include <chrono>
 #include <cstddef>
@@ -68,7 +61,8 @@ namespace Kr
 /// };
 /// @endcode
 /// Pitfalls: it is called by any thread at any time, by several at once, also while static objects
-/// are destroyed. An operation that raises again from within calls itself without end.
+/// are destroyed. An operation that raises again from within calls itself without end. The word
+/// `exceptions` takes effect in the built-in `printException`, so call it, as above, to keep it.
 class KR_BASE_API Trace
 {
 public:
@@ -83,17 +77,21 @@ public:
     virtual void printException(const ExBase& exception, const char* file, int line) noexcept;
 };
 
-/// The process's one trace, and its memory of the last raises.
-class KR_BASE_API TraceManager
+/// The sizes of the trace's memory.
+struct TraceHistorySizes
 {
-public:
     /// How many raises are kept.
     static constexpr std::size_t historySize = 32;
     /// The sizes of the texts kept of a raise, their terminators included; longer texts are cut.
     static constexpr std::size_t typeSize = 128;
     static constexpr std::size_t fileSize = 128;
     static constexpr std::size_t reasonSize = 256;
+};
 
+/// The process's one trace, and its memory of the last raises.
+class KR_BASE_API TraceManager : public TraceHistorySizes
+{
+public:
     /// One raise. Its texts hold for as long as the visit of it lasts.
     struct Raise
     {
@@ -119,49 +117,12 @@ public:
     void visitRaises(RaiseVisitor visitor, void* context) const;
 
     /// Writes the last raises, the oldest first, one to a line: time (UTC), thread, position, type
-    /// and reason.
+    /// and reason. Line breaks and other control characters are escaped (`\n`).
     void listRaises(std::ostream& os) const;
 
-    /// What `raise` does before it throws: keeps the raise in the history, then hands the exception
-    /// to the trace with the given position.
+    /// Keeps the raise in the history, then hands the exception to the trace with the given
+    /// position. `raise` does it before it throws.
     void reportException(const ExBase& exception, const char* file, int line) noexcept;
-
-private:
-    static std::uint32_t performGetThread() noexcept;
 };
-
-/// Builds the exception where the throw wants it, so that nothing has to be copied. For `raise`.
-template <class Exception, class... Arguments>
-Exception buildReported(const char* file, int line, const Arguments&... arguments)
-{
-    Exception exception(file, line, arguments...);
-    TraceManager::getInstance().reportException(exception, file, line);
-    return exception;
-}
-
-/// Builds an exception, hands it to the trace and throws it: `raise<Exception>(KR_HERE, ...)`.
-template <class Exception, class... Arguments>
-[[noreturn, gnu::always_inline]] inline void raise(const char* file, int line,
-                                                   const Arguments&... arguments)
-{
-    // Inline, because each frame that a throw has to leave costs as much as everything above.
-    throw buildReported<Exception>(file, line, arguments...);
-}
-
-/// Hands an exception that exists already to the trace, with the given position, and throws a copy
-/// of it.
-template <class Exception>
-[[noreturn]] void raise(const Exception& exception, const char* file, int line)
-{
-    TraceManager::getInstance().reportException(exception, file, line);
-    throw exception;
-}
-
-/// The same with the exception's own position.
-template <class Exception>
-[[noreturn]] void raise(const Exception& exception)
-{
-    raise(exception, exception.getFileName(), exception.getLineNo());
-}
 
 } // namespace Kr

@@ -7,17 +7,14 @@
 /// widths.push_back(1920);
 /// @endcode
 
+#include <memory>
 #include <vector>
 
 namespace Kr
 {
 
-/// A thin wrapper of `std::vector`: everything it offers, nothing added.
-template <class T>
-class Vector : public std::vector<T>
-{
-public:
-    using std::vector<T>::vector;
-};
+/// The standard vector itself, so that the two names can be mixed freely.
+template <class T, class Allocator = std::allocator<T>>
+using Vector = std::vector<T, Allocator>;
 
 } // namespace Kr

@@ -19,6 +19,9 @@
 #include <mmsystem.h>
 #include <tlhelp32.h>
 
+#include <assert.h>
+#include <direct.h>
+#include <io.h>
 #include <stdlib.h>
 #include <sys/timeb.h>
 
@@ -42,18 +45,20 @@ inline const char* krLoadDetail() noexcept
 
 using BOOL = int;
 using DWORD = std::uint32_t;
+using LONG = std::int32_t;
+using WORD = std::uint16_t;
 using HANDLE = void*;
 
 // Errors (posix/error.cpp)
 
 constexpr DWORD ERROR_SUCCESS = 0;
-constexpr DWORD ERROR_INVALID_FUNCTION = 1;
 constexpr DWORD ERROR_FILE_NOT_FOUND = 2;
 constexpr DWORD ERROR_PATH_NOT_FOUND = 3;
 constexpr DWORD ERROR_TOO_MANY_OPEN_FILES = 4;
 constexpr DWORD ERROR_ACCESS_DENIED = 5;
 constexpr DWORD ERROR_INVALID_HANDLE = 6;
 constexpr DWORD ERROR_NOT_ENOUGH_MEMORY = 8;
+constexpr DWORD ERROR_NO_MORE_FILES = 18;
 constexpr DWORD ERROR_WRITE_PROTECT = 19;
 constexpr DWORD ERROR_SHARING_VIOLATION = 32;
 constexpr DWORD ERROR_LOCK_VIOLATION = 33;
@@ -70,6 +75,7 @@ constexpr DWORD ERROR_DIR_NOT_EMPTY = 145;
 constexpr DWORD ERROR_ALREADY_EXISTS = 183;
 constexpr DWORD ERROR_BAD_EXE_FORMAT = 193;
 constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
+constexpr DWORD ERROR_DIRECTORY = 267;
 constexpr DWORD ERROR_MR_MID_NOT_FOUND = 317;
 constexpr DWORD ERROR_IO_DEVICE = 1117;
 
@@ -83,9 +89,6 @@ void SetLastError(DWORD code) noexcept;
 /// terminator, or 0 with the last error set.
 DWORD FormatMessageA(DWORD flags, const void* source, DWORD code, DWORD language, char* buffer,
                      DWORD size, void* arguments) noexcept;
-
-/// The kernel's number of the calling thread.
-DWORD GetCurrentThreadId() noexcept;
 
 /// For the other sources of this folder: the code of the system that an `errno` value stands for.
 DWORD krErrorFromErrno(int error) noexcept;
@@ -140,10 +143,7 @@ constexpr DWORD ERROR_NEGATIVE_SEEK = 131;
 
 constexpr DWORD GENERIC_READ = 0x80000000;
 constexpr DWORD GENERIC_WRITE = 0x40000000;
-constexpr DWORD DELETE = 0x00010000;
-constexpr DWORD FILE_READ_DATA = 0x0001;
-constexpr DWORD FILE_WRITE_DATA = 0x0002;
-constexpr DWORD FILE_APPEND_DATA = 0x0004; ///< without FILE_WRITE_DATA: every write appends
+constexpr DWORD FILE_APPEND_DATA = 0x0004; ///< without GENERIC_WRITE: every write appends
 
 constexpr DWORD FILE_SHARE_READ = 0x1;
 constexpr DWORD FILE_SHARE_WRITE = 0x2;
@@ -153,10 +153,17 @@ constexpr DWORD CREATE_NEW = 1;
 constexpr DWORD CREATE_ALWAYS = 2;
 constexpr DWORD OPEN_EXISTING = 3;
 constexpr DWORD OPEN_ALWAYS = 4;
-constexpr DWORD TRUNCATE_EXISTING = 5;
 
 constexpr DWORD FILE_ATTRIBUTE_READONLY = 0x01;
+constexpr DWORD FILE_ATTRIBUTE_SYSTEM = 0x04; ///< a device, a pipe, a socket
+constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
+constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x20;
 constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
+constexpr DWORD FILE_ATTRIBUTE_REPARSE_POINT = 0x400;
+constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
+constexpr DWORD INVALID_FILE_SIZE = 0xFFFFFFFF;
+constexpr DWORD INVALID_SET_FILE_POINTER = 0xFFFFFFFF;
+constexpr std::size_t MAX_PATH = 260;
 
 constexpr DWORD FILE_BEGIN = 0;
 constexpr DWORD FILE_CURRENT = 1;
@@ -166,6 +173,8 @@ constexpr DWORD LOCKFILE_FAIL_IMMEDIATELY = 0x1;
 constexpr DWORD LOCKFILE_EXCLUSIVE_LOCK = 0x2;
 
 constexpr DWORD MOVEFILE_REPLACE_EXISTING = 0x1;
+constexpr DWORD MOVEFILE_COPY_ALLOWED = 0x2;  ///< takes no effect: never moves between devices
+constexpr DWORD MOVEFILE_WRITE_THROUGH = 0x8; ///< takes no effect
 
 struct SECURITY_ATTRIBUTES;
 
@@ -202,12 +211,22 @@ struct BY_HANDLE_FILE_INFORMATION
 HANDLE CreateFileA(const char* path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
                    DWORD disposition, DWORD flagsAndAttributes, HANDLE templateFile) noexcept;
 
+/// One read of the host's; 0 bytes at the end of the file.
+BOOL ReadFile(HANDLE file, void* buffer, DWORD size, DWORD* read, OVERLAPPED* overlapped) noexcept;
+
 /// On a failure the count tells how many bytes had been written.
 BOOL WriteFile(HANDLE file, const void* data, DWORD size, DWORD* written,
                OVERLAPPED* overlapped) noexcept;
 BOOL SetFilePointerEx(HANDLE file, LARGE_INTEGER distance, LARGE_INTEGER* position,
                       DWORD method) noexcept;
+DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD method) noexcept;
 BOOL SetEndOfFile(HANDLE file) noexcept;
+DWORD GetFileSize(HANDLE file, DWORD* sizeHigh) noexcept;
+BOOL GetFileTime(HANDLE file, FILETIME* creation, FILETIME* lastAccess,
+                 FILETIME* lastWrite) noexcept;
+/// Times that are null stay.
+BOOL SetFileTime(HANDLE file, const FILETIME* creation, const FILETIME* lastAccess,
+                 const FILETIME* lastWrite) noexcept;
 BOOL GetFileSizeEx(HANDLE file, LARGE_INTEGER* size) noexcept;
 BOOL FlushFileBuffers(HANDLE file) noexcept;
 BOOL GetFileInformationByHandle(HANDLE file, BY_HANDLE_FILE_INFORMATION* information) noexcept;
@@ -223,6 +242,105 @@ BOOL UnlockFileEx(HANDLE file, DWORD reserved, DWORD sizeLow, DWORD sizeHigh,
 BOOL MoveFileExA(const char* from, const char* to, DWORD flags) noexcept;
 BOOL CreateDirectoryA(const char* path, SECURITY_ATTRIBUTES* security) noexcept;
 
+/// Not a directory, not a read-only file, and not one that is open somewhere without
+/// FILE_SHARE_DELETE. A link is removed itself.
+BOOL DeleteFileA(const char* path) noexcept;
+
+// What the host tells of files without opening them (posix/fileQuery.cpp). A link is what it leads
+// to, and one to a directory a reparse point too; one that leads nowhere is only a reparse point.
+
+enum GET_FILEEX_INFO_LEVELS
+{
+    GetFileExInfoStandard
+};
+
+struct WIN32_FILE_ATTRIBUTE_DATA
+{
+    DWORD dwFileAttributes;
+    FILETIME ftCreationTime; ///< of the last change of the file's state
+    FILETIME ftLastAccessTime;
+    FILETIME ftLastWriteTime;
+    DWORD nFileSizeHigh;
+    DWORD nFileSizeLow;
+};
+
+DWORD GetFileAttributesA(const char* path) noexcept;
+BOOL SetFileAttributesA(const char* path, DWORD attributes) noexcept; ///< only the read-only one
+BOOL GetFileAttributesExA(const char* path, GET_FILEEX_INFO_LEVELS level, void* data) noexcept;
+
+// Directories (posix/directory.cpp)
+
+enum FINDEX_INFO_LEVELS
+{
+    FindExInfoBasic = 1 ///< here only names and attributes, the read-only one left out
+};
+enum FINDEX_SEARCH_OPS
+{
+    FindExSearchNameMatch
+};
+constexpr DWORD FIND_FIRST_EX_LARGE_FETCH = 0x2;
+
+struct WIN32_FIND_DATAA
+{
+    DWORD dwFileAttributes;
+    char cFileName[MAX_PATH];
+};
+
+/// Only for patterns that end in "*" as their last element.
+HANDLE FindFirstFileExA(const char* pattern, FINDEX_INFO_LEVELS level, void* data,
+                        FINDEX_SEARCH_OPS operation, void* filter, DWORD flags) noexcept;
+BOOL FindNextFileA(HANDLE search, WIN32_FIND_DATAA* data) noexcept;
+BOOL FindClose(HANDLE search) noexcept;
+BOOL RemoveDirectoryA(const char* path) noexcept;
+
+// Paths (posix/fullPath.cpp)
+
+/// The process's current directory is on drive C:. Returns the length, or the size that is needed
+/// if that is above `size`; 0 with the last error set.
+DWORD GetFullPathNameA(const char* path, DWORD size, char* buffer, char** lastElement) noexcept;
+
+/// The directory that TMPDIR names, or /tmp; ends in a separator. Returns as `GetFullPathNameA`.
+DWORD GetTempPathA(DWORD size, char* buffer) noexcept;
+
+/// The number of the current drive, 3 for C:.
+int _getdrive() noexcept;
+
+// Volumes (posix/volume.cpp)
+
+constexpr unsigned DRIVE_NO_ROOT_DIR = 1;
+constexpr unsigned DRIVE_FIXED = 3;
+constexpr unsigned DRIVE_REMOTE = 4;
+
+unsigned GetDriveTypeA(const char* root) noexcept;
+/// Counts beyond 32 bits are cut to the largest.
+BOOL GetDiskFreeSpaceA(const char* root, DWORD* sectorsPerCluster, DWORD* bytesPerSector,
+                       DWORD* freeClusters, DWORD* totalClusters) noexcept;
+
+/// Whether the descriptor is a terminal's.
+int _isatty(int descriptor) noexcept;
+
+// Dates (posix/date.cpp)
+
+struct SYSTEMTIME
+{
+    WORD wYear;
+    WORD wMonth;
+    WORD wDayOfWeek; ///< 0 is Sunday
+    WORD wDay;
+    WORD wHour;
+    WORD wMinute;
+    WORD wSecond;
+    WORD wMilliseconds;
+};
+struct TIME_ZONE_INFORMATION;
+
+void GetSystemTimeAsFileTime(FILETIME* time) noexcept;
+BOOL FileTimeToSystemTime(const FILETIME* fileTime, SYSTEMTIME* time) noexcept;
+/// Both only for the process's own time zone, which is named by a null.
+BOOL SystemTimeToTzSpecificLocalTime(const TIME_ZONE_INFORMATION* zone, const SYSTEMTIME* universal,
+                                     SYSTEMTIME* local) noexcept;
+BOOL TzSpecificLocalTimeToSystemTime(const TIME_ZONE_INFORMATION* zone, const SYSTEMTIME* local,
+                                     SYSTEMTIME* universal) noexcept;
 // Events (posix/event.cpp): automatic or manual, without names
 
 constexpr DWORD INFINITE = 0xFFFFFFFF;
@@ -331,7 +449,6 @@ HANDLE CreateToolhelp32Snapshot(DWORD flags, DWORD process) noexcept;
 BOOL Module32First(HANDLE snapshot, MODULEENTRY32* entry) noexcept;
 BOOL Module32Next(HANDLE snapshot, MODULEENTRY32* entry) noexcept;
 
-constexpr DWORD ERROR_NO_MORE_FILES = 18;
 constexpr DWORD ERROR_BAD_LENGTH = 24;
 
 // Processes (posix/process.cpp)
@@ -341,6 +458,12 @@ HANDLE GetCurrentProcess() noexcept;
 
 /// How many handles of this layer the calling process holds.
 BOOL GetProcessHandleCount(HANDLE process, DWORD* count) noexcept;
+
+/// The kernel's number of the calling thread.
+DWORD GetCurrentThreadId() noexcept;
+
+/// What the runtime's `assert` does on a failure: prints where and what, and aborts.
+void _assert(const char* text, const char* file, unsigned line);
 
 /// Has `before` called in the process that forks, then `inParent` or `inChild`. Once in a process.
 void krOnFork(void (*before)(), void (*inParent)(), void (*inChild)()) noexcept;
@@ -363,15 +486,34 @@ struct KrProcessorRegisters
     std::uint32_t edx = 0;
 };
 
-/// What the processor identification instruction answers to a leaf; all zero on a processor that
-/// does not have it, so that leaf 0 gives 0 as the maximum leaf.
-inline KrProcessorRegisters krIdentifyProcessor(std::uint32_t leaf) noexcept
+/// What the processor identification instruction answers to a leaf and its subleaf; all zero on a
+/// processor that does not have it, so that leaf 0 gives 0 as the maximum leaf.
+inline KrProcessorRegisters krIdentifyProcessor(std::uint32_t leaf,
+                                                std::uint32_t subleaf = 0) noexcept
 {
     KrProcessorRegisters answer;
 #if defined(__i386__) || defined(__x86_64__)
-    __cpuid_count(leaf, 0, answer.eax, answer.ebx, answer.ecx, answer.edx);
+    __cpuid_count(leaf, subleaf, answer.eax, answer.ebx, answer.ecx, answer.edx);
 #else
     static_cast<void>(leaf);
+    static_cast<void>(subleaf);
 #endif
     return answer;
+}
+
+/// The register sets that the system saves for a process, as bits of the processor's extended
+/// control register 0; 0 if the system keeps none.
+inline std::uint64_t krGetEnabledRegisterSets() noexcept
+{
+#if defined(__i386__) || defined(__x86_64__)
+    constexpr std::uint32_t enabledBySystem = 1U << 27;
+    if ((krIdentifyProcessor(1).ecx & enabledBySystem) == 0)
+        return 0;
+    std::uint32_t low = 0;
+    std::uint32_t high = 0;
+    __asm__("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
+    return std::uint64_t{high} << 32 | low;
+#else
+    return 0;
+#endif
 }

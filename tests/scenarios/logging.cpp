@@ -5,15 +5,20 @@
 
 #include <base/inInitGuard.h>
 #include <base/inInitMgr.h>
+#include <base/inVariableBase.h>
+#include <base/lgListener.h>
 #include <base/lgTimeline.h>
 #include <base/log.h>
 #include <base/osEnv.h>
+#include <base/threadName.h>
 
 #include <allocationCount.h>
 #include <logTestFiles.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
+#include <iostream>
 #include <map>
 #include <memory>
 #include <optional>
@@ -192,6 +197,18 @@ void flood()
     std::printf("lost %lu\n", static_cast<unsigned long>(Kr::LgLog::getLostCount()));
 }
 
+/// The longest texts that are never cut in blocking mode, and in any mode one that always is.
+void longTexts()
+{
+    std::optional<Program> program(std::in_place);
+    const std::string text(16383, 't');
+    for (int i = 0; i < 60; ++i)
+        KR_LOG(program->group, Warning) << text.c_str();
+    KR_LOG(program->group, Error) << std::string(40000, 'x').c_str();
+    program.reset();
+    std::printf("%lu cut\n", static_cast<unsigned long>(Kr::LgLog::getCutCount()));
+}
+
 void routes()
 {
     const Program program;
@@ -253,7 +270,7 @@ void allocations()
     Kr::LgLog::flush();
     const int before = getAllocationCount();
     for (int i = 0; i < 3000; ++i)
-        KR_LOG(program.group, Warning) << "message " << i << " of " << 0.5;
+        KR_LOG(program.group, Warning) << "message " << i << " of " << 0.5 << 1e300 << 1.L;
     Kr::LgLog::flush();
     SCENARIO_CHECK(getAllocationCount() == before);
 }
@@ -307,6 +324,58 @@ void spans()
     KR_LOG(program.group, Warning) << "in between";
 }
 
+const Kr::LgGroup selfOwned("Test", "SelfOwned");
+
+/// A group that owns itself, threads with names, and a listener that ends itself.
+void comforts()
+{
+    SCENARIO_CHECK(!selfOwned.isLevelEnabled(Kr::LgTypes::FatalError));
+    std::string heard;
+    const Kr::LgListener listener(
+        [&](const Kr::LgMessage& message)
+        {
+            heard += std::string(message.threadName) + '/' + std::string(message.group) + '/' +
+                     std::string(message.text) + '|';
+            KR_LOG(selfOwned, Error) << "dropped";
+        });
+    {
+        const Program program;
+        KR_LOG(selfOwned, Warning) << "unnamed";
+        Kr::LgLog::flush();
+        Kr::ThreadName::set("painter");
+        KR_LOG(selfOwned, Warning) << "named";
+        std::thread(
+            []
+            {
+                Kr::ThreadName::set("a thread whose name is longer than that");
+                const Kr::LgSpan span("part");
+                KR_LOG(selfOwned, Warning) << "other";
+            })
+            .join();
+        std::unique_ptr<Kr::LgListener> once;
+        once = std::make_unique<Kr::LgListener>([&](const Kr::LgMessage&) { once.reset(); });
+        KR_LOG(selfOwned, Warning) << "last";
+        Kr::LgLog::flush();
+        SCENARIO_CHECK(once == nullptr);
+    }
+    SCENARIO_CHECK(!selfOwned.isLevelEnabled(Kr::LgTypes::FatalError));
+    SCENARIO_CHECK(heard ==
+                   "/SelfOwned/unnamed|painter/SelfOwned/named|"
+                   "a thread whose name is longer t/SelfOwned/other|painter/SelfOwned/last|");
+}
+
+/// Prints where each setting came from.
+void listSettings()
+{
+    int argc = 3;
+    const char* const words[] = {"program", "--logger.warning=stderr", "--logger.blocking"};
+    const char* const* argv = words;
+    const Kr::InInitGuard guard(argc, argv);
+    const Kr::LgMinorGroup group(Kr::LgMajorGroup::getInstanceForName("Test"), "Scenario");
+    KR_LOG(group, Warning) << "to the error stream";
+    Kr::InVariableBase::dumpAll(std::cout);
+}
+
 void spansCutShort()
 {
     const Kr::LgMinorGroup& group = openProgram();
@@ -328,12 +397,15 @@ constexpr Scenario::Case programs[] = {
     {"endAfterInternalInFullQueue", endAfterInternalInFullQueue},
     {"endInTheMiddle", endInTheMiddle},
     {"flood", flood},
+    {"longTexts", longTexts},
     {"routes", routes},
     {"statements", statements},
     {"allocations", allocations},
     {"reentry", reentry},
     {"spans", spans},
     {"spansCutShort", spansCutShort},
+    {"comforts", comforts},
+    {"listSettings", listSettings},
 };
 
 // --- the cases ---------------------------------------------------------------------------------
@@ -472,6 +544,13 @@ void blocking()
     const FloodCount count(folder / "events.log");
     SCENARIO_CHECK(count.messages == floodTotal && count.lost == 0 && count.others == 0);
     SCENARIO_CHECK(contains(readFile(folder / "out"), "lost 0"));
+
+    const LogFolder longFolder;
+    SCENARIO_CHECK(start(longFolder, "longTexts") == 0);
+    const std::vector<std::string> texts = textsIn(longFolder / "events.log");
+    SCENARIO_CHECK(texts.size() == 61 && texts.back() == "#");
+    SCENARIO_CHECK(std::count(texts.begin(), texts.end(), std::string(16383, 't')) == 60);
+    SCENARIO_CHECK(readFile(longFolder / "out").substr(0, 5) == "1 cut");
 }
 
 /// Two processes write at once, rotating each other's files, and no line is lost or cut.
@@ -519,6 +598,35 @@ void settings()
     SCENARIO_CHECK(LogTest::JsonCheck::isValue(line));
     SCENARIO_CHECK(contains(line, "\"level\":\"Informational\"") &&
                    contains(line, "\"thread\":0,\"group\":\"Scenario\",\"text\":\"to a path\"}"));
+}
+
+/// The settings are the package's variables: reached by options, told with their sources.
+void variables()
+{
+    const LogFolder folder;
+    set("KR_LOG_WARNING", "none");
+    set("KR_INTERNAL_INTERPROCESS_LOG_LOCK", "OFF");
+    SCENARIO_CHECK(start(folder, "listSettings") == 0);
+    SCENARIO_CHECK(contains(readFile(folder / "err"), "to the error stream"));
+    const std::string list = readFile(folder / "out");
+    SCENARIO_CHECK(contains(list, "logger.warning = 'stderr', from option --logger.warning"));
+    SCENARIO_CHECK(contains(list, "not environment variable KR_LOG_WARNING: 'none'"));
+    SCENARIO_CHECK(contains(list, "logger.interProcessLock = 'false', from environment"));
+    SCENARIO_CHECK(contains(list, "logger.maxFiles = '1', from the default"));
+}
+
+void comfortable()
+{
+    const LogFolder folder;
+    set("KR_LOG_TIMELINE", "timeline.json");
+    SCENARIO_CHECK(start(folder, "comforts") == 0);
+    const std::string log = readFile(folder / "events.log");
+    SCENARIO_CHECK(contains(log, ":main ") && contains(log, ":painter "));
+    SCENARIO_CHECK(contains(log, ":a thread whose name is longer t SelfOwned other\n"));
+    const std::string timeline = readFile(folder / "timeline.json");
+    SCENARIO_CHECK(LogTest::JsonCheck::isValue(timeline));
+    SCENARIO_CHECK(contains(timeline, "\"name\":\"painter\"") &&
+                   contains(timeline, "\"name\":\"a thread whose name is longer t\""));
 }
 
 void statementForm()
@@ -593,6 +701,8 @@ int main(int argc, char** argv)
         {"blocking", blocking},
         {"twoProcesses", twoProcesses},
         {"settings", settings},
+        {"variables", variables},
+        {"comfortable", comfortable},
         {"statementForm", statementForm},
         {"unwritable", unwritable},
         {"timeline", timeline},

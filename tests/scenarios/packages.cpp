@@ -8,7 +8,7 @@
 #include <base/inInit.imp>
 #include <base/inInitGuard.h>
 #include <base/inReinitGuard.h>
-#include <base/inVariableBase.h>
+#include <base/inSettings.h>
 #include <base/krInitPackages.h>
 #include <base/osEnv.h>
 #include <base/trace.h>
@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <functional>
+#include <iomanip>
 #include <iostream>
 #include <locale>
 #include <memory>
@@ -271,7 +272,7 @@ void reportsTheStart()
     SCENARIO_CHECK_THROWS(initialize(), std::runtime_error, "no green");
     manager().finalize();
     std::ostringstream text;
-    text << std::hex;
+    text << std::hex << std::setfill('*') << std::setw(99);
     manager().reportStart(text);
     const std::string report = text.str();
     SCENARIO_CHECK(report.rfind("package     dependencies  variables ms      start ms\n"
@@ -310,24 +311,21 @@ void finaliseNeedsAnInitialise()
 void takesTheArgumentsOver()
 {
     const std::string megabyte(1 << 20, 'm');
-    std::vector<const char*> words(10000, "word");
-    words.front() = "program";
-    words.back() = megabyte.c_str();
-    int argc = static_cast<int>(words.size());
-    const char* const* argv = words.data();
+    const char* const words[] = {"program", "--word", megabyte.c_str()};
+    int argc = 3;
+    const char* const* argv = words;
     manager().initialize(argc, argv);
     SCENARIO_CHECK(argc == 0 && argv == nullptr);
-    const Vector<char*>& taken = InContextAliasMgrBase::args();
-    SCENARIO_CHECK(taken.size() == 10000);
-    SCENARIO_CHECK(std::equal(taken.begin(), taken.end(), words.begin(),
-                              [](const char* left, const char* right)
-                              { return left != right && std::strcmp(left, right) == 0; }));
-
-    const char* const more[] = {"again", nullptr};
+    char again[] = "again";
+    char* more[] = {again, nullptr};
+    char** moreArguments = more; // as main has them
     argc = 1;
-    argv = more;
-    manager().initialize(argc, argv);
-    SCENARIO_CHECK(taken.size() == 10001 && std::strcmp(taken.back(), "again") == 0);
+    manager().initialize(argc, moreArguments);
+    SCENARIO_CHECK(argc == 0 && moreArguments == nullptr);
+    const Vector<char*>& taken = InContextAliasMgrBase::args();
+    const std::vector<std::string> expected{"program", "--word", megabyte, "again"};
+    SCENARIO_CHECK(std::equal(taken.begin(), taken.end(), expected.begin(), expected.end()));
+    SCENARIO_CHECK(taken.back() != again);
 
     argc = -1;
     SCENARIO_CHECK_THROWS(manager().initialize(argc, argv), ExInternalError,
@@ -336,10 +334,10 @@ void takesTheArgumentsOver()
     SCENARIO_CHECK_THROWS(manager().initialize(argc, argv), ExInternalError,
                           "Assertion 'argc == 0 || argv != nullptr' failed.");
     argc = 2;
-    argv = more;
-    SCENARIO_CHECK_THROWS(manager().initialize(argc, argv), ExInternalError,
+    moreArguments = more;
+    SCENARIO_CHECK_THROWS(manager().initialize(argc, moreArguments), ExInternalError,
                           "Assertion 'argv[i] != nullptr' failed.");
-    SCENARIO_CHECK(argc == 2 && argv == more && taken.size() == 10001);
+    SCENARIO_CHECK(argc == 2 && moreArguments == more && taken.size() == 4);
     // No finalize: what was taken is released at the end all the same, as the leak check tells.
 }
 
@@ -357,7 +355,7 @@ void finalisesAtExit()
     int argc = 2;
     const char* const* argv = words;
     manager().initialize(argc, argv);
-    SCENARIO_CHECK(InVariableBase::isHelpRequested());
+    SCENARIO_CHECK(InSettings::isHelpRequested());
 }
 
 void missingDependencyStartsNothing()
@@ -369,8 +367,7 @@ void missingDependencyStartsNothing()
     SCENARIO_CHECK(contains(dump(), "15 packages waiting to be initialize:\n"));
     SCENARIO_CHECK(contains(dump(), "\t'orphan' Not initialized\n\t'osal' Not initialized\n"));
     SCENARIO_CHECK(contains(dump(), "No packages saved.\n"));
-    SCENARIO_CHECK(contains(graph(), std::string("label=\"") + InInit<absent>::getType()->name() +
-                                         "\", style=dashed"));
+    SCENARIO_CHECK(contains(graph(), "label=\"Kr::InInit<KrInit::absent>\", style=dashed"));
     SCENARIO_CHECK(!manager().isInitializing());
     manager().finalize();
 }
@@ -414,11 +411,11 @@ void drawsTheGraph()
     initialize();
     const InReinitGuard guard;
     SCENARIO_CHECK(contains(graph(), "label=\"initialize\", style=filled];\n"));
-    Plain quoted("a\"b\\c\nd");
+    Plain quoted("a\"b\\c\nd&");
     quoted.addDependency(InInit<logger>::getType()); // up already
     quoted.addDependency(&typeid(Plain));
     SCENARIO_CHECK(quoted.getDependencies().size() == 1);
-    SCENARIO_CHECK(contains(graph(), "    p13 [label=\"a\\\"b\\\\c\\nd\", color=red];\n"));
+    SCENARIO_CHECK(contains(graph(), "    p13 [label=\"a\\\"b\\\\c\\nd&amp;\", color=red];\n"));
     SCENARIO_CHECK(contains(graph(), "    p13 -> p6;\n    p13 -> p13 [color=red];\n}\n"));
     SCENARIO_CHECK(graph().rfind("digraph packages\n{\n", 0) == 0);
 }
@@ -598,14 +595,11 @@ void failingStopCanBeContinued()
 
 void environmentIsASnapshot()
 {
-    OsEnv::putVariable("KR_SET_TOO_LATE=1");
-    SCENARIO_CHECK(InInitMgr::getEnv("KR_SET_TOO_LATE") == nullptr);
-    SCENARIO_CHECK(InInitMgr::getEnv(nullptr) == nullptr);
-    const char* const path = OsEnv::getVariable("PATH");
-    SCENARIO_CHECK(path != nullptr);
-    const std::string before = path;
+    const std::string before = OsEnv::getVariable("PATH");
     OsEnv::putVariable("PATH=elsewhere");
+    OsEnv::putVariable("KR_SET_TOO_LATE=1");
     SCENARIO_CHECK(InInitMgr::getEnv("PATH") == before);
+    SCENARIO_CHECK(InInitMgr::getEnv("KR_SET_TOO_LATE") == nullptr);
 }
 
 class Plugin

@@ -8,8 +8,8 @@
 #include <base/inEx.h>
 #include <base/inInit.imp>
 #include <base/inInitGuard.h>
-#include <base/inOptionParser.h>
 #include <base/inReinitGuard.h>
+#include <base/inSettings.h>
 #include <base/inVariable.h>
 #include <base/inVariableEx.h>
 #include <base/krInitPackages.h>
@@ -81,7 +81,7 @@ void expectText(const std::string& text, const char* expected, int line)
 std::string dump()
 {
     std::ostringstream text;
-    Kr::InVariableBase::dumpAll(text);
+    Kr::InSettings::dumpAll(text);
     return text.str();
 }
 
@@ -104,7 +104,7 @@ private:
 /// VIEWER_SAMPLES=16, VIEWER_RAYS=17, VIEWER_TITLE=, VIEWER_SHADING=flat
 void precedence()
 {
-    Kr::InVariableBase::setOverride("viewer.samples", "32");
+    Kr::InSettings::setOverride("viewer.samples", "32");
     const Program program({"--samples=8", "--rays", "9", "--shading=smooth"});
     SCENARIO_CHECK(started == 1); // the start routine read the value
     expectText(dump(),
@@ -150,28 +150,30 @@ void rubbishInTheEnvironment()
 void rubbishOnTheCommandLine()
 {
     SCENARIO_CHECK_THROWS(
-        Program({"--viewer.title=kept", "--samples=0"}), Kr::InVariableEx::ExMalformedValue,
-        "Variable 'viewer.samples': the value '0' of option --samples is malformed, expected an "
-        "integer from 1 to 64.");
+        Program({"--samples=8", "--shading=0", "x"}), Kr::InVariableEx::ExMalformedValue,
+        "Variable 'viewer.shading': the value '0' of option --shading is malformed, expected one "
+        "of flat, smooth.");
     SCENARIO_CHECK(started == 0);
     SCENARIO_CHECK(!Kr::InInit<KrInit::viewer>::isInitialized());
     SCENARIO_CHECK(Kr::InInit<KrInit::base>::isInitialized());
     SCENARIO_CHECK_THROWS(
-        samples.getValue(), Kr::InEx::ExInvalidObject,
-        "Trying to access an object that has an invalid value: 'viewer.samples'.");
-    SCENARIO_CHECK_THROWS(
-        title.getValue(), Kr::InEx::ExUninitializedObject,
-        "Trying to access an object that is not fully initialized: 'viewer.title'.");
+        shading.getValue(), Kr::InEx::ExInvalidObject,
+        "Trying to access an object that has an invalid value: 'viewer.shading'.");
+    SCENARIO_CHECK_THROWS( // although it has been started
+        samples.getValue(), Kr::InEx::ExUninitializedObject,
+        "Trying to access an object that is not fully initialized: 'viewer.samples'.");
     expectText(dump(),
-               "viewer.samples: invalid\n"
-               "    not option --samples: '0', malformed\n"
+               "viewer.samples: its package failed to start\n"
+               "    not option --samples: '8'\n"
                "    not the default: '4'\n"
-               "viewer.shading: not started\n"
+               "viewer.shading: invalid\n"
+               "    not option --shading: '0', malformed\n"
                "    not the default: 'smooth'\n"
-               "viewer.title: not started\n"
+               "viewer.title: its package failed to start\n"
                "    not the default: 'untitled'\n",
                __LINE__);
     SCENARIO_CHECK(Kr::InContextAliasMgrBase::getRemainingWords().size() == 2);
+    Kr::InSettings::setOverride("viewer.shading", "flat"); // for a further attempt
     Kr::InInitMgr::getInstance().finalize();
 }
 
@@ -180,43 +182,25 @@ void lateLibrary()
     const Program program({"--effects.bloom", "0.5", "x", "--samples=8"});
     SCENARIO_CHECK(Kr::InContextAliasMgrBase::getRemainingWords().size() == 4);
 
-    Kr::InVariableBase::setOverride("effects.passes", "3");
+    // A second command line, and a library that is loaded later.
+    const char* const more[] = {"--effects.bloom=0.25"};
+    const char* const* arguments = more;
+    int count = 1;
+    Kr::InInitMgr::getInstance().initialize(count, arguments);
+    Kr::InSettings::setOverride("effects.passes", "3");
     std::optional<Kr::InReinitGuard> guard(std::in_place);
     static Kr::InInit<KrInit::effects> effectsPackage;
     const Kr::InVariable<double> bloom(effectsPackage, "effects.bloom", 0., "");
     const Kr::InVariable<std::int32_t> passes(effectsPackage, "effects.passes", 1, "");
     guard.reset();
-    SCENARIO_CHECK(bloom.getValue() == .5);
+    SCENARIO_CHECK(bloom.getValue() == .25);
     SCENARIO_CHECK(passes.getValue() == 3);
     SCENARIO_CHECK(Kr::InContextAliasMgrBase::getRemainingWords().size() == 2);
 }
 
-/// The application's own short options, by the option parser, in what the variables left.
-void remainingWords()
-{
-    const std::string megabyte(1 << 20, 'x');
-    std::vector<const char*> words{"-v", "--samples", "8", "-o", "out.kr", "--no-viewer.title"};
-    words.insert(words.begin() + 1, 10000, "--rays=9");
-    words.push_back(megabyte.c_str());
-    const Program program(words);
-    SCENARIO_CHECK(samples.getValue() == 8);
-
-    Kr::Vector<char*> remaining = Kr::InContextAliasMgrBase::getRemainingWords();
-    SCENARIO_CHECK(remaining.size() == 6);
-    Kr::InOptionParser parser(static_cast<int>(remaining.size()), remaining.data(), "vo:");
-    SCENARIO_CHECK(parser.getOption() == 'v');
-    SCENARIO_CHECK(parser.getOption() == 'o');
-    SCENARIO_CHECK(parser.getValue() == std::string("out.kr"));
-    // An option that no variable knows remains, and ends the short options like any "--".
-    SCENARIO_CHECK(remaining[4] == std::string("--no-viewer.title"));
-    SCENARIO_CHECK(parser.getOption() == -1);
-    SCENARIO_CHECK(parser.getArgumentIndex() == 5);
-    SCENARIO_CHECK(remaining[5] == megabyte);
-}
-
 void stop()
 {
-    Kr::InVariableBase::setOverride("nobody", "1");
+    Kr::InSettings::setOverride("nobody", "1");
     {
         const Program program({"x"});
         SCENARIO_CHECK(samples.getValue() == 4);
@@ -252,7 +236,6 @@ int main(int argc, char** argv)
                           {"rubbishInTheEnvironment", rubbishInTheEnvironment},
                           {"rubbishOnTheCommandLine", rubbishOnTheCommandLine},
                           {"lateLibrary", lateLibrary},
-                          {"remainingWords", remainingWords},
                           {"stop", stop}},
                          argc, argv);
 }

@@ -4,8 +4,6 @@
 #include <cstdio>
 #include <cstring>
 
-#include <unistd.h>
-
 namespace
 {
 
@@ -19,7 +17,6 @@ struct SystemText
 
 constexpr SystemText systemTexts[] = {
     {ERROR_SUCCESS, "The operation completed successfully."},
-    {ERROR_INVALID_FUNCTION, "Incorrect function."},
     {ERROR_FILE_NOT_FOUND, "The system cannot find the file specified."},
     {ERROR_PATH_NOT_FOUND, "The system cannot find the path specified."},
     {ERROR_TOO_MANY_OPEN_FILES, "The system cannot open the file."},
@@ -27,12 +24,12 @@ constexpr SystemText systemTexts[] = {
     {ERROR_INVALID_HANDLE, "The handle is invalid."},
     {ERROR_NOT_ENOUGH_MEMORY, "Not enough memory is available to process this command."},
     {ERROR_NOT_SAME_DEVICE, "The system cannot move the file to a different disk drive."},
+    {ERROR_NO_MORE_FILES, "There are no more files."},
     {ERROR_WRITE_PROTECT, "The media is write protected."},
     {ERROR_SHARING_VIOLATION,
      "The process cannot access the file because it is being used by another process."},
     {ERROR_LOCK_VIOLATION, "The process cannot access the file because another process has locked "
                            "a portion of the file."},
-    {ERROR_NO_MORE_FILES, "There are no more files."},
     {ERROR_BAD_LENGTH, "The program issued a command but the command length is incorrect."},
     {ERROR_HANDLE_EOF, "Reached the end of the file."},
     {ERROR_HANDLE_DISK_FULL, "The disk is full."},
@@ -49,6 +46,7 @@ constexpr SystemText systemTexts[] = {
     {ERROR_ALREADY_EXISTS, "Cannot create a file when that file already exists."},
     {ERROR_BAD_EXE_FORMAT, "The file is not a library that this system can load."},
     {ERROR_FILENAME_EXCED_RANGE, "The filename or extension is too long."},
+    {ERROR_DIRECTORY, "The directory name is invalid."},
     {ERROR_MR_MID_NOT_FOUND, "The system cannot find message text for the given number."},
     {ERROR_IO_DEVICE, "The request could not be performed because of an I/O device error."},
 };
@@ -71,6 +69,7 @@ constexpr ErrnoCode errnoCodes[] = {
     {EIO, ERROR_IO_DEVICE},
     {EISDIR, ERROR_ACCESS_DENIED},
     {EMFILE, ERROR_TOO_MANY_OPEN_FILES},
+    {ELOOP, ERROR_PATH_NOT_FOUND},
     {ENAMETOOLONG, ERROR_FILENAME_EXCED_RANGE},
     {ENFILE, ERROR_TOO_MANY_OPEN_FILES},
     {ENOENT, ERROR_FILE_NOT_FOUND},
@@ -94,13 +93,6 @@ DWORD GetLastError() noexcept
 void SetLastError(DWORD code) noexcept
 {
     lastError = code;
-}
-
-DWORD GetCurrentThreadId() noexcept
-{
-    thread_local const auto id =
-        static_cast<DWORD>(::gettid()); // asked for once: it is a system call
-    return id;
 }
 
 DWORD krErrorFromErrno(int error) noexcept

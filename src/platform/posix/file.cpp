@@ -1,3 +1,4 @@
+#include <platform/posix/fileQuery.h>
 #include <platform/posix/handle.h>
 #include <platform/posix/path.h>
 
@@ -28,7 +29,6 @@ enum Sharing : off_t
 {
     usesRead = lockableEnd,
     usesWrite,
-    usesDelete,
     deniesRead,
     deniesWrite,
     deniesDelete
@@ -37,8 +37,9 @@ enum Sharing : off_t
 class File : public KrHandleObject
 {
 public:
-    explicit File(int descriptor)
+    File(int descriptor, bool isReadable)
         : _descriptor(descriptor)
+        , _isReadable(isReadable)
     {
     }
 
@@ -48,6 +49,7 @@ public:
     ~File() override { ::close(_descriptor); }
 
     const int _descriptor;
+    const bool _isReadable; ///< the host's descriptor may read also where the handle may not
 };
 
 struct Access
@@ -55,14 +57,12 @@ struct Access
     bool read;
     bool write;
     bool append; ///< every write goes to the end
-    bool remove;
 };
 
 Access decodeAccess(DWORD access)
 {
-    const bool write = (access & (GENERIC_WRITE | FILE_WRITE_DATA)) != 0;
-    return {(access & (GENERIC_READ | FILE_READ_DATA)) != 0, write,
-            !write && (access & FILE_APPEND_DATA) != 0, (access & DELETE) != 0};
+    const bool write = (access & GENERIC_WRITE) != 0;
+    return {(access & GENERIC_READ) != 0, write, !write && (access & FILE_APPEND_DATA) != 0};
 }
 
 struct flock rangeLock(int type, off_t start, off_t length)
@@ -124,7 +124,6 @@ bool share(int descriptor, const Access& access, DWORD shareMode)
         {access.read, (shareMode & FILE_SHARE_READ) == 0, usesRead, deniesRead},
         {access.write || access.append, (shareMode & FILE_SHARE_WRITE) == 0, usesWrite,
          deniesWrite},
-        {access.remove, (shareMode & FILE_SHARE_DELETE) == 0, usesDelete, deniesDelete},
     };
     const SharingGate gate(descriptor);
     for (const SharingRule& rule : rules)
@@ -138,6 +137,8 @@ bool share(int descriptor, const Access& access, DWORD shareMode)
         if (rule.denies)
             hold(descriptor, rule.deniesByte);
     }
+    if ((shareMode & FILE_SHARE_DELETE) == 0)
+        hold(descriptor, deniesDelete);
     return true;
 }
 
@@ -195,14 +196,6 @@ DWORD highPart(std::uint64_t value)
     return static_cast<DWORD>(value >> 32);
 }
 
-/// 100-nanosecond steps since 1601.
-FILETIME fileTime(const timespec& time)
-{
-    const std::uint64_t steps = (static_cast<std::uint64_t>(time.tv_sec) + 11644473600) * 10000000 +
-                                static_cast<std::uint64_t>(time.tv_nsec) / 100;
-    return {lowPart(steps), highPart(steps)};
-}
-
 /// The result of a host call, with the last error set if it failed.
 BOOL outcome(int result)
 {
@@ -247,10 +240,10 @@ Use getUse(const char* path)
     const int descriptor = ::open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0)
         return Use::none;
-    const File file(descriptor);
+    const File file(descriptor, true);
     if (isHeld(descriptor, deniesDelete))
         return Use::denied;
-    for (const off_t byte : {usesRead, usesWrite, usesDelete})
+    for (const off_t byte : {usesRead, usesWrite})
         if (isHeld(descriptor, byte))
             return Use::shared;
     return Use::none;
@@ -266,8 +259,8 @@ HANDLE CreateFileA(const char* path, DWORD accessMask, DWORD shareMode, SECURITY
     if (hostPath == nullptr)
         return INVALID_HANDLE_VALUE;
     const Access access = decodeAccess(accessMask);
-    const bool knownDisposition = disposition >= CREATE_NEW && disposition <= TRUNCATE_EXISTING;
-    if (!knownDisposition || (disposition == TRUNCATE_EXISTING && !access.write))
+    const bool knownDisposition = disposition >= CREATE_NEW && disposition <= OPEN_ALWAYS;
+    if (!knownDisposition)
     {
         SetLastError(ERROR_INVALID_PARAMETER);
         return INVALID_HANDLE_VALUE;
@@ -276,7 +269,7 @@ HANDLE CreateFileA(const char* path, DWORD accessMask, DWORD shareMode, SECURITY
     const int descriptor = openHostFile(hostPath, access, disposition, flagsAndAttributes, existed);
     if (descriptor < 0)
         return INVALID_HANDLE_VALUE;
-    File* file = new (std::nothrow) File(descriptor);
+    File* file = new (std::nothrow) File(descriptor, access.read);
     if (file == nullptr)
     {
         ::close(descriptor);
@@ -290,10 +283,28 @@ HANDLE CreateFileA(const char* path, DWORD accessMask, DWORD shareMode, SECURITY
         return INVALID_HANDLE_VALUE;
     }
     const bool always = disposition == CREATE_ALWAYS || disposition == OPEN_ALWAYS;
-    if (existed && (disposition == CREATE_ALWAYS || disposition == TRUNCATE_EXISTING))
+    if (existed && disposition == CREATE_ALWAYS)
         static_cast<void>(::ftruncate(descriptor, 0) == 0);
     SetLastError(existed && always ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
     return file;
+}
+
+BOOL ReadFile(HANDLE handle, void* buffer, DWORD size, DWORD* read, OVERLAPPED*) noexcept
+{
+    *read = 0;
+    const File* file = krObject<File>(handle);
+    if (file == nullptr)
+        return 0;
+    if (!file->_isReadable)
+        return refuse(ERROR_ACCESS_DENIED);
+    ssize_t count = -1;
+    do
+        count = ::read(file->_descriptor, buffer, size);
+    while (count < 0 && errno == EINTR);
+    if (count < 0)
+        return refuse(krErrorFromErrno(errno));
+    *read = static_cast<DWORD>(count);
+    return 1;
 }
 
 BOOL WriteFile(HANDLE handle, const void* data, DWORD size, DWORD* written, OVERLAPPED*) noexcept
@@ -331,6 +342,26 @@ BOOL SetFilePointerEx(HANDLE handle, LARGE_INTEGER distance, LARGE_INTEGER* posi
     return 1;
 }
 
+DWORD SetFilePointer(HANDLE handle, LONG distance, LONG* distanceHigh, DWORD method) noexcept
+{
+    LARGE_INTEGER from = {};
+    LARGE_INTEGER to = {};
+    from.QuadPart =
+        distanceHigh == nullptr
+            ? distance
+            : static_cast<std::int64_t>(
+                  (static_cast<std::uint64_t>(static_cast<std::uint32_t>(*distanceHigh)) << 32) |
+                  static_cast<std::uint32_t>(distance));
+    if (SetFilePointerEx(handle, from, &to, method) == 0)
+        return INVALID_SET_FILE_POINTER;
+    const auto position = static_cast<std::uint64_t>(to.QuadPart);
+    if (distanceHigh != nullptr)
+        *distanceHigh = static_cast<LONG>(highPart(position));
+    if (lowPart(position) == INVALID_SET_FILE_POINTER)
+        SetLastError(ERROR_SUCCESS);
+    return lowPart(position);
+}
+
 BOOL SetEndOfFile(HANDLE handle) noexcept
 {
     const File* file = krObject<File>(handle);
@@ -350,6 +381,49 @@ BOOL GetFileSizeEx(HANDLE handle, LARGE_INTEGER* size) noexcept
     return 1;
 }
 
+DWORD GetFileSize(HANDLE handle, DWORD* sizeHigh) noexcept
+{
+    LARGE_INTEGER size = {};
+    if (GetFileSizeEx(handle, &size) == 0)
+        return INVALID_FILE_SIZE;
+    const auto bytes = static_cast<std::uint64_t>(size.QuadPart);
+    if (sizeHigh != nullptr)
+        *sizeHigh = highPart(bytes);
+    if (lowPart(bytes) == INVALID_FILE_SIZE)
+        SetLastError(ERROR_SUCCESS);
+    return lowPart(bytes);
+}
+
+BOOL GetFileTime(HANDLE handle, FILETIME* creation, FILETIME* lastAccess,
+                 FILETIME* lastWrite) noexcept
+{
+    const File* file = krObject<File>(handle);
+    struct stat status = {};
+    if (file == nullptr || !outcome(::fstat(file->_descriptor, &status)))
+        return 0;
+    if (creation != nullptr)
+        *creation = krFileTime(status.st_ctim);
+    if (lastAccess != nullptr)
+        *lastAccess = krFileTime(status.st_atim);
+    if (lastWrite != nullptr)
+        *lastWrite = krFileTime(status.st_mtim);
+    return 1;
+}
+
+BOOL SetFileTime(HANDLE handle, const FILETIME*, const FILETIME* lastAccess,
+                 const FILETIME* lastWrite) noexcept
+{
+    const File* file = krObject<File>(handle);
+    if (file == nullptr)
+        return 0;
+    timespec times[2] = {{0, UTIME_OMIT}, {0, UTIME_OMIT}};
+    if (lastAccess != nullptr)
+        times[0] = krTimespec(*lastAccess);
+    if (lastWrite != nullptr)
+        times[1] = krTimespec(*lastWrite);
+    return outcome(::futimens(file->_descriptor, times));
+}
+
 BOOL FlushFileBuffers(HANDLE handle) noexcept
 {
     const File* file = krObject<File>(handle);
@@ -367,11 +441,10 @@ BOOL GetFileInformationByHandle(HANDLE handle, BY_HANDLE_FILE_INFORMATION* infor
     if (file == nullptr || !outcome(::fstat(file->_descriptor, &status)))
         return 0;
     const auto size = static_cast<std::uint64_t>(status.st_size);
-    information->dwFileAttributes =
-        (status.st_mode & 0222) == 0 ? FILE_ATTRIBUTE_READONLY : FILE_ATTRIBUTE_NORMAL;
-    information->ftCreationTime = fileTime(status.st_ctim);
-    information->ftLastAccessTime = fileTime(status.st_atim);
-    information->ftLastWriteTime = fileTime(status.st_mtim);
+    information->dwFileAttributes = krAttributes(status);
+    information->ftCreationTime = krFileTime(status.st_ctim);
+    information->ftLastAccessTime = krFileTime(status.st_atim);
+    information->ftLastWriteTime = krFileTime(status.st_mtim);
     information->dwVolumeSerialNumber = lowPart(status.st_dev);
     information->nFileSizeHigh = highPart(size);
     information->nFileSizeLow = lowPart(size);
@@ -436,6 +509,25 @@ BOOL CreateDirectoryA(const char* path, SECURITY_ATTRIBUTES*) noexcept
     if (hostPath == nullptr)
         return 0;
     if (::mkdir(hostPath, 0777) == 0)
+        return 1;
+    krSetPathError(hostPath);
+    return 0;
+}
+
+BOOL DeleteFileA(const char* path) noexcept
+{
+    std::string storage;
+    const char* hostPath = krHostPath(path, storage);
+    if (hostPath == nullptr)
+        return 0;
+    const DWORD attributes = krPathAttributes(hostPath, nullptr);
+    if (attributes == INVALID_FILE_ATTRIBUTES)
+        return 0;
+    if ((attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) != 0)
+        return refuse(ERROR_ACCESS_DENIED);
+    if (getUse(hostPath) == Use::denied)
+        return refuse(ERROR_SHARING_VIOLATION);
+    if (::unlink(hostPath) == 0)
         return 1;
     krSetPathError(hostPath);
     return 0;

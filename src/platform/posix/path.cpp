@@ -50,6 +50,8 @@ const char* krHostPath(const char* path, std::string& storage) noexcept
     if (std::any_of(storage.begin(), storage.end(), isForbidden))
         return fail(ERROR_INVALID_NAME);
     std::replace(storage.begin(), storage.end(), '\\', '/');
+    if (storage.empty())
+        storage = "."; // the drive alone is its current directory
     return storage.c_str();
 }
 

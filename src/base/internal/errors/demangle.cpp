@@ -1,5 +1,7 @@
 #include <base/internal/errors/demangle.h>
 
+#include <base/internal/errors/fixedText.h>
+
 #include <cstdlib>
 #include <cstring>
 #include <cxxabi.h>
@@ -16,36 +18,9 @@ struct Freed
     void operator()(char* text) const noexcept { std::free(text); }
 };
 
-/// Collects a text in an array, and cuts what does not fit.
-class Collector
-{
-public:
-    Collector(char* text, std::size_t size) noexcept
-        : _text(text)
-        , _room(size - 1)
-    {
-        *_text = '\0';
-    }
-
-    void append(const char* from, std::size_t length) noexcept
-    {
-        const std::size_t taken = length < _room ? length : _room;
-        std::memcpy(_text, from, taken);
-        _text += taken;
-        _room -= taken;
-        *_text = '\0';
-    }
-
-    void append(const char* from) noexcept { append(from, std::strlen(from)); }
-
-private:
-    char* _text;
-    std::size_t _room;
-};
-
 /// Appends one name with its length before it, as in "5Scene", and moves behind it; false, with
 /// nothing done, if there is none.
-bool appendPart(Collector& collector, const char*& name) noexcept
+bool appendPart(FixedText& text, const char*& name) noexcept
 {
     char* part = nullptr;
     const unsigned long length = *name >= '1' && *name <= '9' ? std::strtoul(name, &part, 10) : 0;
@@ -53,24 +28,24 @@ bool appendPart(Collector& collector, const char*& name) noexcept
         return false;
     constexpr char unnamed[] = "_GLOBAL__N_";
     if (std::strncmp(part, unnamed, sizeof unnamed - 1) == 0)
-        collector.append("(anonymous namespace)");
+        text.append("(anonymous namespace)");
     else
-        collector.append(part, length);
+        text.append(part, length);
     name = part + length;
     return true;
 }
 
 /// "5Scene", or "N2Kr5SceneE" for parts inside one another; false if the name is of another form.
-bool appendParts(Collector& collector, const char* name) noexcept
+bool appendParts(FixedText& text, const char* name) noexcept
 {
     const bool nested = *name == 'N';
     name += nested ? 1 : 0;
-    if (!appendPart(collector, name))
+    if (!appendPart(text, name))
         return false;
     while (nested && *name != 'E')
     {
-        collector.append("::");
-        if (!appendPart(collector, name))
+        text.append("::");
+        if (!appendPart(text, name))
             return false;
     }
     return std::strcmp(name, nested ? "E" : "") == 0;
@@ -90,10 +65,10 @@ std::string demangle(const char* name)
 
 const char* demanglePlain(const char* name, char* text, std::size_t size) noexcept
 {
-    const char* from = name != nullptr ? name : "";
-    Collector collector(text, size);
-    if (!appendParts(collector, from))
-        Collector(text, size).append(from);
+    const char* from = orEmpty(name);
+    FixedText readable(text, size);
+    if (!appendParts(readable, from))
+        FixedText(text, size).append(from);
     return text;
 }
 

@@ -5,11 +5,12 @@
 /// those two names; this header only holds their body.
 
 #include <cstddef>
+#include <type_traits>
 
 namespace Kr
 {
 
-/// How the two kinds of owner dispose of what they own.
+/// How the two kinds of owner dispose of what they own, and which owners pass on to which.
 struct DeleteObject
 {
     template <class T>
@@ -18,6 +19,17 @@ struct DeleteObject
         static_assert(sizeof(T) != 0, "an incomplete type would be deleted without its destructor");
         delete object;
     }
+
+    /// A derived object goes to an owner of its base, which deletes it through a virtual destructor.
+    template <class From, class To>
+    static constexpr bool canPass() noexcept
+    {
+        if constexpr (!std::is_convertible_v<From*, To*>)
+            return false;
+        else
+            return std::is_same_v<std::remove_cv_t<From>, std::remove_cv_t<To>> ||
+                   std::has_virtual_destructor_v<To>;
+    }
 };
 struct DeleteArray
 {
@@ -25,6 +37,13 @@ struct DeleteArray
     static void destroy(T* array) noexcept
     {
         delete[] array;
+    }
+
+    /// An array of a derived class is no array of its base.
+    template <class From, class To>
+    static constexpr bool canPass() noexcept
+    {
+        return std::is_convertible_v<From (*)[], To (*)[]>;
     }
 };
 
@@ -37,17 +56,33 @@ public:
     OwnedPtrBase& operator=(const OwnedPtrBase&) = delete;
 
     bool isNull() const noexcept { return _object == nullptr; }
+    /// Whether it owns something.
+    explicit operator bool() const noexcept { return _object != nullptr; }
     T* get() const noexcept { return _object; }
-    T& operator*() const noexcept { return *_object; }
-    T* operator->() const noexcept { return _object; }
-    T& operator[](std::size_t index) const noexcept { return _object[index]; }
 
     /// Gives the object up without deleting it.
-    T* release() noexcept
+    [[nodiscard]] T* release() noexcept
     {
         T* object = _object;
         _object = nullptr;
         return object;
+    }
+
+    friend bool operator==(const OwnedPtrBase& owner, std::nullptr_t) noexcept
+    {
+        return owner.isNull();
+    }
+    friend bool operator==(std::nullptr_t, const OwnedPtrBase& owner) noexcept
+    {
+        return owner.isNull();
+    }
+    friend bool operator!=(const OwnedPtrBase& owner, std::nullptr_t) noexcept
+    {
+        return !owner.isNull();
+    }
+    friend bool operator!=(std::nullptr_t, const OwnedPtrBase& owner) noexcept
+    {
+        return !owner.isNull();
     }
 
 protected:
@@ -57,27 +92,61 @@ protected:
     }
     ~OwnedPtrBase() { Deleter::destroy(_object); }
 
+    /// The former object is deleted last, when the owner no longer names it.
     void take(T* object) noexcept
     {
-        if (object != _object)
-            Deleter::destroy(_object);
+        T* const former = _object;
         _object = object;
+        if (former != object)
+            Deleter::destroy(former);
     }
 
 private:
     T* _object;
 };
 
+/// The access that fits the kind of owner: an object has members, an array has elements.
+template <class T, class Deleter>
+class OwnedPtrAccess : public OwnedPtrBase<T, Deleter>
+{
+public:
+    T& operator*() const noexcept { return *this->get(); }
+    T* operator->() const noexcept { return this->get(); }
+
+protected:
+    using OwnedPtrBase<T, Deleter>::OwnedPtrBase;
+};
+
+template <class T>
+class OwnedPtrAccess<T, DeleteArray> : public OwnedPtrBase<T, DeleteArray>
+{
+public:
+    T& operator[](std::size_t index) const noexcept { return this->get()[index]; }
+
+protected:
+    using OwnedPtrBase<T, DeleteArray>::OwnedPtrBase;
+};
+
 template <class T, class Deleter>
 class OwnedPtrRet;
 
 template <class T, class Deleter>
-class OwnedPtr : public OwnedPtrBase<T, Deleter>
+class OwnedPtr : public OwnedPtrAccess<T, Deleter>
 {
-    using Base = OwnedPtrBase<T, Deleter>;
+    using Base = OwnedPtrAccess<T, Deleter>;
+    template <class Other>
+    using IfPassed = std::enable_if_t<Deleter::template canPass<Other, T>(), int>;
 
 public:
-    explicit OwnedPtr(T* object = nullptr) noexcept
+    OwnedPtr() noexcept
+        : Base(nullptr)
+    {
+    }
+    OwnedPtr(std::nullptr_t) noexcept // NOLINT: converting on purpose, as a plain pointer does
+        : Base(nullptr)
+    {
+    }
+    explicit OwnedPtr(T* object) noexcept
         : Base(object)
     {
     }
@@ -89,18 +158,51 @@ public:
         : Base(other.release())
     {
     }
-    OwnedPtr(OwnedPtrRet<T, Deleter>
-                 other) noexcept // NOLINT: converting on purpose, a factory's result is stored
+    template <class Other, IfPassed<Other> = 0>
+    OwnedPtr(OwnedPtr<Other, Deleter>& other) noexcept // NOLINT: as pointers convert
+        : Base(other.release())
+    {
+    }
+    template <class Other, IfPassed<Other> = 0>
+    OwnedPtr(OwnedPtr<Other, Deleter>&& other) noexcept // NOLINT: as pointers convert
+        : Base(other.release())
+    {
+    }
+    template <class Other, IfPassed<Other> = 0>
+    OwnedPtr(OwnedPtrRet<Other, Deleter> other) noexcept // NOLINT: a factory's result is stored
         : Base(other.release())
     {
     }
 
     OwnedPtr& operator=(OwnedPtr& other) noexcept { return takeFrom(other); }
     OwnedPtr& operator=(OwnedPtr&& other) noexcept { return takeFrom(other); }
-    OwnedPtr& operator=(OwnedPtrRet<T, Deleter> other) noexcept { return takeFrom(other); }
+    OwnedPtr& operator=(std::nullptr_t) noexcept
+    {
+        reset();
+        return *this;
+    }
+    template <class Other, IfPassed<Other> = 0>
+    OwnedPtr& operator=(OwnedPtr<Other, Deleter>& other) noexcept
+    {
+        return takeFrom(other);
+    }
+    template <class Other, IfPassed<Other> = 0>
+    OwnedPtr& operator=(OwnedPtr<Other, Deleter>&& other) noexcept
+    {
+        return takeFrom(other);
+    }
+    template <class Other, IfPassed<Other> = 0>
+    OwnedPtr& operator=(OwnedPtrRet<Other, Deleter> other) noexcept
+    {
+        return takeFrom(other);
+    }
+
+    /// Deletes the object and owns this one instead.
+    void reset(T* object = nullptr) noexcept { this->take(object); }
 
 private:
-    OwnedPtr& takeFrom(OwnedPtrBase<T, Deleter>& other) noexcept
+    template <class Owner>
+    OwnedPtr& takeFrom(Owner& other) noexcept
     {
         this->take(other.release());
         return *this;
@@ -109,22 +211,23 @@ private:
 
 /// A factory's result: ownership on its way to the caller.
 template <class T, class Deleter>
-class OwnedPtrRet : public OwnedPtrBase<T, Deleter>
+class OwnedPtrRet : public OwnedPtrAccess<T, Deleter>
 {
-    using Base = OwnedPtrBase<T, Deleter>;
+    using Base = OwnedPtrAccess<T, Deleter>;
+    template <class Other>
+    using IfPassed = std::enable_if_t<Deleter::template canPass<Other, T>(), int>;
 
 public:
-    explicit OwnedPtrRet(T* object = nullptr) noexcept
+    OwnedPtrRet() noexcept
+        : Base(nullptr)
+    {
+    }
+    OwnedPtrRet(std::nullptr_t) noexcept // NOLINT: converting on purpose, `return nullptr;`
+        : Base(nullptr)
+    {
+    }
+    explicit OwnedPtrRet(T* object) noexcept
         : Base(object)
-    {
-    }
-    OwnedPtrRet(OwnedPtr<T, Deleter>&
-                    other) noexcept // NOLINT: converting on purpose, `return pointer;` passes it on
-        : Base(other.release())
-    {
-    }
-    OwnedPtrRet(OwnedPtr<T, Deleter>&& other) noexcept // NOLINT: as above
-        : Base(other.release())
     {
     }
     OwnedPtrRet(OwnedPtrRet& other) noexcept
@@ -132,6 +235,21 @@ public:
     {
     }
     OwnedPtrRet(OwnedPtrRet&& other) noexcept
+        : Base(other.release())
+    {
+    }
+    template <class Other, IfPassed<Other> = 0>
+    OwnedPtrRet(OwnedPtr<Other, Deleter>& other) noexcept // NOLINT: `return pointer;` passes it on
+        : Base(other.release())
+    {
+    }
+    template <class Other, IfPassed<Other> = 0>
+    OwnedPtrRet(OwnedPtr<Other, Deleter>&& other) noexcept // NOLINT: as above
+        : Base(other.release())
+    {
+    }
+    template <class Other, IfPassed<Other> = 0>
+    OwnedPtrRet(OwnedPtrRet<Other, Deleter>&& other) noexcept // NOLINT: as pointers convert
         : Base(other.release())
     {
     }

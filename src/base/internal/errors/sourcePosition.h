@@ -5,87 +5,131 @@
 /// @code
 /// Kr::raise<Kr::ExInternalError>(KR_HERE, "The scene is empty."); // file and line of this one
 /// @endcode
+/// A build that knows the root of its own sources names it, so that positions are short and an
+/// editor opens them from there: `-DKR_SOURCE_ROOT='"/home/me/viewer/"'`, or with CMake
+/// `target_compile_definitions(viewer PRIVATE KR_SOURCE_ROOT="${PROJECT_SOURCE_DIR}/")`.
 
 #include <cstddef>
 
 namespace Kr
 {
 
-/// The name under which a source file is reported: its path in the source tree, without its
-/// extension for `.cpp` and `.h` files and with it for `.imp` and `.inline` files, whatever machine
-/// and folder it was built in.
+/// The name under which a source file is reported, whatever machine and folder it was built in:
 ///
-/// A path that holds a `src/` folder is reported from that folder on (`src/base/inInitMgr`); an
-/// installed header of the library is reported under the name that it has in the tree. Any other
-/// path is reported as the compiler gave it, less the extension.
+/// | file                                              | reported as                              |
+/// |---------------------------------------------------|------------------------------------------|
+/// | the library's own, in the tree or installed       | `src/base/inInitMgr`; the extension of   |
+/// | (in a folder `src/base` or `libKRbase/base`)      | `.imp` and `.inline` files is kept       |
+/// | below the root that the build names               | its path from there: `ui/window.cpp`     |
+/// | below a folder `src`                              | its path from there: `src/ui/window.cpp` |
+/// | any other                                         | as the compiler has it                   |
 template <std::size_t Size>
 class SourceName
 {
 public:
-    explicit constexpr SourceName(const char (&path)[Size])
+    /// @param root the caller's own source root; empty if it is not known
+    explicit constexpr SourceName(const char (&path)[Size], const char* root = "")
     {
-        const std::size_t length = Size - 1;
-        const std::size_t installed = lastFolder(path, length, "libKRbase");
-        std::size_t from = installed != length ? installed : lastFolder(path, length, "src");
-        std::size_t to = 0;
-        if (installed != length || from != length)
-            for (const char* root = "src/"; *root != '\0'; ++root)
-                _text[to++] = *root;
+        constexpr std::size_t length = Size - 1;
+        const std::size_t installed = afterFolder(path, length, "libKRbase/base");
+        const std::size_t inTree = afterFolder(path, length, "src/base");
+        const std::size_t own = inTree != length ? inTree : installed;
+        if (own != length)
+            copyOwn(path + own, length - own);
         else
-            from = 0;
-        while (from < length)
-        {
-            _text[to++] = path[from] == '\\' ? '/' : path[from];
-            ++from;
-        }
-        _text[to - extensionLength(to)] = '\0';
+            copyOther(path, length, afterRoot(path, root));
     }
 
     constexpr const char* getChars() const { return _text; }
 
 private:
     static constexpr bool isSeparator(char c) { return c == '/' || c == '\\'; }
+    static constexpr bool isSame(char left, char right)
+    {
+        return left == right || (isSeparator(left) && isSeparator(right));
+    }
+
+    /// Whether the text begins with that one; the separators are alike.
+    static constexpr bool startsWith(const char* text, const char* begin)
+    {
+        for (; *begin != '\0' && isSame(*text, *begin); ++text)
+            ++begin;
+        return *begin == '\0';
+    }
 
     /// The index after the last folder of that name in the path, or `length` if there is none.
-    static constexpr std::size_t lastFolder(const char* path, std::size_t length, const char* name)
+    static constexpr std::size_t afterFolder(const char* path, std::size_t length, const char* name)
     {
         std::size_t nameLength = 0;
         while (name[nameLength] != '\0')
             ++nameLength;
         for (std::size_t start = length; start-- > 0;)
-        {
-            if (start != 0 && !isSeparator(path[start - 1]))
-                continue;
-            std::size_t i = 0;
-            while (i < nameLength && start + i < length && path[start + i] == name[i])
-                ++i;
-            if (i == nameLength && start + i < length && isSeparator(path[start + i]))
-                return start + i + 1;
-        }
+            if ((start == 0 || isSeparator(path[start - 1])) && startsWith(path + start, name) &&
+                isSeparator(path[start + nameLength]))
+                return start + nameLength + 1;
         return length;
     }
 
-    constexpr bool endsWith(std::size_t length, const char* ending, std::size_t size) const
+    /// The index after the root and its separator; 0 if the path is not below it.
+    static constexpr std::size_t afterRoot(const char* path, const char* root)
     {
-        if (length < size)
+        std::size_t length = 0;
+        while (root[length] != '\0')
+            ++length;
+        if (length == 0 || !startsWith(path, root))
+            return 0;
+        if (isSeparator(root[length - 1]))
+            return length;
+        return isSeparator(path[length]) ? length + 1 : 0;
+    }
+
+    constexpr void append(const char* text, std::size_t length)
+    {
+        for (std::size_t i = 0; i < length; ++i)
+            _text[_length++] = text[i] == '\\' ? '/' : text[i];
+    }
+
+    constexpr void copyOwn(const char* name, std::size_t length)
+    {
+        append("src/base/", 9);
+        append(name, length);
+        if (!cutEnding(".cpp"))
+            cutEnding(".h");
+    }
+
+    constexpr void copyOther(const char* path, std::size_t length, std::size_t afterRoot)
+    {
+        const std::size_t afterSource = afterFolder(path, length, "src");
+        const bool isBelowSource = afterRoot == 0 && afterSource != length;
+        if (isBelowSource)
+            append("src/", 4);
+        const std::size_t from = isBelowSource ? afterSource : afterRoot;
+        append(path + from, length - from);
+    }
+
+    /// Cuts that ending off the name; false if it has another.
+    constexpr bool cutEnding(const char* ending)
+    {
+        std::size_t size = 0;
+        while (ending[size] != '\0')
+            ++size;
+        if (_length < size || !startsWith(_text + _length - size, ending))
             return false;
+        _length -= size;
         for (std::size_t i = 0; i < size; ++i)
-            if (_text[length - size + i] != ending[i])
-                return false;
+            _text[_length + i] = '\0';
         return true;
     }
 
-    constexpr std::size_t extensionLength(std::size_t length) const
-    {
-        if (endsWith(length, ".cpp", 4))
-            return 4;
-        return endsWith(length, ".h", 2) ? 2 : 0;
-    }
-
-    char _text[Size + 4] = {}; // an installed header's name gains "src/"
+    char _text[Size + 9] = {}; // an installed header's name gains "src/"
+    std::size_t _length = 0;
 };
 
 } // namespace Kr
+
+#ifndef KR_SOURCE_ROOT
+#define KR_SOURCE_ROOT ""
+#endif
 
 /// The position of this line, as the two arguments (file, line) that every exception begins with:
 /// `Kr::raise<Kr::InEx::ExDependencyCycle>(KR_HERE)`. The file's name is made by the compiler and
@@ -96,7 +140,7 @@ private:
 #define KR_HERE_AT(line)                                                                           \
     []() noexcept                                                                                  \
     {                                                                                              \
-        static constexpr ::Kr::SourceName krSourceName(__FILE__);                                  \
+        static constexpr ::Kr::SourceName krSourceName(__FILE__, KR_SOURCE_ROOT);                  \
         return krSourceName.getChars();                                                            \
     }(),                                                                                           \
         (line)

@@ -1,6 +1,7 @@
 #include <base/internal/init/inCommandLine.h>
 
-#include <base/inContextAliasMgrBase.h>
+#include <cstring>
+#include <memory>
 
 namespace Kr
 {
@@ -8,10 +9,7 @@ namespace Kr
 namespace
 {
 
-bool hasDashes(std::string_view word)
-{
-    return word.substr(0, 2) == "--";
-}
+constexpr std::string_view endOfOptions = "--";
 
 } // namespace
 
@@ -19,6 +17,30 @@ InCommandLine& InCommandLine::getInstance()
 {
     static InCommandLine commandLine;
     return commandLine;
+}
+
+void InCommandLine::append(int count, const char* const* words)
+{
+    Vector<std::unique_ptr<char[]>> copies;
+    for (int i = 0; i < count; ++i)
+    {
+        const std::size_t size = std::strlen(words[i]) + 1;
+        copies.emplace_back(new char[size]);
+        std::memcpy(copies.back().get(), words[i], size);
+    }
+    _words.reserve(_words.size() + copies.size());
+    for (std::unique_ptr<char[]>& copy : copies)
+        _words.push_back(copy.release());
+}
+
+Vector<char*> InCommandLine::getRemainingWords()
+{
+    indexNewWords();
+    Vector<char*> remaining;
+    for (std::size_t i = 0; i < _words.size(); ++i)
+        if (!_isTaken[i])
+            remaining.push_back(_words[i]);
+    return remaining;
 }
 
 const Vector<std::size_t>& InCommandLine::find(std::string_view option)
@@ -29,36 +51,28 @@ const Vector<std::size_t>& InCommandLine::find(std::string_view option)
     return found != _positions.end() ? found->second : none;
 }
 
-std::string_view InCommandLine::getOption(std::size_t position) const
+InCommandLine::Use InCommandLine::getUse(std::size_t position) const
 {
-    const std::string_view word = InContextAliasMgrBase::args()[position];
-    return word.substr(0, word.find('='));
+    const std::string_view word = _words[position];
+    const std::string_view option = getOption(word);
+    if (option.size() != word.size())
+        return {option, word.substr(option.size() + 1), true, true};
+    const std::string_view next =
+        position + 1 != _words.size() ? _words[position + 1] : endOfOptions.data();
+    if (next.substr(0, 2) == endOfOptions)
+        return {option, {}, false, false};
+    return {option, next, false, true};
 }
 
-InCommandLine::Value InCommandLine::getValue(std::size_t position) const
+void InCommandLine::release() noexcept
 {
-    const Vector<char*>& words = InContextAliasMgrBase::args();
-    const std::string_view word = words[position];
-    const std::size_t equals = word.find('=');
-    if (equals != std::string_view::npos)
-        return {true, true, word.substr(equals + 1)};
-    if (position + 1 == words.size() || hasDashes(words[position + 1]))
-        return {false, false, {}};
-    return {false, true, words[position + 1]};
+    forget();
+    for (const char* word : _words)
+        delete[] word;
+    _words.clear();
 }
 
-Vector<char*> InCommandLine::getRemainingWords()
-{
-    indexNewWords();
-    const Vector<char*>& words = InContextAliasMgrBase::args();
-    Vector<char*> remaining;
-    for (std::size_t i = 0; i < words.size(); ++i)
-        if (!_isTaken[i])
-            remaining.push_back(words[i]);
-    return remaining;
-}
-
-void InCommandLine::clear() noexcept
+void InCommandLine::forget() noexcept
 {
     _positions.clear();
     _isTaken.clear();
@@ -67,10 +81,9 @@ void InCommandLine::clear() noexcept
 
 void InCommandLine::indexNewWords()
 {
-    const std::size_t count = InContextAliasMgrBase::args().size();
-    if (count < _isTaken.size())
-        clear();
-    while (_isTaken.size() < count)
+    if (_words.size() < _isTaken.size())
+        forget();
+    while (_isTaken.size() < _words.size())
     {
         indexWord(_isTaken.size());
         _isTaken.push_back(false);
@@ -79,14 +92,14 @@ void InCommandLine::indexNewWords()
 
 void InCommandLine::indexWord(std::size_t position)
 {
-    const std::string_view word = InContextAliasMgrBase::args()[position];
+    const std::string_view word = _words[position];
     const bool isProgramName = position == 0;
-    if (isProgramName || _hasEnded || !hasDashes(word))
+    if (isProgramName || _hasEnded)
         return;
-    if (word.size() == 2)
+    if (word == endOfOptions)
         _hasEnded = true;
-    else
-        _positions[word.substr(0, word.find('='))].push_back(position);
+    else if (isOption(word))
+        _positions[getOption(word)].push_back(position);
 }
 
 } // namespace Kr

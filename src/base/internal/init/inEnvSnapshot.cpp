@@ -1,10 +1,21 @@
 #include <base/internal/init/inEnvSnapshot.h>
 
-#include <ostream>
+#include <base/osEnv.h>
+
+#include <ios>
+#include <iostream>
 #include <string_view>
 
 namespace Kr
 {
+
+const InEnvSnapshot& InEnvSnapshot::getInstance()
+{
+    static const std::ios_base::Init
+        streams; // maybe none of this library's own objects is built yet
+    static const InEnvSnapshot snapshot(OsEnv::getBlock(), std::cerr);
+    return snapshot;
+}
 
 InEnvSnapshot::InEnvSnapshot(const char* const* block, std::ostream& errors)
 {

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Internal to the initialisation manager: the environment as it was at the start.
+/// Internal to the initialisation framework: the environment as it was at the start.
 
 #include <iosfwd>
 #include <map>
@@ -13,6 +13,9 @@ namespace Kr
 class InEnvSnapshot
 {
 public:
+    /// The environment of the process at the first call, which the manager makes when it is built.
+    static const InEnvSnapshot& getInstance();
+
     /// Copies a null-terminated block of "NAME=value" texts; a null block is empty. The first entry
     /// of a name counts. Entries without "=" are reported and skipped.
     InEnvSnapshot(const char* const* block, std::ostream& errors);

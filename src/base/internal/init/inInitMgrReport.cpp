@@ -2,13 +2,14 @@
 
 #include <base/inInitMgr.h>
 
-#include <base/internal/init/inInitMgrState.h>
+#include <base/internal/errors/demangle.h>
+#include <base/internal/init/inInitState.h>
+#include <base/internal/init/inReport.h>
 
 #include <algorithm>
 #include <iomanip>
-#include <locale>
 #include <ostream>
-#include <sstream>
+#include <string>
 #include <unordered_set>
 
 namespace Kr
@@ -22,10 +23,10 @@ void writeEntries(std::ostream& stream, const Entries& entries, const char* none
 {
     if (entries.empty())
     {
-        stream << none << std::endl;
+        stream << none << '\n';
         return;
     }
-    stream << entries.size() << some << std::endl;
+    stream << entries.size() << some << '\n';
     for (const auto& entry : entries)
     {
         stream << "\t'" << entry.package->getName() << "' ";
@@ -33,7 +34,7 @@ void writeEntries(std::ostream& stream, const Entries& entries, const char* none
             stream << "Initialized (" << entry._nbDependencies << " dependencies)";
         else
             stream << "Not initialized";
-        stream << std::endl;
+        stream << '\n';
     }
 }
 
@@ -41,26 +42,32 @@ void writeEntries(std::ostream& stream, const Entries& entries, const char* none
 
 std::ostream& InInitMgr::reportCycles(std::ostream& stream) const
 {
-    if (!_state->_cycle)
-        return stream << "No dependency cycles to report." << std::endl;
-    return _state->writeCycles(stream);
+    InReport report;
+    if (_state->_cycle)
+        _state->writeCycles(report);
+    else
+        report << "No dependency cycles to report.\n";
+    return report.writeTo(stream);
 }
 
 std::ostream& InInitMgr::dump(std::ostream& stream) const
 {
-    writeEntries(stream, _state->_packagesToInit, "No packages waiting to be initialize.",
+    InReport report;
+    writeEntries(report, _state->_packagesToInit, "No packages waiting to be initialize.",
                  " packages waiting to be initialize:");
-    writeEntries(stream, _state->_savedPackages, "No packages saved.",
+    writeEntries(report, _state->_savedPackages, "No packages saved.",
                  " packages currently saved:");
-    if (!_state->_cycle)
-        return stream;
-    stream << "Dependency cycle(s) detected..." << std::endl;
-    return _state->writeCycles(stream);
+    if (_state->_cycle)
+    {
+        report << "Dependency cycle(s) detected...\n";
+        _state->writeCycles(report);
+    }
+    return report.writeTo(stream);
 }
 
 /// A member is on purpose neither asked whether it needs the group's first package back nor passed
 /// over when an earlier group has listed it: it moves to the later group.
-std::ostream& InInitMgr::State::writeCycles(std::ostream& stream) const
+void InInitState::writeCycles(std::ostream& stream) const
 {
     const std::size_t size = std::min(_packagesToInit.size(), _dependencyMatrix.getSize());
     std::vector<std::int32_t> groups(size, -1);
@@ -70,18 +77,16 @@ std::ostream& InInitMgr::State::writeCycles(std::ostream& stream) const
         if (groups[i] != -1 || !_dependencyMatrix.needs(i, i))
             continue;
         groups[i] = group;
-        stream << "'" << _packagesToInit[i].package->getName()
-               << "' is in a cycle with:" << std::endl;
+        stream << "'" << _packagesToInit[i].package->getName() << "' is in a cycle with:\n";
         for (std::size_t j = i + 1; j < size; ++j)
         {
             if (!_dependencyMatrix.needs(i, j) || !_dependencyMatrix.needs(j, j))
                 continue;
             groups[j] = group;
-            stream << "\t'" << _packagesToInit[j].package->getName() << "'" << std::endl;
+            stream << "\t'" << _packagesToInit[j].package->getName() << "'\n";
         }
         ++group;
     }
-    return stream;
 }
 
 // The start times
@@ -101,11 +106,10 @@ void writeTimes(std::ostream& text, double variables, double start)
 std::ostream& InInitMgr::reportStart(std::ostream& stream) const
 {
     std::size_t nameWidth = std::string("package").size();
-    for (const State::StartRecord& record : _state->_startRecords)
+    for (const InInitState::StartRecord& record : _state->_startRecords)
         nameWidth = std::max(nameWidth, record.name.size());
 
-    std::ostringstream text; // of its own, so that the caller's format settings play no part
-    text.imbue(std::locale::classic());
+    InReport text;
     text << std::fixed << std::setprecision(3);
     const auto writeName = [&](const std::string& name)
     { text << std::left << std::setw(static_cast<int>(nameWidth)) << name << std::right; };
@@ -114,7 +118,7 @@ std::ostream& InInitMgr::reportStart(std::ostream& stream) const
     text << std::setw(numberWidth) << "dependencies" << std::setw(numberWidth) << "variables ms"
          << std::setw(numberWidth) << "start ms" << '\n';
     InPackageInit::StartTimes total;
-    for (const State::StartRecord& record : _state->_startRecords)
+    for (const InInitState::StartRecord& record : _state->_startRecords)
     {
         writeName(record.name);
         text << std::setw(numberWidth) << record.nbDependencies;
@@ -126,7 +130,8 @@ std::ostream& InInitMgr::reportStart(std::ostream& stream) const
     writeName("total");
     text << std::setw(numberWidth) << "";
     writeTimes(text, total.variables, total.start);
-    return stream << text.str() << std::endl;
+    text << '\n';
+    return text.writeTo(stream);
 }
 
 // The graph
@@ -161,17 +166,19 @@ private:
 };
 
 /// A quoted string of the graph language.
-std::string quote(const char* text)
+std::string quote(const std::string& text)
 {
     std::string quoted(1, '"');
-    for (; *text != '\0'; ++text)
+    for (const char c : text)
     {
-        if (*text == '"' || *text == '\\')
+        if (c == '"' || c == '\\')
             quoted += '\\';
-        if (*text == '\n')
+        if (c == '\n')
             quoted += "\\n";
+        else if (c == '&')
+            quoted += "&amp;"; // the language knows entities inside its strings
         else
-            quoted += *text;
+            quoted += c;
     }
     return quoted + '"';
 }
@@ -211,8 +218,7 @@ void PackageGraph::write(std::ostream& stream)
         closure.set(from, to);
     closure.close();
 
-    std::ostringstream text;
-    text.imbue(std::locale::classic());
+    InReport text;
     text << "digraph packages\n{\n    node [shape=box];\n";
     for (std::size_t i = 0; i < closure.getSize(); ++i)
         writeNode(text, i, closure);
@@ -220,7 +226,7 @@ void PackageGraph::write(std::ostream& stream)
         text << "    p" << from << " -> p" << to
              << (closure.needs(to, from) ? " [color=red];\n" : ";\n");
     text << "}\n";
-    stream << text.str();
+    text.writeTo(stream);
 }
 
 void PackageGraph::writeNode(std::ostream& stream, std::size_t index,
@@ -229,7 +235,7 @@ void PackageGraph::writeNode(std::ostream& stream, std::size_t index,
     const bool isRegistered = index < _nodes.size();
     stream << "    p" << index << " [label="
            << quote(isRegistered ? _nodes[index].package->getName()
-                                 : _unregistered[index - _nodes.size()]);
+                                 : demangle(_unregistered[index - _nodes.size()]));
     if (!isRegistered)
         stream << ", style=dashed";
     else if (_nodes[index].isUp)
@@ -244,14 +250,14 @@ void PackageGraph::writeNode(std::ostream& stream, std::size_t index,
 std::ostream& InInitMgr::writeGraph(std::ostream& stream) const
 {
     PackageGraph graph;
-    for (const State::SavedEntry& entry : _state->_savedPackages)
+    for (const InInitState::SavedEntry& entry : _state->_savedPackages)
         graph.addNode(*entry.package, entry.initialized);
-    for (const State::PackageEntry& entry : _state->_packagesToInit)
+    for (const InInitState::PackageEntry& entry : _state->_packagesToInit)
         graph.addNode(*entry.package, false);
     // New packages stand in the order of static initialisation, which is the linker's choice.
-    State::Entries newPackages = _state->_newPackages;
-    std::sort(newPackages.begin(), newPackages.end(), &State::nameBefore);
-    for (const State::PackageEntry& entry : newPackages)
+    InInitState::Entries newPackages = _state->_newPackages;
+    std::sort(newPackages.begin(), newPackages.end(), &InInitState::nameBefore);
+    for (const InInitState::PackageEntry& entry : newPackages)
         graph.addNode(*entry.package, false);
     graph.addEdges();
     graph.write(stream);

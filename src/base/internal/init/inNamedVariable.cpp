@@ -1,18 +1,18 @@
 #include <base/internal/init/inNamedVariable.h>
 
 #include <base/assert.h>
-#include <base/inContextAlias.h>
-#include <base/inContextAliasMgrBase.h>
 #include <base/inEx.h>
-#include <base/inInitMgr.h>
 #include <base/inPackageInitBase.h>
 #include <base/inVariableEx.h>
+#include <base/internal/errors/fixedText.h>
 #include <base/internal/init/inCommandLine.h>
-#include <base/internal/init/inVariableRegistry.h>
-#include <base/trace.h>
+#include <base/internal/init/inEnvSnapshot.h>
+#include <base/internal/init/inNameTable.h>
+#include <base/raise.h>
 
 #include <algorithm>
 #include <iostream>
+#include <utility>
 
 namespace Kr
 {
@@ -30,23 +30,39 @@ std::string quote(std::string_view text)
     return "'" + shown + (text.size() > cut ? "'..." : "'");
 }
 
-void appendTo(std::string& list, std::string_view text)
+/// Where an option stands on the command line, and whether in its form with "no-".
+struct Occurrence
 {
-    if (!list.empty())
-        list += ", ";
-    list += text;
-}
+    std::size_t position;
+    bool isNegated;
+};
 
-std::string negationOf(const std::string& option)
+/// The last one first, which wins.
+Vector<Occurrence> findOnCommandLine(const std::string& handle, bool isFlag)
 {
-    return "--no-" + option.substr(2);
-}
+    const InNameTable& table = InNameTable::getInstance();
+    InCommandLine& commandLine = InCommandLine::getInstance();
+    Vector<Occurrence> found;
+    const auto collect = [&](const std::string& option, bool isNegated)
+    {
+        for (const std::size_t position : commandLine.find(option))
+            found.push_back({position, isNegated});
+    };
 
-/// Whether a variable answers to the option under its own name.
-bool isClaimed(const std::string& option)
-{
-    return InContextAliasMgrBase::findOption(option.c_str()) != nullptr ||
-           InVariableRegistry::getInstance().find(option.c_str() + 2) != nullptr;
+    Vector<std::string> options = table.getNames(handle).options;
+    const std::string own = "--" + handle;
+    if (std::find(options.begin(), options.end(), own) == options.end())
+        options.push_back(own);
+    for (const std::string& option : options)
+    {
+        collect(option, false);
+        const std::string negation = "--no-" + option.substr(2);
+        if (isFlag && table.findOption(negation) == nullptr) // else another setting's own name
+            collect(negation, true);
+    }
+    std::sort(found.begin(), found.end(),
+              [](const Occurrence& a, const Occurrence& b) { return a.position > b.position; });
+    return found;
 }
 
 } // namespace
@@ -54,17 +70,17 @@ bool isClaimed(const std::string& option)
 InNamedVariable::Registration::Registration(InNamedVariable& variable)
     : _variable(variable)
 {
-    InVariableRegistry::getInstance().add(variable);
+    InNameTable::getInstance().addVariable(variable._handle, variable);
 }
 
 InNamedVariable::Registration::~Registration()
 {
-    InVariableRegistry::getInstance().remove(_variable);
+    InNameTable::getInstance().removeVariable(_variable._handle, _variable);
 }
 
 InNamedVariable::InNamedVariable(InPackageInitBase& package, const char* handle, const char* help)
-    : _handle(handle != nullptr ? handle : "")
-    , _help(help != nullptr ? help : "")
+    : _handle(orEmpty(handle))
+    , _help(orEmpty(help))
     , _package(&package)
     , _registration(*this)
 {
@@ -81,114 +97,83 @@ InNamedVariable::~InNamedVariable()
 
 void InNamedVariable::initialize()
 {
-    // A text that cannot be used raises below and leaves the variable invalid.
-    _state = State::Invalid;
+    _isStarted = true;
+    _state = State::Invalid; // stays so when a text that cannot be used raises below
+    _winner = noWinner;
     _candidates.clear();
-    collectCandidates();
+    collectOverride();
+    collectFromCommandLine();
+    collectFromEnvironment();
     reportMalformed();
-    takeBest();
+    if (isFromDefault())
+        takeDefault();
+    if (!isFromDefault() || isDefaultValid())
+        _state = State::Ready;
 }
 
 void InNamedVariable::finalize()
 {
-    _state = State::Uninitialized;
+    _isStarted = false;
+    _state = State::NotStarted;
     _candidates.clear();
 }
 
-void InNamedVariable::collectCandidates()
+void InNamedVariable::abandon() noexcept
 {
-    collectOverride();
-    collectFromCommandLine();
-    collectFromEnvironment();
+    _isStarted = false;
+    if (_state == State::Ready)
+        _state = State::Abandoned;
 }
 
 void InNamedVariable::collectOverride()
 {
-    auto& overrides = InVariableRegistry::getInstance().getOverrides();
-    const auto found = overrides.find(_handle);
-    if (found == overrides.end())
-        return;
-    addCandidate({Source::Override, "the override", found->second, false, false});
-    overrides.erase(found);
+    std::optional<std::string> text = InNameTable::getInstance().takeOverride(_handle);
+    if (text.has_value())
+        addCandidate({Source::Override, "the override", std::move(*text)});
 }
 
 void InNamedVariable::collectFromCommandLine()
 {
-    struct Use
-    {
-        std::size_t position;
-        bool isNegated;
-    };
-    InCommandLine& commandLine = InCommandLine::getInstance();
-    Vector<Use> uses;
-    for (const std::string& option : getOptions())
-    {
-        for (const std::size_t position : commandLine.find(option))
-            uses.push_back({position, false});
-        if (isFlag() && !isClaimed(negationOf(option)))
-            for (const std::size_t position : commandLine.find(negationOf(option)))
-                uses.push_back({position, true});
-    }
-    // The last one wins.
-    std::sort(uses.begin(), uses.end(),
-              [](const Use& a, const Use& b) { return a.position > b.position; });
-    for (const Use& use : uses)
-        addCandidate(use.isNegated ? readNegation(use.position) : readOption(use.position));
+    for (const Occurrence& occurrence : findOnCommandLine(_handle, isFlag()))
+        addCandidate(readOption(occurrence.position, occurrence.isNegated));
 }
 
 void InNamedVariable::collectFromEnvironment()
 {
-    for (const InContextAliasBase* alias : InContextAliasMgrBase::findAliases(_handle.c_str()))
+    for (const std::string& name : InNameTable::getInstance().getNames(_handle).environmentNames)
     {
-        const char* const name = alias->getEnvironmentName();
-        const char* const text = name != nullptr ? InInitMgr::getEnv(name) : nullptr;
+        const char* const text = InEnvSnapshot::getInstance().get(name.c_str());
         if (text != nullptr)
-            addCandidate({Source::Environment, std::string("environment variable ") + name, text,
-                          false, false});
+            addCandidate({Source::Environment, "environment variable " + name, text});
     }
 }
 
-Vector<std::string> InNamedVariable::getOptions() const
-{
-    Vector<std::string> options;
-    for (const InContextAliasBase* alias : InContextAliasMgrBase::findAliases(_handle.c_str()))
-        if (alias->getOption() != nullptr)
-            options.push_back(alias->getOption());
-    const std::string own = "--" + _handle;
-    if (std::find(options.begin(), options.end(), own) == options.end())
-        options.push_back(own);
-    return options;
-}
-
-InNamedVariable::Candidate InNamedVariable::readOption(std::size_t position) const
+/// Takes the words of an option and says what they offer.
+InNamedVariable::Candidate InNamedVariable::readOption(std::size_t position, bool isNegated) const
 {
     InCommandLine& commandLine = InCommandLine::getInstance();
-    const InCommandLine::Value value = commandLine.getValue(position);
-    const std::string origin = "option " + std::string(commandLine.getOption(position));
+    const InCommandLine::Use use = commandLine.getUse(position);
+    const std::string origin = "option " + std::string(use.option);
     commandLine.take(position);
-    if (isFlag() && !value.isAttached)
-        return {Source::CommandLine, origin, "true", false, false};
-    if (value.isPresent && !value.isAttached)
-        commandLine.take(position + 1);
-    return {Source::CommandLine, origin, std::string(value.text), !value.isPresent, false};
-}
-
-InNamedVariable::Candidate InNamedVariable::readNegation(std::size_t position) const
-{
-    InCommandLine& commandLine = InCommandLine::getInstance();
-    const InCommandLine::Value value = commandLine.getValue(position);
-    const std::string origin = "option " + std::string(commandLine.getOption(position));
-    commandLine.take(position);
-    if (value.isAttached)
-        return {Source::CommandLine, origin + " (which takes none)", std::string(value.text), false,
+    if (isFlag() && !use.isAttached)
+        return {Source::CommandLine, origin, isNegated ? "false" : "true"};
+    if (isNegated)
+        return {Source::CommandLine, origin + " (which takes none)", std::string(use.value), false,
                 true};
-    return {Source::CommandLine, origin, "false", false, false};
+    if (use.hasValue && !use.isAttached)
+        commandLine.take(position + 1);
+    return {Source::CommandLine, origin, std::string(use.value), !use.hasValue};
 }
 
+/// The candidates come in the order of their precedence: the first one that is well formed wins.
 void InNamedVariable::addCandidate(Candidate candidate)
 {
-    if (!candidate.isMissing && !isWellFormed(candidate.text))
-        candidate.isMalformed = true;
+    if (!candidate.isMissing && !candidate.isMalformed)
+    {
+        candidate.isMalformed = !readText(candidate.text, isFromDefault());
+        if (!candidate.isMalformed && isFromDefault())
+            _winner = _candidates.size();
+    }
     _candidates.push_back(std::move(candidate));
 }
 
@@ -211,46 +196,27 @@ void InNamedVariable::reportMalformed() const
     }
 }
 
-void InNamedVariable::takeBest()
-{
-    const auto best =
-        std::find_if(_candidates.begin(), _candidates.end(),
-                     [](const Candidate& candidate) { return !candidate.isMalformed; });
-    _winner = static_cast<std::size_t>(best - _candidates.begin());
-    if (best != _candidates.end())
-        setValueText(best->text);
-    else if (!setDefault())
-        return;
-    _state = State::Ready;
-}
-
 // --- what is told of a variable -----------------------------------------------------------------
 
 void InNamedVariable::checkReadable() const
 {
-    if (_state == State::Uninitialized)
-        raise<InEx::ExUninitializedObject>(KR_HERE, getHandle());
+    if (_state == State::Ready)
+        return;
     if (_state == State::Invalid)
         raise<InEx::ExInvalidObject>(KR_HERE, getHandle());
+    raise<InEx::ExUninitializedObject>(KR_HERE, getHandle());
 }
 
 InNamedVariable::Source InNamedVariable::getSource() const
 {
     checkReadable();
-    return _winner < _candidates.size() ? _candidates[_winner].source : Source::Default;
+    return isFromDefault() ? Source::Default : _candidates[_winner].source;
 }
 
 void InNamedVariable::dump(std::ostream& os) const
 {
     const bool isReady = _state == State::Ready;
-    const bool isDefault = isReady && _winner == _candidates.size();
-    os << _handle;
-    if (isReady)
-        os << " = " << quote(getValueText()) << ", from "
-           << (isDefault ? "the default" : _candidates[_winner].origin) << '\n';
-    else
-        os << (_state == State::Invalid ? ": invalid\n" : ": not started\n");
-
+    dumpState(os);
     for (std::size_t i = 0; i < _candidates.size(); ++i)
     {
         const Candidate& candidate = _candidates[i];
@@ -262,30 +228,31 @@ void InNamedVariable::dump(std::ostream& os) const
         else
             os << quote(candidate.text) << (candidate.isMalformed ? ", malformed\n" : "\n");
     }
-    if (!isDefault)
+    if (!isDefaultValid())
+        os << "    not the default: " << quote(getDefaultText()) << ", expected "
+           << getExpectedForm() << '\n';
+    else if (!isReady || !isFromDefault())
         os << "    not the default: " << quote(getDefaultText()) << '\n';
 }
 
-InNamedVariable::HelpLine InNamedVariable::getHelpLine() const
+void InNamedVariable::dumpState(std::ostream& os) const
 {
-    HelpLine line;
-    for (const InContextAliasBase* alias : InContextAliasMgrBase::findAliases(_handle.c_str()))
+    os << _handle;
+    switch (_state)
     {
-        if (alias->getOption() != nullptr)
-            appendTo(line.options, describeOption(alias->getOption()));
-        if (alias->getEnvironmentName() != nullptr)
-            appendTo(line.environmentNames, alias->getEnvironmentName());
+    case State::NotStarted:
+        os << ": not started\n";
+        break;
+    case State::Abandoned:
+        os << ": its package failed to start\n";
+        break;
+    case State::Invalid:
+        os << ": invalid\n";
+        break;
+    case State::Ready:
+        os << " = " << quote(getValueText()) << ", from "
+           << (isFromDefault() ? "the default" : _candidates[_winner].origin) << '\n';
     }
-    if (line.options.empty())
-        line.options = describeOption("--" + _handle);
-    line.defaultText = getDefaultText();
-    line.meaning = isFlag() ? _help : _help + " (" + getExpectedForm() + ")";
-    return line;
-}
-
-std::string InNamedVariable::describeOption(const std::string& option) const
-{
-    return isFlag() ? "--[no-]" + option.substr(2) : option + "=VALUE";
 }
 
 } // namespace Kr

@@ -8,6 +8,7 @@
 #include <base/vector.h>
 
 #include <cstddef>
+#include <iosfwd>
 #include <string>
 #include <string_view>
 
@@ -38,30 +39,30 @@ public:
     /// its value `InVariableEx::ExMissingValue`, and the variable is then invalid.
     void initialize() override;
     void finalize() override;
+    /// The value cannot be read any more, and overrides are taken again; why it was invalid is
+    /// kept.
+    void abandon() noexcept override;
 
     const char* getHandle() const noexcept { return _handle.c_str(); }
     const char* getHelp() const noexcept { return _help.c_str(); }
     const InPackageInitBase& getPackage() const noexcept { return *_package; }
-    /// Whether the package has started the variable, be it with a valid value or not.
-    bool isInitialized() const noexcept { return _state != State::Uninitialized; }
+    /// Whether the package is starting or up, be the value valid or not.
+    bool isInitialized() const noexcept { return _isStarted; }
 
     /// Where the value came from. Raises like `InVariable::getValue`.
     Source getSource() const;
 
+    /// What a `bool` is: its options take no value and can be negated.
+    virtual bool isFlag() const = 0;
+    /// Whether the default is a valid value; if not, the variable has to be given.
+    virtual bool isDefaultValid() const = 0;
+    virtual std::string getDefaultText() const = 0;
+    /// What is valid, in words.
+    virtual std::string getExpectedForm() const = 0;
+
     /// One line for the value and the source that won, then an indented one for each candidate that
     /// lost, in the order of their precedence. Texts are cut at 256 characters.
     void dump(std::ostream& os) const;
-
-    /// The columns of the help. A variable that an alias gives an option is listed without the
-    /// option that its handle makes.
-    struct HelpLine
-    {
-        std::string options;
-        std::string environmentNames;
-        std::string defaultText;
-        std::string meaning;
-    };
-    HelpLine getHelpLine() const;
 
 protected:
     /// Registers the variable and attaches it to its package. The texts are copied.
@@ -77,18 +78,19 @@ private:
         Source source;
         std::string origin; ///< in words, such as "option --samples"
         std::string text;
-        bool isMissing;
-        bool isMalformed;
+        bool isMissing = false;
+        bool isMalformed = false;
     };
 
     enum class State
     {
-        Uninitialized,
+        NotStarted,
+        Abandoned,
         Invalid,
         Ready
     };
 
-    /// An entry in the registry.
+    /// An entry in the table of names.
     class Registration
     {
     public:
@@ -101,32 +103,29 @@ private:
         InNamedVariable& _variable;
     };
 
-    virtual bool isFlag() const = 0;
-    virtual bool isWellFormed(std::string_view text) const = 0;
-    virtual void setValueText(std::string_view text) = 0;
-    virtual bool setDefault() = 0; ///< false when the default is invalid
+    /// Parses the text, and takes it for the value if `takes`. False when it is malformed.
+    virtual bool readText(std::string_view text, bool takes) = 0;
+    virtual void takeDefault() = 0;
     virtual std::string getValueText() const = 0;
-    virtual std::string getDefaultText() const = 0;
-    virtual std::string getExpectedForm() const = 0;
 
-    void collectCandidates();
     void collectOverride();
     void collectFromCommandLine();
     void collectFromEnvironment();
-    Vector<std::string> getOptions() const;
-    Candidate readOption(std::size_t position) const;
-    Candidate readNegation(std::size_t position) const;
+    Candidate readOption(std::size_t position, bool isNegated) const;
     void addCandidate(Candidate candidate);
     void reportMalformed() const;
-    std::string describeOption(const std::string& option) const;
-    void takeBest();
+    void dumpState(std::ostream& os) const;
+    bool isFromDefault() const noexcept { return _winner == noWinner; }
+
+    static constexpr std::size_t noWinner = static_cast<std::size_t>(-1);
 
     std::string _handle;
     std::string _help;
     InPackageInitBase* _package;
-    State _state = State::Uninitialized;
-    std::size_t _winner = 0;       // index in the candidates; their number for the default
-    Vector<Candidate> _candidates; // in the order of their precedence, the default left out
+    State _state = State::NotStarted;
+    bool _isStarted = false;
+    std::size_t _winner = noWinner; // index in the candidates
+    Vector<Candidate> _candidates;  // in the order of their precedence, the default left out
     Registration _registration;
 };
 

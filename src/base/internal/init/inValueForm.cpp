@@ -1,5 +1,7 @@
 #include <base/internal/init/inValueForm.h>
 
+#include <base/internal/init/inDecimal.h>
+
 #include <charconv>
 
 namespace Kr
@@ -21,15 +23,49 @@ bool equalsIgnoringCase(std::string_view text, std::string_view lowerCase)
     return true;
 }
 
+/// Whether the whole text is a number of the type.
+template <class T>
+bool parseNumber(const char* begin, const char* end, T& value)
+{
+    if constexpr (std::is_floating_point_v<T>)
+    {
+        const auto number = InDecimal<T>::parse(begin, end);
+        value = number.value;
+        return number.end == end && number.end != begin && number.range != InDecimalRange::TooLarge;
+    }
+    else
+    {
+        const std::from_chars_result result = std::from_chars(begin, end, value);
+        return result.ec == std::errc() && result.ptr == end;
+    }
+}
+
 } // namespace
+
+template <class T>
+InNumberForm<T>::InNumberForm()
+    : InNumberForm(std::numeric_limits<T>::lowest(), std::numeric_limits<T>::max())
+{
+}
+
+template <class T>
+InNumberForm<T>::InNumberForm(T minimum, T maximum)
+    : _minimum(minimum)
+    , _maximum(maximum)
+{
+}
+
+template <class T>
+bool InNumberForm<T>::isValid(T value) const
+{
+    return value >= _minimum && value <= _maximum;
+}
 
 template <class T>
 bool InNumberForm<T>::parse(std::string_view text, T& value) const
 {
     T parsed{};
-    const char* const end = text.data() + text.size();
-    const std::from_chars_result result = std::from_chars(text.data(), end, parsed);
-    if (result.ec != std::errc() || result.ptr != end || !isValid(parsed))
+    if (!parseNumber(text.data(), text.data() + text.size(), parsed) || !isValid(parsed))
         return false;
     value = parsed;
     return true;
@@ -38,7 +74,7 @@ bool InNumberForm<T>::parse(std::string_view text, T& value) const
 template <class T>
 std::string InNumberForm<T>::write(T value) const
 {
-    char text[32]; // the longest double needs 24 characters
+    char text[32]; // the longest number needs 24 characters
     return std::string(text, std::to_chars(text, text + sizeof text, value).ptr);
 }
 
@@ -58,11 +94,23 @@ std::string InNumberForm<T>::getExpected() const
     return expected;
 }
 
-template class InNumberForm<std::int32_t>;
-template class InNumberForm<std::uint32_t>;
-template class InNumberForm<std::int64_t>;
-template class InNumberForm<std::uint64_t>;
+template class InNumberForm<signed char>;
+template class InNumberForm<unsigned char>;
+template class InNumberForm<short>;
+template class InNumberForm<unsigned short>;
+template class InNumberForm<int>;
+template class InNumberForm<unsigned int>;
+template class InNumberForm<long>;
+template class InNumberForm<unsigned long>;
+template class InNumberForm<long long>;
+template class InNumberForm<unsigned long long>;
+template class InNumberForm<float>;
 template class InNumberForm<double>;
+
+bool InValueForm<bool>::isValid(bool /*value*/) const
+{
+    return true;
+}
 
 bool InValueForm<bool>::parse(std::string_view text, bool& value) const
 {
@@ -90,6 +138,11 @@ std::string InValueForm<bool>::write(bool value) const
 std::string InValueForm<bool>::getExpected() const
 {
     return "true, yes, on, 1, false, no, off or 0";
+}
+
+bool InValueForm<std::string>::isValid(const std::string& /*value*/) const
+{
+    return true;
 }
 
 bool InValueForm<std::string>::parse(std::string_view text, std::string& value) const

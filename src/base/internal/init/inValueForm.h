@@ -3,8 +3,8 @@
 /// @file
 /// How the value of an initialisation variable is written as text.
 /// @code
-/// const Kr::InValueForm<std::int32_t> samples(1, 64);
-/// std::int32_t count = 0;
+/// const Kr::InValueForm<int> samples(1, 64);
+/// int count = 0;
 /// if (!samples.parse("8", count))
 ///     std::cerr << "expected " << samples.getExpected() << '\n'; // an integer from 1 to 64
 /// @endcode
@@ -15,12 +15,13 @@
 /// | type | texts |
 /// |---|---|
 /// | `bool` | true, yes, on, 1, false, no, off, 0; the case does not matter |
-/// | `std::int32_t`, `std::uint32_t`, `std::int64_t`, `std::uint64_t` | decimal, within the range |
-/// | `double` | decimal, with an exponent or not, within the range |
+/// | integers of every size (but the character types) | decimal, within the range |
+/// | `float`, `double` | decimal, with an exponent or not, within the range |
 /// | `std::string` | any |
 /// | enumeration | one of the names, in their case |
 ///
-/// "inf" is a `double` when the range has it, "nan" never.
+/// "inf" is a number when the range has it, "nan" never. What is too small for a `float` or a
+/// `double` is 0, what is too large is malformed.
 ///
 /// `write` gives a text that `parse` takes back to the same value. Forms may be shared by threads.
 
@@ -49,14 +50,11 @@ struct InEnumName
 /// The form of an enumeration: its table of names. When several names stand for one value, the
 /// first is written.
 template <class E>
-class InValueForm
+class InEnumForm
 {
-    static_assert(std::is_enum_v<E>, "a variable is a bool, a 32- or 64-bit integer, a double, a "
-                                     "std::string or an enumeration");
-
 public:
-    InValueForm() = delete; // a variable of an enumeration cannot do without its names
-    InValueForm(std::initializer_list<InEnumName<E>> names)
+    InEnumForm() = delete; // a variable of an enumeration cannot do without its names
+    InEnumForm(std::initializer_list<InEnumName<E>> names)
         : _names(names)
     {
     }
@@ -81,69 +79,57 @@ template <class T>
 class InNumberForm
 {
 public:
-    InNumberForm() = default;
-    InNumberForm(T minimum, T maximum)
-        : _minimum(minimum)
-        , _maximum(maximum)
-    {
-    }
+    InNumberForm();
+    InNumberForm(T minimum, T maximum);
 
-    bool isValid(T value) const { return value >= _minimum && value <= _maximum; }
+    bool isValid(T value) const;
     bool parse(std::string_view text, T& value) const;
     std::string write(T value) const;
     std::string getExpected() const;
 
 private:
-    T _minimum = std::numeric_limits<T>::lowest();
-    T _maximum = std::numeric_limits<T>::max();
+    T _minimum;
+    T _maximum;
 };
 
-extern template class KR_BASE_API InNumberForm<std::int32_t>;
-extern template class KR_BASE_API InNumberForm<std::uint32_t>;
-extern template class KR_BASE_API InNumberForm<std::int64_t>;
-extern template class KR_BASE_API InNumberForm<std::uint64_t>;
+extern template class KR_BASE_API InNumberForm<signed char>;
+extern template class KR_BASE_API InNumberForm<unsigned char>;
+extern template class KR_BASE_API InNumberForm<short>;
+extern template class KR_BASE_API InNumberForm<unsigned short>;
+extern template class KR_BASE_API InNumberForm<int>;
+extern template class KR_BASE_API InNumberForm<unsigned int>;
+extern template class KR_BASE_API InNumberForm<long>;
+extern template class KR_BASE_API InNumberForm<unsigned long>;
+extern template class KR_BASE_API InNumberForm<long long>;
+extern template class KR_BASE_API InNumberForm<unsigned long long>;
+extern template class KR_BASE_API InNumberForm<float>;
 extern template class KR_BASE_API InNumberForm<double>;
 
-template <>
-class InValueForm<std::int32_t> : public InNumberForm<std::int32_t>
-{
-public:
-    using InNumberForm::InNumberForm;
-};
+/// The types of numbers that a variable can have.
+template <class T>
+constexpr bool inIsNumber = (std::is_integral_v<T> || std::is_same_v<T, float> ||
+                             std::is_same_v<T, double>)&&!std::is_same_v<T, bool> &&
+                            !std::is_same_v<T, char> && !std::is_same_v<T, wchar_t> &&
+                            !std::is_same_v<T, char16_t> && !std::is_same_v<T, char32_t>;
 
-template <>
-class InValueForm<std::uint32_t> : public InNumberForm<std::uint32_t>
+/// The form of a type: see the table above.
+template <class T>
+class InValueForm : public std::conditional_t<std::is_enum_v<T>, InEnumForm<T>, InNumberForm<T>>
 {
-public:
-    using InNumberForm::InNumberForm;
-};
+    static_assert(std::is_enum_v<T> || inIsNumber<T>,
+                  "a variable is a bool, an integer, a float, a double, a std::string or an "
+                  "enumeration");
+    using Base = std::conditional_t<std::is_enum_v<T>, InEnumForm<T>, InNumberForm<T>>;
 
-template <>
-class InValueForm<std::int64_t> : public InNumberForm<std::int64_t>
-{
 public:
-    using InNumberForm::InNumberForm;
-};
-
-template <>
-class InValueForm<std::uint64_t> : public InNumberForm<std::uint64_t>
-{
-public:
-    using InNumberForm::InNumberForm;
-};
-
-template <>
-class InValueForm<double> : public InNumberForm<double>
-{
-public:
-    using InNumberForm::InNumberForm;
+    using Base::Base;
 };
 
 template <>
 class KR_BASE_API InValueForm<bool>
 {
 public:
-    bool isValid(bool) const { return true; }
+    bool isValid(bool value) const;
     bool parse(std::string_view text, bool& value) const;
     std::string write(bool value) const;
     std::string getExpected() const;
@@ -153,7 +139,7 @@ template <>
 class KR_BASE_API InValueForm<std::string>
 {
 public:
-    bool isValid(const std::string&) const { return true; }
+    bool isValid(const std::string& value) const;
     bool parse(std::string_view text, std::string& value) const;
     std::string write(const std::string& value) const;
     std::string getExpected() const;
@@ -162,7 +148,7 @@ public:
 // --- enumerations -------------------------------------------------------------------------------
 
 template <class E>
-const char* InValueForm<E>::getName(E value) const
+const char* InEnumForm<E>::getName(E value) const
 {
     for (const InEnumName<E>& entry : _names)
         if (entry.value == value)
@@ -171,7 +157,7 @@ const char* InValueForm<E>::getName(E value) const
 }
 
 template <class E>
-bool InValueForm<E>::parse(std::string_view text, E& value) const
+bool InEnumForm<E>::parse(std::string_view text, E& value) const
 {
     for (const InEnumName<E>& entry : _names)
     {
@@ -184,7 +170,7 @@ bool InValueForm<E>::parse(std::string_view text, E& value) const
 }
 
 template <class E>
-std::string InValueForm<E>::write(E value) const
+std::string InEnumForm<E>::write(E value) const
 {
     const char* const name = getName(value);
     if (name != nullptr)
@@ -193,7 +179,7 @@ std::string InValueForm<E>::write(E value) const
 }
 
 template <class E>
-std::string InValueForm<E>::getExpected() const
+std::string InEnumForm<E>::getExpected() const
 {
     std::string expected = "one of";
     for (const InEnumName<E>& entry : _names)

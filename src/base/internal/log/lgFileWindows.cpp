@@ -1,5 +1,6 @@
 #include <base/internal/log/lgFile.h>
 
+#include <base/internal/errors/systemError.h>
 #include <base/internal/log/lgInterProcessLock.h>
 
 #include <platform/platform.h>
@@ -110,13 +111,9 @@ bool LgFileWindows::sync() noexcept
 
 std::string LgFileWindows::getProblem() const
 {
-    char text[256] = "";
-    const DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-                                        nullptr, _problem, 0, text, sizeof text, nullptr);
-    std::string problem(text, length);
-    while (!problem.empty() && static_cast<unsigned char>(problem.back()) <= ' ')
-        problem.pop_back();
-    return problem.empty() ? "System error " + std::to_string(_problem) : problem;
+    char text[256];
+    formatSystemError(_problem, text, sizeof text);
+    return text;
 }
 
 /// Another process may have rotated the file between the opening and the lock: then the lock is

@@ -1,13 +1,13 @@
 #include <base/internal/log/lgLogState.h>
 
-#include <base/internal/log/lgProcess.h>
-#include <base/internal/log/lgProducer.h>
+#include <base/internal/errors/processIdentity.h>
+#include <base/internal/log/lgReaderThread.h>
+#include <base/internal/log/lgThread.h>
 
 #include <atomic>
 #include <chrono>
 #include <exception>
 #include <mutex>
-#include <optional>
 #include <thread>
 
 namespace Kr
@@ -16,20 +16,23 @@ namespace Kr
 namespace
 {
 
+std::size_t drainToBuffers() noexcept
+{
+    return LgLogState::drain(LgDrain::toBuffers);
+}
+
 /// Never destroyed: threads may log while the process ends.
 struct State
 {
     std::mutex draining; // held by whoever drains; taken before `pointer`
     std::mutex pointer;  // guards `session` against those who add to it
     LgSession* session = nullptr;
-    std::atomic<std::uint32_t> number{0}; // of the session; 0 while there is none
     std::uint32_t lastNumber = 0;
     std::atomic<std::uint64_t> lost{0};
+    std::uint64_t cut = 0; // in sessions that have ended
     std::atomic<bool> isBlocking{false};
     std::atomic<unsigned long> mainThread{0}; // the one that started the session
-    LgProducer* mainProducer = nullptr;
-    bool isMainForking = false;
-    std::terminate_handler previousHandler = nullptr;
+    std::atomic<LgReaderThread*> readerThread{new LgReaderThread(drainToBuffers)};
 };
 
 State& state()
@@ -38,65 +41,13 @@ State& state()
     return instance;
 }
 
-// Plain thread-locals, which can be looked at while the thread ends.
-thread_local LgProducer* producer = nullptr;
-thread_local bool isEnded = false;
-thread_local bool isDraining = false;
-
-bool isMainThread()
-{
-    return LgProcess::getThreadId() == state().mainThread;
-}
-
-/// Ends the producer of its thread. That of the main thread lives on with the session: static
-/// objects may log while they are destroyed.
-struct ProducerEnd
-{
-    ProducerEnd() = default;
-    ProducerEnd(const ProducerEnd&) = delete;
-    ProducerEnd& operator=(const ProducerEnd&) = delete;
-
-    ~ProducerEnd()
-    {
-        if (producer == nullptr || (isMainThread() && state().number != 0))
-            return;
-        isEnded = true;
-        LgLogState::endProducer();
-    }
-
-    void arm() {}
-};
-
-thread_local ProducerEnd producerEnd;
-
-/// Keeps the output path from logging into what it drains.
-class OutputGuard
-{
-public:
-    OutputGuard()
-    {
-        LgQueue* queue = producer != nullptr ? producer->findQueue() : nullptr;
-        if (queue != nullptr)
-            _suppress.emplace(*queue);
-        isDraining = true;
-    }
-
-    OutputGuard(const OutputGuard&) = delete;
-    OutputGuard& operator=(const OutputGuard&) = delete;
-
-    ~OutputGuard() { isDraining = false; }
-
-private:
-    std::optional<LgQueue::SuppressGuard> _suppress;
-};
-
-/// Drains; the caller holds the lock.
+/// The caller holds the lock.
 std::size_t drainSession(LgDrain how) noexcept
 {
     LgSession* session = state().session;
     if (session == nullptr)
         return 0;
-    const OutputGuard guard;
+    const LgThread::OutputGuard guard;
     try
     {
         return session->drain(how);
@@ -108,115 +59,24 @@ std::size_t drainSession(LgDrain how) noexcept
     }
 }
 
-std::size_t drainToBuffers() noexcept
-{
-    return LgLogState::drain(LgDrain::toBuffers);
-}
-
-[[noreturn]] void onTerminate()
-{
-    LgLogState::drainAtEnd(LgDrain::toDisk);
-    if (state().previousHandler != nullptr)
-        state().previousHandler();
-    std::abort();
-}
-
-void beforeFork()
-{
-    state().isMainForking = isMainThread();
-    if (!isDraining)
-    {
-        state().draining.lock();
-        drainSession(LgDrain::toSystem);
-    }
-    state().pointer.lock();
-}
-
-void inParent()
-{
-    state().pointer.unlock();
-    if (!isDraining)
-        state().draining.unlock();
-}
-
-/// The other threads are gone, and what they logged is the parent's: a new session begins.
-void inChild()
-{
-    if (state().session != nullptr)
-    {
-        state().session = LgSession::forFork(state().session);
-        state().number = ++state().lastNumber;
-    }
-    if (state().isMainForking)
-        state().mainThread = LgProcess::getThreadId();
-    inParent();
-}
-
-void installHandlers()
-{
-    static const bool isHandlingForks = (LgProcess::onFork(beforeFork, inParent, inChild), true);
-    static_cast<void>(isHandlingForks);
-    const std::terminate_handler previous = std::set_terminate(onTerminate);
-    if (previous != onTerminate)
-        state().previousHandler = previous;
-}
-
-/// The library may be unloaded after it has stopped.
-void removeTerminateHandler()
-{
-    if (std::get_terminate() == onTerminate)
-        std::set_terminate(state().previousHandler);
-}
-
-/// Joins the calling thread to the session of that number; null if memory is short.
-LgProducer* join(std::uint32_t number) noexcept
-{
-    if (producer == nullptr)
-        producer = new (std::nothrow) LgProducer(isEnded);
-    if (producer == nullptr)
-        return nullptr;
-    if (!isEnded)
-        producerEnd.arm();
-    const bool isMain = isMainThread();
-    producer->join(number, isMain ? 0 : LgProcess::getThreadId());
-    const std::lock_guard<std::mutex> lock(state().pointer);
-    if (isMain)
-        state().mainProducer = producer;
-    if (state().number == number)
-        state().session->startReader(drainToBuffers);
-    return producer;
-}
-
 } // namespace
 
-LgProducer* LgLogState::getProducer() noexcept
+std::atomic<std::uint32_t> LgLogState::_number{0};
+
+bool LgLogState::isMainThread() noexcept
 {
-    const std::uint32_t number = state().number.load(std::memory_order_acquire);
-    if (number == 0 || isDraining)
-        return nullptr;
-    if (producer != nullptr && producer->getSessionNumber() == number)
-        return producer;
-    return join(number);
+    return ProcessIdentity::getThreadId() == state().mainThread;
 }
 
-LgProducer* LgLogState::getLastingProducer() noexcept
+bool LgLogState::isBlocking() noexcept
 {
-    return isEnded ? nullptr : getProducer();
-}
-
-void LgLogState::endProducer() noexcept
-{
-    if (producer == state().mainProducer)
-        state().mainProducer = nullptr;
-    producer->end();
-    delete producer;
-    producer = nullptr;
+    return state().isBlocking;
 }
 
 bool LgLogState::addQueue(std::uint32_t sessionNumber, const std::shared_ptr<LgQueue>& queue)
 {
     const std::lock_guard<std::mutex> lock(state().pointer);
-    if (state().number != sessionNumber)
+    if (_number != sessionNumber)
         return false;
     state().session->getRegistry().addQueue(queue);
     return true;
@@ -225,25 +85,37 @@ bool LgLogState::addQueue(std::uint32_t sessionNumber, const std::shared_ptr<LgQ
 bool LgLogState::addRing(std::uint32_t sessionNumber, const std::shared_ptr<LgSpanRing>& ring)
 {
     const std::lock_guard<std::mutex> lock(state().pointer);
-    if (state().number != sessionNumber || state().session->getTimeline() == nullptr)
+    if (_number != sessionNumber || state().session->getTimeline() == nullptr)
         return false;
     state().session->getTimeline()->addRing(ring);
     return true;
 }
 
-bool LgLogState::isBlocking() noexcept
+void LgLogState::startReader(std::uint32_t sessionNumber) noexcept
 {
-    return state().isBlocking;
+    const std::lock_guard<std::mutex> lock(state().pointer);
+    if (_number == sessionNumber)
+        state().readerThread.load()->start();
+}
+
+void LgLogState::wakeReader() noexcept
+{
+    state().readerThread.load()->wake();
+}
+
+void LgLogState::countLost(std::uint64_t count) noexcept
+{
+    state().lost.fetch_add(count, std::memory_order_relaxed);
 }
 
 bool LgLogState::mayDrain() noexcept
 {
-    return !isDraining && state().number != 0;
+    return !LgThread::get().isInOutput && _number != 0;
 }
 
 std::size_t LgLogState::drain(LgDrain how) noexcept
 {
-    if (isDraining)
+    if (LgThread::get().isInOutput)
         return 0;
     const std::lock_guard<std::mutex> lock(state().draining);
     return drainSession(how);
@@ -251,7 +123,7 @@ std::size_t LgLogState::drain(LgDrain how) noexcept
 
 void LgLogState::drainAtEnd(LgDrain how) noexcept
 {
-    if (isDraining)
+    if (LgThread::get().isInOutput)
         return;
     std::unique_lock<std::mutex> lock(state().draining, std::defer_lock);
     for (int milliseconds = 0; !lock.try_lock(); ++milliseconds)
@@ -263,19 +135,13 @@ void LgLogState::drainAtEnd(LgDrain how) noexcept
     drainSession(how);
 }
 
-void LgLogState::countLost(std::uint64_t count) noexcept
-{
-    state().lost.fetch_add(count, std::memory_order_relaxed);
-}
-
 void LgLogState::start(std::unique_ptr<LgSession> session)
 {
-    installHandlers();
     const std::scoped_lock lock(state().draining, state().pointer);
     state().isBlocking = session->getSettings().isBlocking;
-    state().mainThread = LgProcess::getThreadId();
+    state().mainThread = ProcessIdentity::getThreadId();
     state().session = session.release();
-    state().number = ++state().lastNumber;
+    _number = ++state().lastNumber;
 }
 
 /// The number goes first, so that nothing new is logged and no reader started. Messages that were
@@ -284,12 +150,11 @@ void LgLogState::stop()
 {
     {
         const std::lock_guard<std::mutex> lock(state().pointer);
-        state().number = 0;
+        _number = 0;
     }
     if (state().session == nullptr)
         return;
-    state().session->stopReader();
-    removeTerminateHandler();
+    state().readerThread.load()->stop();
     const std::lock_guard<std::mutex> draining(state().draining);
     drainSession(LgDrain::toSystem);
     drainSession(LgDrain::toSystem);
@@ -298,6 +163,7 @@ void LgLogState::stop()
     state().session = nullptr;
     session->close();
     countLost(session->getLostCount());
+    state().cut += session->getCutCount();
 }
 
 std::uint64_t LgLogState::getLostCount()
@@ -308,10 +174,46 @@ std::uint64_t LgLogState::getLostCount()
     return state().lost + inSession;
 }
 
+std::uint64_t LgLogState::getCutCount()
+{
+    const std::lock_guard<std::mutex> lock(state().pointer);
+    return state().cut + (state().session != nullptr ? state().session->getCutCount() : 0);
+}
+
 LgSettings LgLogState::getSettings()
 {
     const std::lock_guard<std::mutex> lock(state().pointer);
     return state().session != nullptr ? state().session->getSettings() : LgSettings();
+}
+
+/// A thread that forks inside the logger's output holds the first lock already.
+void LgLogState::lockForFork() noexcept
+{
+    if (!LgThread::get().isInOutput)
+    {
+        state().draining.lock();
+        drainSession(LgDrain::toSystem);
+    }
+    state().pointer.lock();
+}
+
+void LgLogState::unlockAfterFork() noexcept
+{
+    state().pointer.unlock();
+    if (!LgThread::get().isInOutput)
+        state().draining.unlock();
+}
+
+void LgLogState::beginForkedSession(bool isMainThread)
+{
+    state().readerThread = new LgReaderThread(drainToBuffers, state().readerThread);
+    if (state().session != nullptr)
+    {
+        state().session = LgSession::forFork(state().session);
+        _number = ++state().lastNumber;
+    }
+    if (isMainThread)
+        state().mainThread = ProcessIdentity::getThreadId();
 }
 
 } // namespace Kr

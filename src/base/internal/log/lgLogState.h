@@ -2,40 +2,49 @@
 
 /// @file
 /// Internal to the library: the logger's one state in the process, which is the session, if it
-/// runs, and who may drain it.
+/// runs, the thread that drains it, and who else may.
 
 #include <base/internal/log/lgSession.h>
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 
 namespace Kr
 {
 
-class LgProducer;
-
 class LgLogState
 {
 public:
-    /// The calling thread's producer, made at the first call; null while the logger is not up and
-    /// inside the logger's own output.
-    static LgProducer* getProducer() noexcept;
+    // For those who log
 
-    /// The same, but null when the thread's own producer has ended: what thread-local objects log
-    /// after that has a producer for each message.
-    static LgProducer* getLastingProducer() noexcept;
+    /// The number of the session; 0 while there is none.
+    static std::uint32_t getSessionNumber() noexcept
+    {
+        return _number.load(std::memory_order_acquire);
+    }
 
-    /// Lets go of the calling thread's producer.
-    static void endProducer() noexcept;
+    /// Whether the calling thread is the one that started the session.
+    static bool isMainThread() noexcept;
+    static bool isBlocking() noexcept;
 
-    /// What a producer adds to the session of that number; false if that has ended.
+    /// What a thread adds to the session of that number; false if that has ended.
     static bool addQueue(std::uint32_t sessionNumber, const std::shared_ptr<LgQueue>& queue);
     static bool addRing(std::uint32_t sessionNumber, const std::shared_ptr<LgSpanRing>& ring);
 
-    static bool isBlocking() noexcept;
+    /// Starts the thread that drains the session of that number, unless it runs or that has ended.
+    static void startReader(std::uint32_t sessionNumber) noexcept;
 
-    /// Whether the calling thread can drain: not inside the logger's own output, nor while the
-    /// logger is not up.
+    /// Has that thread drain at once.
+    static void wakeReader() noexcept;
+
+    /// Counts messages that neither a queue nor an output counts.
+    static void countLost(std::uint64_t count) noexcept;
+
+    // For those who drain
+
+    /// Whether the calling thread can: not inside the logger's own output, nor while the logger is
+    /// not up.
     static bool mayDrain() noexcept;
 
     /// Drains the session. Returns how many events there were.
@@ -45,15 +54,28 @@ public:
     /// up after a second.
     static void drainAtEnd(LgDrain how) noexcept;
 
-    /// Counts messages that neither a queue nor an output counts.
-    static void countLost(std::uint64_t count) noexcept;
+    // For whoever starts and stops the logger
 
     static void start(std::unique_ptr<LgSession> session);
     static void stop();
     static std::uint64_t getLostCount();
+    static std::uint64_t getCutCount();
 
     /// Empty ones while there is no session.
     static LgSettings getSettings();
+
+    // For a process that forks
+
+    /// Drains, and holds all locks from then on.
+    static void lockForFork() noexcept;
+    static void unlockAfterFork() noexcept;
+
+    /// Replaces the session by one that goes on in the child. The caller holds the locks.
+    /// @param isMainThread whether the thread that forked had started the session
+    static void beginForkedSession(bool isMainThread);
+
+private:
+    static std::atomic<std::uint32_t> _number;
 };
 
 } // namespace Kr

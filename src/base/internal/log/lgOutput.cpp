@@ -23,13 +23,14 @@ LgOutput::LgOutput(std::unique_ptr<LgFile> file, const std::string& name, LgLine
     , _name(name)
     , _format(format)
     , _maxBatch(std::min(maxBatch, batchSize))
+    , _outageStamp(0)
     , _isFailing(false)
     , _hasComplained(false)
     , _lost(0)
     , _unreported(0)
 {
-    _waiting.reserve(maxWaiting + 3 * batchSize); // behind a full buffer, the longest line
-    _reportEnds.reserve(1024);
+    _waiting.reserve(maxWaiting + 4 * batchSize); // behind a full buffer, the longest line
+    _reports.reserve(1024);
 }
 
 LgOutput::~LgOutput()
@@ -41,45 +42,49 @@ void LgOutput::close()
 {
     flush(true);
     const auto records = std::count(_waiting.begin(), _waiting.end(), '\n');
-    _lost += static_cast<std::size_t>(records) - _reportEnds.size();
+    _lost += static_cast<std::size_t>(records) - _reports.size();
     _waiting.clear();
-    _reportEnds.clear();
+    _reports.clear();
 }
 
 void LgOutput::write(const LgRecord& record)
 {
-    if (!append(record))
-    {
-        _lost += record.lost == 0 ? 1 : 0;
-        _unreported += static_cast<std::uint64_t>(std::max(record.lost, 1));
-    }
+    _format.append(_waiting, record);
+    if (record.lost != 0)
+        _reports.push_back({_waiting.size(), record.lost});
     if (_waiting.size() >= _maxBatch)
         flush();
+    while (_waiting.size() > maxWaiting)
+        makeRoom();
 }
 
-/// Puts the record behind those that wait, unless it finds no room.
-bool LgOutput::append(const LgRecord& record)
+/// Drops the oldest lines, a batch at a time: what was logged last tells most.
+void LgOutput::makeRoom()
 {
-    const std::size_t before = _waiting.size();
-    _format.append(_waiting, record);
-    if (_waiting.size() > maxWaiting)
-    {
-        _waiting.resize(before);
-        return false;
-    }
-    if (record.lost != 0)
-        _reportEnds.push_back(_waiting.size());
-    return true;
+    const std::size_t size = nextBatch(std::max(batchSize, _waiting.size() - maxWaiting));
+    const auto lines = static_cast<std::size_t>(
+        std::count(_waiting.begin(), _waiting.begin() + static_cast<std::ptrdiff_t>(size), '\n'));
+    std::size_t messages = lines;
+    for (const Report& report : _reports)
+        if (report.end <= size)
+        {
+            --messages;
+            _unreported += static_cast<std::uint64_t>(report.lost);
+        }
+    _lost += messages;
+    _unreported += messages;
+    takeOut(size);
 }
 
 void LgOutput::flush(bool now)
 {
     if (_waiting.empty() || (_isFailing && !now && std::chrono::steady_clock::now() < _nextTry))
         return;
-    if (!writeWaiting())
+    reportLoss();
+    if (writeWaiting())
+        _isFailing = false;
+    else
         beginOutage();
-    else if (_isFailing)
-        endOutage();
 }
 
 void LgOutput::sync()
@@ -99,34 +104,35 @@ bool LgOutput::writeWaiting()
 
 bool LgOutput::writeBatch()
 {
-    const std::size_t size = nextBatch();
+    const std::size_t size = nextBatch(_maxBatch);
     if (!_file->append(_waiting.data(), size))
         return false;
-    takeWritten(size);
+    takeOut(size);
     return true;
 }
 
-void LgOutput::takeWritten(std::size_t size)
+void LgOutput::takeOut(std::size_t size)
 {
     _waiting.erase(0, size);
-    const auto isBehind = [size](std::size_t end) { return end > size; };
-    const auto behind = std::find_if(_reportEnds.begin(), _reportEnds.end(), isBehind);
-    _reportEnds.erase(_reportEnds.begin(), behind);
-    for (std::size_t& end : _reportEnds)
-        end -= size;
+    const auto isBehind = [size](const Report& report) { return report.end > size; };
+    _reports.erase(_reports.begin(), std::find_if(_reports.begin(), _reports.end(), isBehind));
+    for (Report& report : _reports)
+        report.end -= size;
 }
 
-/// As many whole lines as fit into a batch, or one that does not.
-std::size_t LgOutput::nextBatch() const
+/// As many whole lines as fit into so many bytes, or one that does not.
+std::size_t LgOutput::nextBatch(std::size_t limit) const
 {
-    if (_waiting.size() <= _maxBatch)
+    if (_waiting.size() <= limit)
         return _waiting.size();
-    const std::size_t last = std::string_view(_waiting).substr(0, _maxBatch).rfind('\n');
+    const std::size_t last = std::string_view(_waiting).substr(0, limit).rfind('\n');
     return (last != std::string::npos ? last : _waiting.find('\n')) + 1;
 }
 
 void LgOutput::beginOutage()
 {
+    if (!_isFailing)
+        _outageStamp = HwCounter::timeStamp();
     _isFailing = true;
     _nextTry = std::chrono::steady_clock::now() + retryInterval;
     if (_hasComplained)
@@ -137,20 +143,22 @@ void LgOutput::beginOutage()
                  _name.c_str(), _file->getProblem().c_str());
 }
 
-/// The record that tells of the loss goes straight to the file that lost them.
-void LgOutput::endOutage()
+/// Puts a record that tells of the lost messages where they would stand, before those that wait.
+void LgOutput::reportLoss()
 {
-    _isFailing = false;
     if (_unreported == 0)
         return;
     const std::string text =
         std::to_string(_unreported) + " messages were lost: the log could not be written";
     const auto lost =
         static_cast<int>(std::min<std::uint64_t>(_unreported, std::numeric_limits<int>::max()));
+    std::string line;
+    _format.append(line, {LgTypes::Warning, _outageStamp, 0, "Logger", text, lost});
+    _waiting.insert(0, line);
+    for (Report& report : _reports)
+        report.end += line.size();
+    _reports.insert(_reports.begin(), {line.size(), lost});
     _unreported = 0;
-    append({LgTypes::Warning, HwCounter::timeStamp(), 0, "Logger", text, lost});
-    if (!writeWaiting())
-        beginOutage();
 }
 
 } // namespace Kr

@@ -4,9 +4,9 @@
 /// Internal to the library: where the lines of one or more levels go, a file or a standard stream,
 /// with a buffer before it.
 ///
-/// While the file cannot be written, lines wait in the buffer; what no longer fits is counted. The
-/// first failure is told once on the standard error stream. When the file can be written again, the
-/// waiting lines follow, and a record that tells how many were lost.
+/// While the file cannot be written, lines wait in the buffer; the oldest make room for the
+/// youngest and are counted. The first failure is told once on the standard error stream. When the
+/// file can be written again, a record tells how many were lost, and the waiting lines follow.
 ///
 /// Used by one thread at a time, but for `getLostCount`.
 
@@ -56,20 +56,28 @@ public:
     std::uint64_t getLostCount() const { return _lost.load(std::memory_order_relaxed); }
 
 private:
-    bool append(const LgRecord& record);
+    /// A line that reports others' loss, and ends there in the buffer.
+    struct Report
+    {
+        std::size_t end;
+        int lost;
+    };
+
+    void makeRoom();
     bool writeWaiting();
     bool writeBatch();
-    std::size_t nextBatch() const;
-    void takeWritten(std::size_t size);
+    std::size_t nextBatch(std::size_t limit) const;
+    void takeOut(std::size_t size);
     void beginOutage();
-    void endOutage();
+    void reportLoss();
 
     const std::unique_ptr<LgFile> _file;
     const std::string _name;
     LgLineFormat& _format;
     const std::size_t _maxBatch;
     std::string _waiting;
-    std::vector<std::size_t> _reportEnds; ///< where the records in it end that report a loss
+    std::vector<Report> _reports;
+    unsigned long long _outageStamp; ///< when the file began to fail
     bool _isFailing;
     bool _hasComplained;
     std::chrono::steady_clock::time_point _nextTry;

@@ -1,8 +1,11 @@
 #include <base/internal/log/lgProducer.h>
 
+#include <base/internal/errors/processIdentity.h>
+#include <base/internal/errors/threadLabel.h>
 #include <base/internal/log/lgLogState.h>
-#include <base/internal/log/lgRecordGroup.h>
+#include <base/internal/log/lgThreadSlot.h>
 
+#include <atomic>
 #include <new>
 #include <thread>
 
@@ -50,22 +53,90 @@ void discardQueue(LgQueue* queue)
     delete queue;
 }
 
+// Plain thread-locals, which can be looked at while the thread ends.
+thread_local LgProducer* producer = nullptr;
+thread_local bool isEnded = false;
+
+/// That of the thread that started the session, which nothing else may be left to name.
+std::atomic<LgProducer*> mainProducer{nullptr};
+
+/// Ends the producer of its thread. That of the main thread lives on with the session: static
+/// objects may log while they are destroyed.
+struct ProducerEnd
+{
+    ProducerEnd() = default;
+    ProducerEnd(const ProducerEnd&) = delete;
+    ProducerEnd& operator=(const ProducerEnd&) = delete;
+
+    ~ProducerEnd()
+    {
+        if (producer == nullptr ||
+            (LgLogState::isMainThread() && LgLogState::getSessionNumber() != 0))
+            return;
+        isEnded = true;
+        LgProducer::end();
+    }
+
+    void arm() {}
+};
+
+thread_local ProducerEnd producerEnd;
+
 } // namespace
+
+LgProducer* LgProducer::get() noexcept
+{
+    const std::uint32_t number = LgLogState::getSessionNumber();
+    if (number == 0 || LgThread::get().isInOutput)
+        return nullptr;
+    if (producer != nullptr && producer->_sessionNumber == number)
+        return producer;
+    return joinCaller(number);
+}
+
+LgProducer* LgProducer::getLasting() noexcept
+{
+    return isEnded ? nullptr : get();
+}
+
+void LgProducer::end() noexcept
+{
+    if (producer == mainProducer)
+        mainProducer = nullptr;
+    delete producer;
+    producer = nullptr;
+}
+
+/// Joins the calling thread to the session of that number; null if memory is short.
+LgProducer* LgProducer::joinCaller(std::uint32_t sessionNumber) noexcept
+{
+    if (producer == nullptr)
+        producer = new (std::nothrow) LgProducer(isEnded);
+    if (producer == nullptr)
+        return nullptr;
+    if (!isEnded)
+        producerEnd.arm();
+    const bool isMain = LgLogState::isMainThread();
+    if (isMain)
+        mainProducer = producer;
+    producer->join(sessionNumber, isMain ? 0 : ProcessIdentity::getThreadId());
+    LgLogState::startReader(sessionNumber);
+    return producer;
+}
 
 LgProducer::LgProducer(bool isForOneMessage) noexcept
     : _isForOneMessage(isForOneMessage)
     , _sessionNumber(0)
     , _thread(0)
-    , _depth(0)
 {
 }
 
+/// Leaves the session for another one, where the thread has logged nothing yet.
 void LgProducer::join(std::uint32_t sessionNumber, unsigned long thread)
 {
-    end();
+    leave();
     _sessionNumber = sessionNumber;
     _thread = thread;
-    _depth = 0;
 }
 
 LgSpanRing* LgProducer::getRing() noexcept
@@ -85,9 +156,9 @@ LgSpanRing* LgProducer::getRing() noexcept
 }
 
 /// Fatal and internal errors make room for themselves in any mode.
-LgStream* LgProducer::open(const char* group, LgTypes::Level level) noexcept
+LgQueue* LgProducer::open(std::uint16_t group, LgTypes::Level level) noexcept
 {
-    LgQueue* queue = _depth < maxDepth ? getQueue(_depth) : nullptr;
+    LgQueue* queue = findFreeQueue();
     if (queue == nullptr)
     {
         LgLogState::countLost(1);
@@ -97,29 +168,23 @@ LgStream* LgProducer::open(const char* group, LgTypes::Level level) noexcept
         waitForRoom(*queue);
     else
         queue->waitForSpace(1);
-    if (!queue->reserveEntry(level))
-        return nullptr;
-    ++_depth;
-    LgRecordGroup::write(queue->getStream(), group);
-    return &queue->getStream();
+    return queue->reserveGroupEntry(level, group) ? queue : nullptr;
 }
 
-/// There is no message left to complete if the thread has joined another session meanwhile.
-bool LgProducer::close()
+void LgProducer::endIfDone() noexcept
 {
-    if (_depth != 0)
-        _queues[--_depth]->addEntry();
-    return _isForOneMessage && _depth == 0;
+    if (producer != nullptr && producer->_isForOneMessage && !producer->_queues[0]->isReserved())
+        end();
 }
 
-void LgProducer::end()
+void LgProducer::leave() noexcept
 {
-    for (std::shared_ptr<LgQueue>& queue : _queues)
-    {
+    LgThread::get().queue = nullptr;
+    LgThreadSlot::set(nullptr);
+    for (const std::shared_ptr<LgQueue>& queue : _queues)
         if (queue != nullptr)
             queue->creatorExit();
-        queue.reset();
-    }
+    _formerQueues = std::move(_queues);
     if (_ring != nullptr)
         _ring->end();
     _ring.reset();
@@ -134,6 +199,8 @@ LgQueue* LgProducer::getQueue(std::size_t depth) noexcept
         std::shared_ptr<LgQueue> queue = makeQueue();
         if (LgLogState::addQueue(_sessionNumber, queue))
             _queues[depth] = std::move(queue);
+        if (depth == 0)
+            showQueue();
     }
     catch (const std::bad_alloc&)
     {
@@ -141,9 +208,33 @@ LgQueue* LgProducer::getQueue(std::size_t depth) noexcept
     return _queues[depth].get();
 }
 
+/// From now on the thread's statements go into the queue without asking the producer, unless that
+/// is for one message.
+void LgProducer::showQueue() noexcept
+{
+    _target = {_queues[0].get(), _sessionNumber};
+    LgThread::get().queue = _target.queue;
+    if (_target.queue != nullptr && !_isForOneMessage)
+        LgThreadSlot::set(&_target);
+}
+
+/// The first one into which no message is being written.
+LgQueue* LgProducer::findFreeQueue() noexcept
+{
+    for (std::size_t depth = 0; depth < _queues.size(); ++depth)
+    {
+        LgQueue* queue = getQueue(depth);
+        if (queue == nullptr || !queue->isReserved())
+            return queue;
+    }
+    return nullptr;
+}
+
 std::shared_ptr<LgQueue> LgProducer::makeQueue() const
 {
     std::shared_ptr<LgQueue> queue(new LgQueue(_thread), discardQueue);
+    queue->setLabel(ThreadLabel::ofCaller());
+    queue->setHalfFullHandler(LgLogState::wakeReader);
     if (LgLogState::isBlocking())
         queue->changeObserver(ObjPtr<LgQueue::Observer>(new BlockingObserver));
     return queue;

@@ -5,6 +5,7 @@
 /// logs; from then on nothing is locked or allocated.
 
 #include <base/internal/log/lgSpanRing.h>
+#include <base/internal/log/lgThread.h>
 #include <base/lgQueue.h>
 #include <base/lgTypes.h>
 
@@ -18,44 +19,50 @@ namespace Kr
 class LgProducer
 {
 public:
-    /// @param isForOneMessage its thread is about to end
-    explicit LgProducer(bool isForOneMessage) noexcept;
+    /// The calling thread's producer, made at the first call; null while the logger is not up and
+    /// inside the logger's own output.
+    static LgProducer* get() noexcept;
 
-    /// Leaves the session for another one, where the thread has logged nothing yet.
-    /// @param sessionNumber see `LgLogState`
-    /// @param thread the number under which the thread's records appear
-    void join(std::uint32_t sessionNumber, unsigned long thread);
-    std::uint32_t getSessionNumber() const { return _sessionNumber; }
+    /// The same, but null when the thread's own producer has ended: what thread-local objects log
+    /// after that has a producer for each message.
+    static LgProducer* getLasting() noexcept;
+
+    /// Lets go of the calling thread's producer: what it has logged stays for the reader.
+    static void end() noexcept;
 
     /// Null if the session has ended or memory is short.
     LgQueue* getQueue() noexcept { return getQueue(0); }
     LgSpanRing* getRing() noexcept;
 
-    /// The queue if there is one already.
-    LgQueue* findQueue() noexcept { return _queues[0].get(); }
+    /// Begins a message, which the returned queue takes; null if it is dropped.
+    /// @param group its number, see `LgMinorGroup`
+    LgQueue* open(std::uint16_t group, LgTypes::Level level) noexcept;
 
-    /// Begins a message; null if it is dropped.
-    LgStream* open(const char* group, LgTypes::Level level) noexcept;
-
-    /// Completes the message that was begun last. Returns whether the producer has done its work.
-    bool close();
-
-    /// The thread ends: what it has logged stays for the reader.
-    void end();
+    /// To be called when a message is complete: lets go of a producer for one message.
+    static void endIfDone() noexcept;
 
 private:
     // A message that is logged while the values of another one are computed goes into a queue of
     // its own, or the two texts would mix.
-    static constexpr std::size_t maxDepth = 4;
+    using Queues = std::array<std::shared_ptr<LgQueue>, 4>;
 
+    explicit LgProducer(bool isForOneMessage) noexcept;
+    ~LgProducer() { leave(); }
+
+    static LgProducer* joinCaller(std::uint32_t sessionNumber) noexcept;
+    void join(std::uint32_t sessionNumber, unsigned long thread);
+    void leave() noexcept;
     LgQueue* getQueue(std::size_t depth) noexcept;
+    LgQueue* findFreeQueue() noexcept;
+    void showQueue() noexcept;
     std::shared_ptr<LgQueue> makeQueue() const;
 
-    const bool _isForOneMessage;
+    const bool _isForOneMessage; // its thread is about to end
     std::uint32_t _sessionNumber;
-    unsigned long _thread;
-    std::size_t _depth;
-    std::array<std::shared_ptr<LgQueue>, maxDepth> _queues;
+    unsigned long _thread; // the number under which its records appear
+    Queues _queues;
+    LgTarget _target;
+    Queues _formerQueues; // of the session that was left: a message may be on its way there
     std::shared_ptr<LgSpanRing> _ring;
 };
 

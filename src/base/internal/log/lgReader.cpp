@@ -1,7 +1,8 @@
 #include <base/internal/log/lgReader.h>
 
 #include <base/hwCounter.h>
-#include <base/internal/log/lgRecordGroup.h>
+#include <base/internal/errors/threadLabel.h>
+#include <base/internal/log/lgGroupNames.h>
 
 #include <algorithm>
 #include <cassert>
@@ -18,16 +19,18 @@ constexpr std::size_t BufSize = 32768; // the stream's
 
 } // namespace
 
-LgReader::LgReader(LgRegistry& registry)
-    : _registry(registry)
+LgReader::LgReader(LgRegistry& queues, LgOutputs& outputs)
+    : _queues(queues)
+    , _outputs(outputs)
     , _buffer(new char[BufSize])
     , _overflowed(0)
+    , _cut(0)
 {
 }
 
 bool LgReader::eventsPending()
 {
-    for (const std::shared_ptr<LgQueue>& queue : _registry.getQueues())
+    for (const std::shared_ptr<LgQueue>& queue : _queues.getQueues())
         if (!queue->isEmpty())
             return true;
     return false;
@@ -36,7 +39,7 @@ bool LgReader::eventsPending()
 bool LgReader::flushEarliest()
 {
     _heads.clear();
-    for (const std::shared_ptr<LgQueue>& queue : _registry.getQueues())
+    for (const std::shared_ptr<LgQueue>& queue : _queues.getQueues())
         addHead(queue.get(), ~0ULL);
     if (_heads.empty())
         return false;
@@ -49,7 +52,7 @@ std::size_t LgReader::flushAll()
 {
     const unsigned long long until = HwCounter::timeStamp();
     _heads.clear();
-    for (const std::shared_ptr<LgQueue>& queue : _registry.getQueues())
+    for (const std::shared_ptr<LgQueue>& queue : _queues.getQueues())
         addHead(queue.get(), until);
     std::size_t count = 0;
     while (!_heads.empty())
@@ -61,7 +64,7 @@ std::size_t LgReader::flushAll()
         addHead(queue, until);
         ++count;
     }
-    _registry.dropFinishedQueues();
+    _queues.dropFinishedQueues();
     return count;
 }
 
@@ -76,8 +79,13 @@ void LgReader::addHead(LgQueue* queue, unsigned long long until)
 /// The entry goes before anything that may throw: text and entry are read together or not at all.
 void LgReader::flushEvent(LgQueue* queue)
 {
-    const LgRecord record =
+    LgRecord record =
         queue->readEntry().isOverflowEntry() ? readOverflow(queue) : readRecord(queue);
+    if (queue->getLabel() != nullptr)
+    {
+        queue->getLabel()->copyTo(_threadName);
+        record.threadName = _threadName;
+    }
     queue->removeEntry();
     write(record);
 }
@@ -85,12 +93,20 @@ void LgReader::flushEvent(LgQueue* queue)
 LgRecord LgReader::readRecord(LgQueue* q)
 {
     const LgQueue::Entry& entry = q->readEntry();
+    const std::string_view group = getGroupName(entry.getGroup());
     assert(q->getStream().getNextSize() < BufSize);
     q->getStream() >> _buffer.get();
-    LgRecord record = {
-        entry.getLevel(), entry.getTimeStamp(), q->getThreadId(), {}, _buffer.get(), 0};
-    LgRecordGroup::split(record.text, record.group);
-    return record;
+    _cut.fetch_add(entry.isCut() ? 1 : 0, std::memory_order_relaxed);
+    return {entry.getLevel(), entry.getTimeStamp(), q->getThreadId(), group, _buffer.get(), 0,
+            entry.isCut()};
+}
+
+std::string_view LgReader::getGroupName(std::uint16_t number)
+{
+    while (number >= _groupNames.size())
+        _groupNames.push_back(
+            LgGroupNames::getName(static_cast<std::uint16_t>(_groupNames.size())));
+    return _groupNames[number];
 }
 
 LgRecord LgReader::readOverflow(const LgQueue* queue)
@@ -108,8 +124,7 @@ void LgReader::write(const LgRecord& record)
 {
     if (_watcher)
         _watcher(record);
-    if (LgOutput* output = _registry.getOutput(record.level))
-        output->write(record);
+    _outputs.write(record);
 }
 
 } // namespace Kr

@@ -28,40 +28,4 @@ void LgRegistry::dropFinishedQueues()
     _queues.erase(std::remove_if(_queues.begin(), _queues.end(), isFinished), _queues.end());
 }
 
-void LgRegistry::setOutput(LgTypes::Level level, std::shared_ptr<LgOutput> output)
-{
-    _outputs[level] = std::move(output);
-    _distinctOutputs.clear();
-    for (const std::shared_ptr<LgOutput>& each : _outputs)
-        if (each != nullptr && std::find(_distinctOutputs.begin(), _distinctOutputs.end(),
-                                         each.get()) == _distinctOutputs.end())
-            _distinctOutputs.push_back(each.get());
-}
-
-void LgRegistry::flushOutputs(bool now)
-{
-    for (LgOutput* output : _distinctOutputs)
-        output->flush(now);
-}
-
-void LgRegistry::syncOutputs()
-{
-    for (LgOutput* output : _distinctOutputs)
-        output->sync();
-}
-
-void LgRegistry::closeOutputs()
-{
-    for (LgOutput* output : _distinctOutputs)
-        output->close();
-}
-
-std::uint64_t LgRegistry::getLostCount() const
-{
-    std::uint64_t count = 0;
-    for (const LgOutput* output : _distinctOutputs)
-        count += output->getLostCount();
-    return count;
-}
-
 } // namespace Kr

@@ -1,19 +1,19 @@
 #pragma once
 
 /// @file
-/// Internal to the library: everything that exists between the logger's start and its stop.
+/// Internal to the library: everything that exists between the logger's start and its stop: the
+/// queues, the reader that drains them, and where it takes the messages.
 
+#include <base/internal/log/lgClock.h>
 #include <base/internal/log/lgLineFormat.h>
+#include <base/internal/log/lgOutputs.h>
 #include <base/internal/log/lgReader.h>
 #include <base/internal/log/lgRegistry.h>
 #include <base/internal/log/lgSettings.h>
 #include <base/internal/log/lgTimelineFile.h>
 
-#include <condition_variable>
 #include <cstdint>
 #include <memory>
-#include <mutex>
-#include <thread>
 
 namespace Kr
 {
@@ -36,33 +36,28 @@ public:
     ~LgSession();
 
     const LgSettings& getSettings() const { return _settings; }
-    LgRegistry& getRegistry() { return _registry; }
+    LgRegistry& getRegistry() { return _queues; }
     LgTimelineFile* getTimeline() { return _timeline.get(); }
 
     /// Returns how many events there were. One thread at a time.
     std::size_t drain(LgDrain how);
 
     /// Writes the rest of it.
-    void close() { _registry.closeOutputs(); }
+    void close() { _outputs.close(); }
 
     /// Messages that overflow entries or outputs report as lost.
     std::uint64_t getLostCount() const;
 
-    /// Starts the thread that calls `drainAll` now and then, if it does not run yet.
-    void startReader(std::size_t (*drainAll)());
-
-    /// Returns when the thread has ended.
-    void stopReader();
+    /// Messages of which a part is missing.
+    std::uint64_t getCutCount() const { return _reader.getCutCount(); }
 
     /// Makes the session that goes on in a forked process: the same settings, files of its own, and
     /// no timeline, which stays the parent's.
     static LgSession* forFork(LgSession* parent);
 
 private:
-    std::shared_ptr<LgOutput> makeOutput(const LgDestination& destination);
-    void openOutputs();
     void openTimeline();
-    void run(std::size_t (*drainAll)());
+    void show(const LgRecord& record);
 
     // The parent's session is kept as it was when the process forked; nothing of it can be closed
     // without harm to the parent.
@@ -70,15 +65,11 @@ private:
 
     const LgSettings _settings;
     const LgClock _clock;
-    LgLineFormat _format;
-    LgRegistry _registry;
+    const std::unique_ptr<LgLineFormat> _format;
+    LgRegistry _queues;
+    LgOutputs _outputs;
     LgReader _reader;
     std::unique_ptr<LgTimelineFile> _timeline;
-
-    std::thread _thread;
-    std::mutex _stopMutex;
-    std::condition_variable _stopChanged;
-    bool _isStopping;
 };
 
 } // namespace Kr

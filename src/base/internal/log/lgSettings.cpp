@@ -1,7 +1,8 @@
 #include <base/internal/log/lgSettings.h>
 
-#include <base/internal/log/lgProcess.h>
+#include <base/internal/errors/processIdentity.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <filesystem>
@@ -46,12 +47,19 @@ constexpr Word<LgDestination::Kind> destinationWords[] = {{"file", LgDestination
                                                           {"stderr", LgDestination::standardError},
                                                           {"none", LgDestination::none}};
 
+bool isSameLetter(char left, char right)
+{
+    const auto toSmall = [](char c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c; };
+    return toSmall(left) == toSmall(right);
+}
+
 template <class Value, std::size_t Count>
 bool parseWord(const Word<Value> (&words)[Count], std::string_view text, Value& value)
 {
     for (const Word<Value>& word : words)
     {
-        if (text != word.text)
+        const std::string_view name = word.text;
+        if (!std::equal(text.begin(), text.end(), name.begin(), name.end(), isSameLetter))
             continue;
         value = word.value;
         return true;
@@ -88,6 +96,19 @@ bool parseKeptFiles(std::string_view text, int& value)
     return true;
 }
 
+/// From the root on and in one spelling, wherever the program goes meanwhile.
+std::string fromRoot(std::string text)
+{
+    std::replace(text.begin(), text.end(), '\\', '/');
+    std::filesystem::path path(text);
+    // A drive that the system does not know is left to the file layer, which does.
+    const bool hasForeignDrive = text.find(':') == 1 && !path.has_root_name();
+    std::error_code error;
+    if (!hasForeignDrive)
+        path = std::filesystem::absolute(path, error);
+    return error ? text : path.lexically_normal().make_preferred().string();
+}
+
 bool isAbsolute(std::string_view path)
 {
     return path.find_first_of("/\\") == 0 || path.find(':') == 1;
@@ -96,7 +117,7 @@ bool isAbsolute(std::string_view path)
 /// Puts the process's number in the place of every "%p".
 std::string expand(std::string text)
 {
-    const std::string number = std::to_string(LgProcess::getProcessId());
+    const std::string number = std::to_string(ProcessIdentity::getProcessId());
     for (std::size_t at = text.find("%p"); at != text.npos; at = text.find("%p", at))
         text.replace(at, 2, number);
     return text;
@@ -104,7 +125,7 @@ std::string expand(std::string text)
 
 std::string inDirectory(const std::string& directory, const char* path)
 {
-    return isAbsolute(path) ? expand(path) : directory + '/' + expand(path);
+    return fromRoot(isAbsolute(path) ? expand(path) : directory + '/' + expand(path));
 }
 
 /// A folder of the user's own among the temporary files, so that nothing appears in the working
@@ -164,7 +185,8 @@ private:
         const char* directory = getValue("KR_LOG_DIR");
         if (directory == nullptr)
             directory = getValue("R4P_TEST_DIR");
-        _settings.directory = directory != nullptr ? expand(directory) : defaultDirectory(_lookup);
+        _settings.directory =
+            fromRoot(directory != nullptr ? expand(directory) : defaultDirectory(_lookup));
     }
 
     template <class Value, std::size_t Count>

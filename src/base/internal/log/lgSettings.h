@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// Internal to the library: what the logger's environment variables say about its output;
-/// docs/log-files.md lists them.
+/// Internal to the library: what the logger's settings say about its output; docs/log-files.md
+/// lists them.
 
 #include <base/lgTypes.h>
 
@@ -30,13 +30,14 @@ struct LgDestination
 
 struct LgSettings
 {
-    /// The value of a variable, null if it is not set.
+    /// The text of a setting under the name of its environment variable, null if it is not given.
     using Lookup = const char* (*)(const char* name);
 
-    /// Reads all variables. A bad value is reported in a line on `report` and skipped.
+    /// Reads all settings. A bad value is reported in a line on `report` and skipped. Paths are
+    /// made absolute, and in one spelling.
     static LgSettings read(Lookup lookup, std::ostream& report);
 
-    std::string directory;
+    std::string directory;                                       ///< absolute
     std::array<LgDestination, LgTypes::NUM_LEVELS> destinations; ///< by level
     std::string timelinePath;                                    ///< empty: no timeline
     std::uint64_t maxFileSize = 0;                               ///< in bytes; 0: no limit

@@ -4,10 +4,13 @@
 /// Internal to the library: the spans of one thread that wait to be written. One producer, one
 /// consumer, no lock.
 
+#include <base/internal/errors/threadLabel.h>
+
 #include <array>
 #include <atomic>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 
 namespace Kr
 {
@@ -22,12 +25,15 @@ public:
         char name[48];
     };
 
+    /// Made by the producer.
     explicit LgSpanRing(unsigned long thread)
         : _thread(thread)
+        , _label(ThreadLabel::ofCaller())
     {
     }
 
     unsigned long getThread() const { return _thread; }
+    const ThreadLabel& getLabel() const { return *_label; }
 
     /// For the producer. A span that finds no room is counted.
     void add(const char* name, unsigned long long start, unsigned long long end) noexcept
@@ -69,6 +75,7 @@ private:
     static constexpr std::uint32_t size = 4096;
 
     const unsigned long _thread;
+    const std::shared_ptr<const ThreadLabel> _label;
     std::atomic<std::uint32_t> _begin{0};
     std::atomic<std::uint32_t> _end{0};
     std::atomic<std::uint32_t> _lost{0};

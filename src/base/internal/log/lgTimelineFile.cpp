@@ -1,7 +1,8 @@
 #include <base/internal/log/lgTimelineFile.h>
 
 #include <base/hwCounter.h>
-#include <base/internal/log/lgProcess.h>
+#include <base/internal/errors/processIdentity.h>
+#include <base/internal/log/lgJson.h>
 #include <base/lgTimeline.h>
 
 #include <algorithm>
@@ -17,16 +18,16 @@ constexpr std::size_t batchSize = 64 * 1024;
 
 } // namespace
 
-LgTimelineFile::LgTimelineFile(std::unique_ptr<LgFile> file, const std::string& name,
+LgTimelineFile::LgTimelineFile(std::unique_ptr<LgFile> file, const std::string& path,
                                const LgClock& clock)
     : _file(std::move(file))
-    , _name(name)
+    , _path(path)
     , _clock(clock)
-    , _process(std::to_string(LgProcess::getProcessId()))
+    , _process(std::to_string(ProcessIdentity::getProcessId()))
     , _isStarted(false)
     , _hasComplained(false)
 {
-    addThreadName(0);
+    addThreadName(0, "main");
 }
 
 LgTimelineFile::~LgTimelineFile()
@@ -45,16 +46,17 @@ void LgTimelineFile::addRing(std::shared_ptr<LgSpanRing> ring)
 
 void LgTimelineFile::addMessage(const LgRecord& record)
 {
+    showThreadName(record.thread, record.threadName);
     beginEvent("i", record.thread);
     appendTime("ts", _clock.getElapsed(record.timeStamp));
     _waiting += ",\"s\":\"t\",\"cat\":\"";
     _waiting += LgTypes::getLevelName(record.level);
     _waiting += "\",\"name\":";
-    LgLineFormat::appendJson(_waiting, record.text);
+    LgJson::appendString(_waiting, record.text);
     if (!record.group.empty())
     {
         _waiting += ",\"args\":{\"group\":";
-        LgLineFormat::appendJson(_waiting, record.group);
+        LgJson::appendString(_waiting, record.group);
         _waiting += '}';
     }
     _waiting += '}';
@@ -88,7 +90,7 @@ void LgTimelineFile::flush()
     else if (!_hasComplained)
     {
         _hasComplained = true;
-        std::fprintf(stderr, "The timeline cannot be written to %s: %s\n", _name.c_str(),
+        std::fprintf(stderr, "The timeline cannot be written to %s: %s\n", _path.c_str(),
                      _file->getProblem().c_str());
     }
     _waiting.clear();
@@ -121,18 +123,30 @@ void LgTimelineFile::addSpan(const LgSpanRing& ring, const LgSpanRing::Span& spa
     appendTime("ts", start);
     appendTime("dur", _clock.getElapsed(span.end) - start);
     _waiting += ",\"name\":";
-    LgLineFormat::appendJson(_waiting, span.name);
+    LgJson::appendString(_waiting, span.name);
     _waiting += '}';
     if (_waiting.size() >= batchSize)
         flush();
 }
 
-void LgTimelineFile::addThreadName(unsigned long thread)
+void LgTimelineFile::addThreadName(unsigned long thread, std::string_view name)
 {
     beginEvent("M", thread);
-    _waiting += ",\"name\":\"thread_name\",\"args\":{\"name\":\"";
-    _waiting += thread == 0 ? "main" : "thread " + std::to_string(thread);
-    _waiting += "\"}}";
+    _waiting += ",\"name\":\"thread_name\",\"args\":{\"name\":";
+    LgJson::appendString(_waiting, name);
+    _waiting += "}}";
+}
+
+/// Each time that a thread has got another name.
+void LgTimelineFile::showThreadName(unsigned long thread, std::string_view name)
+{
+    if (name.empty())
+        return;
+    std::string& shown = _shownNames[thread];
+    if (shown == name)
+        return;
+    shown = name;
+    addThreadName(thread, name);
 }
 
 void LgTimelineFile::askForCounters()
@@ -152,7 +166,7 @@ void LgTimelineFile::addCounter(void* timeline, const char* name, double value)
     self.beginEvent("C", 0);
     self.appendTime("ts", self._clock.getElapsed(HwCounter::timeStamp()));
     self._waiting += ",\"name\":";
-    LgLineFormat::appendJson(self._waiting, name);
+    LgJson::appendString(self._waiting, name);
     char text[64];
     std::snprintf(text, sizeof text, ",\"args\":{\"value\":%.17g}}", value);
     self._waiting += text;
@@ -163,8 +177,9 @@ void LgTimelineFile::takeNewRings()
     const std::lock_guard<std::mutex> lock(_mutex);
     for (std::shared_ptr<LgSpanRing>& ring : _newRings)
     {
-        if (ring->getThread() != 0)
-            addThreadName(ring->getThread());
+        const bool isNew = _shownNames.find(ring->getThread()) == _shownNames.end();
+        if (ring->getThread() != 0 && isNew)
+            showThreadName(ring->getThread(), "thread " + std::to_string(ring->getThread()));
         _rings.push_back(std::move(ring));
     }
     _newRings.clear();
@@ -172,6 +187,8 @@ void LgTimelineFile::takeNewRings()
 
 void LgTimelineFile::drainRing(LgSpanRing& ring)
 {
+    ring.getLabel().copyTo(_threadName);
+    showThreadName(ring.getThread(), _threadName);
     ring.drain([&](const LgSpanRing::Span& span) { addSpan(ring, span); });
     if (const std::uint32_t lost = ring.takeLost())
     {

@@ -4,14 +4,16 @@
 /// Internal to the library: writes the timeline, the spans of all threads and the messages of the
 /// log, as trace events.
 
+#include <base/internal/log/lgClock.h>
 #include <base/internal/log/lgFile.h>
-#include <base/internal/log/lgLineFormat.h>
+#include <base/internal/log/lgRecord.h>
 #include <base/internal/log/lgSpanRing.h>
 
 #include <map>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Kr
@@ -20,7 +22,7 @@ namespace Kr
 class LgTimelineFile
 {
 public:
-    LgTimelineFile(std::unique_ptr<LgFile> file, const std::string& name, const LgClock& clock);
+    LgTimelineFile(std::unique_ptr<LgFile> file, const std::string& path, const LgClock& clock);
     LgTimelineFile(const LgTimelineFile&) = delete;
     LgTimelineFile& operator=(const LgTimelineFile&) = delete;
 
@@ -39,16 +41,19 @@ private:
     void beginEvent(const char* phase, unsigned long thread);
     void appendTime(const char* key, std::int64_t nanoseconds);
     void addSpan(const LgSpanRing& ring, const LgSpanRing::Span& span);
-    void addThreadName(unsigned long thread);
+    void addThreadName(unsigned long thread, std::string_view name);
+    void showThreadName(unsigned long thread, std::string_view name);
     static void addCounter(void* timeline, const char* name, double value);
     void askForCounters();
     void takeNewRings();
     void drainRing(LgSpanRing& ring);
 
     const std::unique_ptr<LgFile> _file;
-    const std::string _name;
+    const std::string _path;
     const LgClock& _clock;
     const std::string _process;
+    std::map<unsigned long, std::string> _shownNames; ///< by thread
+    std::string _threadName;
     std::map<std::string, double> _counters; ///< as they were written last
     std::string _waiting;
     bool _isStarted;

@@ -28,6 +28,18 @@ Unsigned128 multiply(std::uint64_t a, std::uint64_t b) noexcept
     return {highHigh + (highLow >> 32) + (middle >> 32), (middle << 32) | (lowLow & lowMask)};
 }
 
+int compare(const Unsigned128& a, const Unsigned128& b) noexcept
+{
+    if (a.high != b.high)
+        return a.high < b.high ? -1 : 1;
+    return a.low < b.low ? -1 : (a.low > b.low ? 1 : 0);
+}
+
+int getSign(std::int64_t value) noexcept
+{
+    return value < 0 ? -1 : (value > 0 ? 1 : 0);
+}
+
 struct Division
 {
     std::uint64_t quotient;
@@ -62,7 +74,34 @@ std::int64_t WideRatio::scaleWide(std::int64_t count) const noexcept
 
 WideRatio::Scaled WideRatio::scaleExactly(std::int64_t count) const noexcept
 {
-    const bool isNegative = (count < 0) != ((_numerator < 0) != (_denominator < 0));
+    if (_denominator > 0 && canSplit())
+        return scaleSplit(count);
+    const WideRatio reduced = getReduced();
+    return reduced.canSplit() ? reduced.scaleSplit(count) : reduced.scaleIn128Bits(count);
+}
+
+/// Whether a remainder of the denominator times the numerator fits in 64 bits.
+bool WideRatio::canSplit() const noexcept
+{
+    std::int64_t product = 0;
+    return !__builtin_mul_overflow(_numerator, _denominator, &product);
+}
+
+/// Whole multiples of the denominator first, then what is left: both have the sign of the result,
+/// so truncating the second truncates the sum.
+WideRatio::Scaled WideRatio::scaleSplit(std::int64_t count) const noexcept
+{
+    const std::int64_t rest = count % _denominator * _numerator;
+    Scaled scaled{0, rest % _denominator == 0, false};
+    std::int64_t whole = 0;
+    scaled.fits = !__builtin_mul_overflow(count / _denominator, _numerator, &whole) &&
+                  !__builtin_add_overflow(whole, rest / _denominator, &scaled.quotient);
+    return scaled;
+}
+
+WideRatio::Scaled WideRatio::scaleIn128Bits(std::int64_t count) const noexcept
+{
+    const bool isNegative = (count < 0) != (_numerator < 0);
     const std::uint64_t divisor = TwosComplement::magnitude(_denominator);
     const Unsigned128 product =
         multiply(TwosComplement::magnitude(count), TwosComplement::magnitude(_numerator));
@@ -78,12 +117,32 @@ WideRatio::Scaled WideRatio::scaleExactly(std::int64_t count) const noexcept
     return {quotient, division.remainder == 0, division.quotient <= limit + (isNegative ? 1 : 0)};
 }
 
-std::int64_t WideRatio::scaleWrapping(std::int64_t count) const noexcept
+/// In lowest terms with a positive denominator, as a `Rational` is.
+WideRatio WideRatio::getReduced() const noexcept
 {
     const std::int64_t common = std::gcd(_numerator, _denominator);
-    const std::int64_t divisor = _denominator < 0 ? -common : common; // as a Rational is reduced
-    return TwosComplement::divide(TwosComplement::multiply(count, _numerator / divisor),
-                                  _denominator / divisor);
+    const std::int64_t divisor = _denominator < 0 ? -common : common;
+    return WideRatio(_numerator / divisor, _denominator / divisor);
+}
+
+std::int64_t WideRatio::scaleWrapping(std::int64_t count) const noexcept
+{
+    const WideRatio reduced = getReduced();
+    return TwosComplement::divide(TwosComplement::multiply(count, reduced._numerator),
+                                  reduced._denominator);
+}
+
+int WideRatio::compareProducts(std::int64_t a, std::int64_t b, std::int64_t c,
+                               std::int64_t d) noexcept
+{
+    const int left = getSign(a) * getSign(b);
+    const int right = getSign(c) * getSign(d);
+    if (left != right)
+        return left < right ? -1 : 1;
+    const int order = compare(
+        multiply(TwosComplement::magnitude(a), TwosComplement::magnitude(b)),
+        multiply(TwosComplement::magnitude(c), TwosComplement::magnitude(d)));
+    return left < 0 ? -order : order;
 }
 
 } // namespace Kr

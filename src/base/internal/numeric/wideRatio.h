@@ -38,9 +38,17 @@ public:
     /// The same, saying what happened.
     Scaled scaleExactly(std::int64_t count) const noexcept;
 
+    /// The sign of a * b - c * d, computed in 128 bits.
+    static int compareProducts(std::int64_t a, std::int64_t b, std::int64_t c,
+                               std::int64_t d) noexcept;
+
 private:
     std::int64_t scaleWide(std::int64_t count) const noexcept;
     std::int64_t scaleWrapping(std::int64_t count) const noexcept;
+    bool canSplit() const noexcept;
+    Scaled scaleSplit(std::int64_t count) const noexcept;
+    Scaled scaleIn128Bits(std::int64_t count) const noexcept;
+    WideRatio getReduced() const noexcept;
 
     std::int64_t _numerator;
     std::int64_t _denominator;

@@ -1,0 +1,35 @@
+#pragma once
+
+/// @file
+/// Internal to the library: the name of a thread as other threads see it, also when the thread has
+/// ended.
+
+#include <base/threadName.h>
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace Kr
+{
+
+class ThreadLabel
+{
+public:
+    /// That of the calling thread; it follows what the thread is called from then on. A thread that
+    /// is ending gets one of its own each time.
+    static std::shared_ptr<ThreadLabel> ofCaller();
+
+    void set(const char* name);
+
+    /// Writes the name into the text, which is emptied if there is none.
+    void copyTo(std::string& text) const;
+
+private:
+    mutable std::mutex _mutex;
+    std::atomic<bool> _isNamed{false};
+    char _name[ThreadName::size] = "";
+};
+
+} // namespace Kr

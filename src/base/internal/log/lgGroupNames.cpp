@@ -1,0 +1,57 @@
+#include <base/internal/log/lgGroupNames.h>
+
+#include <deque>
+#include <limits>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+
+namespace Kr
+{
+
+namespace
+{
+
+constexpr std::uint16_t lastNumber = std::numeric_limits<std::uint16_t>::max();
+
+/// Never destroyed: threads may log while the process ends.
+struct Names
+{
+    std::mutex mutex;
+    std::deque<std::string> texts = {""}; // by number; what is in it stays where it is
+    std::unordered_map<std::string_view, std::uint16_t> numbers;
+};
+
+Names& names()
+{
+    static Names& instance = *new Names;
+    return instance;
+}
+
+} // namespace
+
+std::mutex& LgGroupNames::getMutex()
+{
+    return names().mutex;
+}
+
+std::uint16_t LgGroupNames::getNumber(const char* name)
+{
+    const std::lock_guard<std::mutex> lock(names().mutex);
+    const auto found = names().numbers.find(name);
+    if (found != names().numbers.end())
+        return found->second;
+    const std::size_t count = names().texts.size();
+    if (count == lastNumber)
+        return lastNumber;
+    const std::string& text = names().texts.emplace_back(name);
+    return names().numbers[text] = static_cast<std::uint16_t>(count);
+}
+
+std::string_view LgGroupNames::getName(std::uint16_t number)
+{
+    const std::lock_guard<std::mutex> lock(names().mutex);
+    return number == lastNumber ? "(other)" : std::string_view(names().texts.at(number));
+}
+
+} // namespace Kr

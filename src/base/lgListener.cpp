@@ -1,0 +1,81 @@
+#include <base/lgListener.h>
+
+#include <base/internal/log/lgListeners.h>
+
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+#include <vector>
+
+namespace Kr
+{
+
+namespace
+{
+
+/// Never destroyed: messages may come while the process ends.
+struct State
+{
+    std::recursive_mutex mutex; // a function may end or make listeners
+    std::vector<LgListener*> listeners;
+    std::atomic<std::size_t> count{0};
+};
+
+State& state()
+{
+    static State& instance = *new State;
+    return instance;
+}
+
+} // namespace
+
+LgListener::LgListener(Function function)
+    : _function(std::move(function))
+{
+    LgListeners::add(*this);
+}
+
+LgListener::~LgListener()
+{
+    LgListeners::remove(*this);
+}
+
+bool LgListeners::isEmpty() noexcept
+{
+    return state().count.load(std::memory_order_relaxed) == 0;
+}
+
+/// By position, since the functions may change the list. The function is copied, since it may end
+/// the listener that holds it.
+void LgListeners::notify(const LgMessage& message) noexcept
+{
+    const std::lock_guard<std::recursive_mutex> lock(state().mutex);
+    for (std::size_t i = 0; i < state().listeners.size(); ++i)
+        try
+        {
+            const LgListener::Function function = state().listeners[i]->_function;
+            function(message);
+        }
+        catch (...)
+        {
+            // Whatever is wrong there must not keep the messages from their files.
+            continue;
+        }
+}
+
+void LgListeners::add(LgListener& listener)
+{
+    const std::lock_guard<std::recursive_mutex> lock(state().mutex);
+    state().listeners.push_back(&listener);
+    state().count = state().listeners.size();
+}
+
+void LgListeners::remove(LgListener& listener) noexcept
+{
+    const std::lock_guard<std::recursive_mutex> lock(state().mutex);
+    auto& all = state().listeners;
+    all.erase(std::remove(all.begin(), all.end(), &listener), all.end());
+    state().count = all.size();
+}
+
+} // namespace Kr

@@ -1,0 +1,68 @@
+#pragma once
+
+/// @file
+/// Replaces a file as a whole: whoever opens it finds the old content or the new, never a part.
+/// @code
+/// Kr::OsSafeWriter writer("scene.txt");
+/// const std::string text = "camera 0 0 5\n";
+/// writer.write(text.data(), text.size());
+/// writer.commit();
+/// @endcode
+/// The content goes into a temporary file beside the target, which `commit` puts in the target's
+/// place in one step. Without a `commit` (an exception, the end of the program) the target stays as
+/// it was and the temporary file is removed; only a killed process leaves it behind.
+///
+/// Pitfalls: the target becomes a new file, so other hard links to the old one keep the old
+/// content. On Windows a file that somebody holds open cannot be replaced: `commit` tries again for
+/// as long as its patience lasts, a second unless set otherwise.
+
+#include <base/krBaseApi.h>
+#include <base/osFilePath.h>
+#include <base/osFileWriter.h>
+
+namespace Kr
+{
+
+class KR_BASE_API OsSafeWriter
+{
+public:
+    /// Opens the temporary file. Raises `OsFileEx::ExNullFilePath` for an empty path,
+    /// `OsFileEx::ExPathNotWritable` if the target is a directory or a read-only file, and
+    /// `ExSysErrorWindows` if no file can be made beside it.
+    explicit OsSafeWriter(const OsFilePath& target);
+    OsSafeWriter(const OsSafeWriter&) = delete;
+    OsSafeWriter& operator=(const OsSafeWriter&) = delete;
+    ~OsSafeWriter();
+
+    /// Writes all of it, or raises `ExSysErrorWindows`.
+    void write(const void* buffer, unsigned long count);
+
+    /// Puts the content, which is on the disk by then, in the target's place. When it raises
+    /// `ExSysErrorWindows`, the target is as it was and `commit` can be called again. Nothing can
+    /// be written after the first call; after a success every operation raises `ExSysErrorANSI`.
+    void commit();
+
+    const OsFilePath& getPath() const noexcept; ///< the target
+
+    /// For how long `commit` waits for others who hold the target, in seconds; returns the previous
+    /// value.
+    double setPatience(double seconds) noexcept;
+
+private:
+    enum class State
+    {
+        Open,
+        Complete, ///< closed, with everything in the temporary file
+        Committed
+    };
+
+    void checkState(State last) const;
+    bool replace() const;
+
+    OsFilePath _path;
+    double _patience;
+    State _state;
+    OsFileWriter _writer;
+};
+
+} // namespace Kr

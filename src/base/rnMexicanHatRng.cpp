@@ -1,0 +1,9 @@
+#include <base/rnMexicanHatRng.imp>
+
+namespace Kr
+{
+
+template class RnMexicanHatRng<float>;
+template class RnMexicanHatRng<double>;
+
+} // namespace Kr

@@ -1,0 +1,9 @@
+#include <base/rnSeparableBiRng.imp>
+
+namespace Kr
+{
+
+template class RnSeparableBiRng<float>;
+template class RnSeparableBiRng<double>;
+
+} // namespace Kr

@@ -1,0 +1,180 @@
+#include <platform/anyPath.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+namespace
+{
+
+/// Directories may be 12 characters shorter than files: room for a name of the old kind.
+constexpr std::size_t shortLimit = MAX_PATH - 12;
+
+bool isShort(const char* path)
+{
+    return std::strlen(path) < shortLimit;
+}
+
+std::wstring widen(const char* text)
+{
+    const int length = MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
+    std::wstring wide(static_cast<std::size_t>(std::max(length, 1)), L'\0');
+    MultiByteToWideChar(CP_ACP, 0, text, -1, wide.data(), length);
+    wide.pop_back();
+    return wide;
+}
+
+/// @param isExact receives whether every character has a narrow form; null if it does not matter
+std::string narrow(const wchar_t* text, bool* isExact = nullptr)
+{
+    BOOL replaced = 0;
+    const int length = WideCharToMultiByte(CP_ACP, 0, text, -1, nullptr, 0, nullptr, nullptr);
+    std::string result(static_cast<std::size_t>(std::max(length, 1)), '\0');
+    WideCharToMultiByte(CP_ACP, 0, text, -1, result.data(), length, nullptr, &replaced);
+    result.pop_back();
+    if (isExact != nullptr)
+        *isExact = replaced == 0;
+    return result;
+}
+
+/// The full path in its wide form, "" with the last error set if there is none.
+std::wstring wideFullPath(const char* path)
+{
+    const std::wstring wide = widen(path);
+    std::wstring full(GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr), L'\0');
+    const DWORD length =
+        GetFullPathNameW(wide.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
+    full.resize(std::min<std::size_t>(length, full.size()));
+    return full;
+}
+
+/// The form that the system takes as it is, however long.
+std::wstring longForm(const char* path)
+{
+    const std::wstring full = wideFullPath(path);
+    if (full.rfind(L"\\\\?\\", 0) == 0 || full.rfind(L"\\\\.\\", 0) == 0)
+        return full;
+    if (full.rfind(L"\\\\", 0) == 0)
+        return L"\\\\?\\UNC" + full.substr(1);
+    return L"\\\\?\\" + full;
+}
+
+void take(KrSearch& search)
+{
+    search.storage = narrow(search.data.cFileName);
+    search.name = search.storage.c_str();
+    search.attributes = search.data.dwFileAttributes;
+}
+
+} // namespace
+
+bool krFindFirst(const char* folder, KrSearch& search)
+{
+    std::wstring pattern = isShort(folder) ? widen(folder) : longForm(folder);
+    pattern += L"\\*";
+    search.handle = FindFirstFileExW(pattern.c_str(), FindExInfoBasic, &search.data,
+                                     FindExSearchNameMatch, nullptr, FIND_FIRST_EX_LARGE_FETCH);
+    if (search.handle == INVALID_HANDLE_VALUE)
+        return false;
+    take(search);
+    return true;
+}
+
+bool krFindNext(KrSearch& search)
+{
+    if (FindNextFileW(search.handle, &search.data) == 0)
+        return false;
+    take(search);
+    return true;
+}
+
+HANDLE krCreateFile(const char* path, DWORD access, DWORD share, DWORD disposition)
+{
+    return isShort(path) ? CreateFileA(path, access, share, nullptr, disposition,
+                                       FILE_ATTRIBUTE_NORMAL, nullptr)
+                         : CreateFileW(longForm(path).c_str(), access, share, nullptr, disposition,
+                                       FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+DWORD krGetAttributes(const char* path)
+{
+    return isShort(path) ? GetFileAttributesA(path) : GetFileAttributesW(longForm(path).c_str());
+}
+
+bool krSetAttributes(const char* path, DWORD attributes)
+{
+    return (isShort(path) ? SetFileAttributesA(path, attributes)
+                          : SetFileAttributesW(longForm(path).c_str(), attributes)) != 0;
+}
+
+bool krDescribe(const char* path, WIN32_FILE_ATTRIBUTE_DATA& data)
+{
+    return (isShort(path)
+                ? GetFileAttributesExA(path, GetFileExInfoStandard, &data)
+                : GetFileAttributesExW(longForm(path).c_str(), GetFileExInfoStandard, &data)) != 0;
+}
+
+bool krDeleteFile(const char* path)
+{
+    return (isShort(path) ? DeleteFileA(path) : DeleteFileW(longForm(path).c_str())) != 0;
+}
+
+bool krMoveFile(const char* from, const char* to, DWORD flags)
+{
+    return (isShort(from) && isShort(to)
+                ? MoveFileExA(from, to, flags)
+                : MoveFileExW(longForm(from).c_str(), longForm(to).c_str(), flags)) != 0;
+}
+
+bool krCreateDirectory(const char* path)
+{
+    return (isShort(path) ? CreateDirectoryA(path, nullptr)
+                          : CreateDirectoryW(longForm(path).c_str(), nullptr)) != 0;
+}
+
+bool krRemoveDirectory(const char* path)
+{
+    return (isShort(path) ? RemoveDirectoryA(path) : RemoveDirectoryW(longForm(path).c_str())) != 0;
+}
+
+bool krRename(const char* from, const char* to)
+{
+    if (isShort(from) && isShort(to))
+        return std::rename(from, to) == 0;
+    return krMoveFile(from, to, MOVEFILE_COPY_ALLOWED);
+}
+
+bool krGetFullPath(const char* path, std::string& full, std::size_t& lastElement)
+{
+    if (isShort(path))
+    {
+        char buffer[1024];
+        char* last = nullptr;
+        SetLastError(ERROR_SUCCESS);
+        const DWORD length = GetFullPathNameA(path, sizeof buffer, buffer, &last);
+        if (length == 0 && GetLastError() == ERROR_SUCCESS)
+            SetLastError(ERROR_INVALID_NAME); // some systems leave it at that for an empty path
+        if (length < sizeof buffer)
+        {
+            full.assign(buffer, length);
+            lastElement = last != nullptr ? static_cast<std::size_t>(last - buffer) : length;
+            return length != 0;
+        }
+    }
+    full = narrow(wideFullPath(path).c_str());
+    lastElement = full.rfind('\\') + 1;
+    return !full.empty();
+}
+
+std::filesystem::path krToStdPath(const char* path)
+{
+    return widen(path);
+}
+
+bool krFromStdPath(const std::filesystem::path& path, std::string& text)
+{
+    bool isExact = false;
+    text = narrow(path.c_str(), &isExact);
+    std::replace(text.begin(), text.end(), '/', '\\');
+    return isExact;
+}
