@@ -2,16 +2,19 @@
 
 /// @file
 /// What the check of the libraries of a process raises.
-/// @code
+/// @code{.cpp}
 /// #include <base/dbgBuildInfoMgr.h>
 ///
-/// try
+/// void check()
 /// {
-///     Kr::DbgBuildInfoMgr::getInstance().validate();
-/// }
-/// catch (const Kr::DbgBuildInfoEx::ExMismatch& error)
-/// {
-///     std::cerr << error.getReason() << '\n'; // one sentence
+///     try
+///     {
+///         Kr::DbgBuildInfoMgr::getInstance().validate();
+///     }
+///     catch (const Kr::DbgBuildInfoEx::ExMismatch& error)
+///     {
+///         std::cerr << error.getReason() << '\n'; // one sentence
+///     }
 /// }
 /// @endcode
 

@@ -2,7 +2,7 @@
 #include <base/hmLedger.h>
 #include <base/inInit.imp>
 #include <base/krInitPackages.h>
-#include <base/lgTimeline.h>
+#include <base/lgCounters.h>
 
 #include <string>
 
@@ -14,7 +14,7 @@ namespace
 {
 
 /// The ledger as curves of the timeline.
-void tellAccounts(Kr::LgTimeline::AddCounter add, void* timeline)
+void tellAccounts(Kr::LgCounters::Add add, void* timeline)
 {
     for (const Kr::HmLedger::Account& account : Kr::HmLedger::getAccounts())
         add(timeline, ("heap: " + account.package).c_str(), static_cast<double>(account.bytes));
@@ -25,12 +25,12 @@ void tellAccounts(Kr::LgTimeline::AddCounter add, void* timeline)
 void KrInit::heapMgr::start()
 {
     if (Kr::HmLedger::isActive())
-        Kr::LgTimeline::setCounterSource(&tellAccounts);
+        Kr::LgCounters::setSource(&tellAccounts);
     Kr::InSingleton<Kr::HmHeapMgr>::initialize(Kr::HmHeapMgr::create());
 }
 
 void KrInit::heapMgr::stop()
 {
-    Kr::LgTimeline::setCounterSource(nullptr);
+    Kr::LgCounters::setSource(nullptr);
     Kr::InSingleton<Kr::HmHeapMgr>::destroy();
 }

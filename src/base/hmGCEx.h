@@ -2,7 +2,7 @@
 
 /// @file
 /// What the leak collector raises.
-/// @code
+/// @code{.cpp}
 /// #include <base/hmGC.h>
 ///
 /// void check(Kr::HmGC& collector, void* block)

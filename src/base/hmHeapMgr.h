@@ -10,7 +10,7 @@
 /// @code
 /// Kr::HmHeapMgr& heap = Kr::HmHeapMgr::getInstance();
 /// heap.setCheckPoint(1);
-/// loadLibrary("effects");
+/// load();
 /// heap.setCheckPoint(2);
 /// heap.reportLeakage(1, 2); // what was allocated between the two and is still there
 /// std::cout << heap;

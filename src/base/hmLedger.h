@@ -6,11 +6,11 @@
 /// A program that includes `hmCheckedNew.h` has its blocks counted; without it the ledger is empty.
 /// What a package allocates while it starts and stops goes to its account. At other times a scope
 /// says whom the thread allocates for:
-/// @code
+/// @code{.cpp}
 /// void castShadows()
 /// {
 ///     const Kr::HmLedger::Scope scope("shadows");
-///     load(); // goes to the account of the package "shadows"
+///     new double[1000]; // goes to the account of the package "shadows"
 /// }
 /// void report()
 /// {

@@ -6,7 +6,6 @@ namespace Kr
 {
 
 std::atomic<bool> LgTimeline::_enabled{false};
-std::atomic<LgTimeline::CounterSource> LgTimeline::_counterSource{nullptr};
 
 void LgTimeline::addSpan(const char* name, unsigned long long start,
                          unsigned long long end) noexcept

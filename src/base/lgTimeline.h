@@ -37,22 +37,10 @@ public:
     static void addSpan(const char* name, unsigned long long start,
                         unsigned long long end) noexcept;
 
-    /// Takes a curve's name and its value at this moment.
-    using AddCounter = void (*)(void* timeline, const char* name, double value);
-
-    /// Tells the values of the moment, one call of `add` for each curve.
-    using CounterSource = void (*)(AddCounter add, void* timeline);
-
-    /// Has the logger's reader ask for values that the picture shows as curves, each time that it
-    /// writes; null for none. The source runs on the reader's thread.
-    static void setCounterSource(CounterSource source) noexcept { _counterSource.store(source); }
-
 private:
     friend class LgSession;
-    friend class LgTimelineFile;
 
     static std::atomic<bool> _enabled;
-    static std::atomic<CounterSource> _counterSource;
 };
 
 /// A span from its construction to the end of its life, on one thread.

@@ -3,16 +3,19 @@
 /// @file
 /// What goes wrong with libraries that are loaded at run time. The names in a reason are cut at 256
 /// characters; what stands for the system is the system's own text.
-/// @code
+/// @code{.cpp}
 /// #include <base/osSharedLib.h>
 ///
-/// try
+/// void loadEffects(Kr::OsSharedLib& effects)
 /// {
-///     const Kr::OsSharedLib effects("effects");
-/// }
-/// catch (const Kr::OsSharedLibEx& error)
-/// {
-///     std::cerr << error.getReason() << '\n';
+///     try
+///     {
+///         effects.load("effects");
+///     }
+///     catch (const Kr::OsSharedLibEx& error)
+///     {
+///         std::cerr << error.getReason() << '\n';
+///     }
 /// }
 /// @endcode
 

@@ -47,8 +47,9 @@ public:
     /// The least sleep, in seconds.
     virtual double getResolution() = 0;
 
-    /// Sleeps for at least so many seconds, cut to whole milliseconds; infinity sleeps for good.
-    /// Returns false at once for less than a millisecond, a negative number or a NaN.
+    /// Sleeps for so many seconds, cut to whole milliseconds; infinity sleeps for good. A system
+    /// whose timers count milliseconds may end the last one early. Returns false at once for less
+    /// than a millisecond, a negative number or a NaN.
     virtual bool sleep(double seconds) = 0;
 
     virtual ~Sleeper();

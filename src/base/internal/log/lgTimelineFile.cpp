@@ -3,8 +3,8 @@
 #include <base/hwCounter.h>
 #include <base/internal/errors/processIdentity.h>
 #include <base/internal/log/lgJson.h>
+#include <base/lgCounters.h>
 #include <base/internal/log/lgTimeText.h>
-#include <base/lgTimeline.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -184,7 +184,7 @@ void LgTimelineFile::showThreadName(unsigned long thread, std::string_view name)
 
 void LgTimelineFile::askForCounters()
 {
-    if (const LgTimeline::CounterSource source = LgTimeline::_counterSource.load())
+    if (const LgCounters::Source source = LgCounters::getSource())
         source(&addCounter, this);
 }
 
