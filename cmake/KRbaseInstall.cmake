@@ -16,6 +16,7 @@ foreach(header
         init/inNamedVariable.h
         init/inValueForm.h
         log/lgFormat.h
+        numeric/rounded.h
         numeric/twosComplement.h)
     get_filename_component(folder ${header} DIRECTORY)
     install(FILES src/base/internal/${header}

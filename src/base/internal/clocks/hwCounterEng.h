@@ -3,6 +3,7 @@
 /// @file
 /// The counter engine: what delivers the tick counts of `HwCounter`. Programs use `HwCounter`.
 
+#include <base/krBaseApi.h>
 #include <base/objPtr.h>
 
 #include <iosfwd>
@@ -12,7 +13,7 @@ namespace Kr
 
 /// A monotonic 64-bit tick count at an exact rate that fits a positive 32-bit integer. An engine
 /// has no state that changes, so threads share it freely.
-class HwCounterEng
+class KR_BASE_API HwCounterEng
 {
 public:
     /// The engine for this machine's counter. Its rate is the counter's frequency, halved as often

@@ -4,6 +4,7 @@
 #include <base/internal/errors/threadLabel.h>
 #include <base/internal/log/lgLogState.h>
 #include <base/internal/log/lgThreadSlot.h>
+#include <base/lgTimeline.h>
 
 #include <atomic>
 #include <new>
@@ -238,6 +239,15 @@ std::shared_ptr<LgQueue> LgProducer::makeQueue() const
     if (LgLogState::isBlocking())
         queue->changeObserver(ObjPtr<LgQueue::Observer>(new BlockingObserver));
     return queue;
+}
+
+void LgTimeline::addSpan(const char* name, unsigned long long start,
+                         unsigned long long end) noexcept
+{
+    LgProducer* caller = LgProducer::getLasting();
+    LgSpanRing* ring = caller != nullptr ? caller->getRing() : nullptr;
+    if (ring != nullptr)
+        ring->add(name, start, end);
 }
 
 } // namespace Kr

@@ -77,4 +77,10 @@ int OsMemoryArchImp::getReserved() const
     return 8;
 }
 
+const OsMemoryArch& OsMemoryArch::getInstance()
+{
+    static const OsMemoryArch& instance = *new OsMemoryArchImp; // lives as long as the process
+    return instance;
+}
+
 } // namespace Kr
