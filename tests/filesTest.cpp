@@ -178,7 +178,7 @@ TEST(FilePath, NamesTheLastElementAndWhatIsBeforeIt)
     }
     const OsFilePath here = OsFilePath(".").getFullPath();
     EXPECT_EQ(OsFilePath(".").getDirectoryName(), here);
-    EXPECT_EQ(OsFilePath("..").getDirectoryName(), here.getDirectoryName());
+    EXPECT_EQ(OsFilePath("..").getDirectoryName(), OsFilePath("..").getFullPath());
     EXPECT_EQ(OsFilePath("a").getDirectoryName(), here);
     for (const std::size_t length : {300U, 1023U, 1024U, 5000U})
     {
