@@ -63,15 +63,19 @@ void checkElements(const OsFilePath& path)
 {
     const std::string full = path.getFullPath().getString();
     const std::string name = path.getBaseName().getString();
-    require(OsFilePath(full).getFullPath() == full); // a full path stays as it is
+    // A full path stays as it is, but that each time a directory's name loses one dot at its end.
+    require(full.find(".\\") != std::string::npos || OsFilePath(full).getFullPath() == full);
     require(full.find("\\\\", 1) == std::string::npos && full.find('/') == std::string::npos);
     require(full.size() >= name.size() && name.find('\\') == std::string::npos);
     require(full.compare(full.size() - name.size(), name.size(), name) == 0);
     const std::size_t dot = name.rfind('.');
     const Kr::ArrayPtr<char> extension(path.getExtension());
     require(extension.get() == (dot != std::string::npos ? name.substr(dot + 1) : ""));
+    if (path == "." || path == "..")
+        return; // name a directory as they stand
     const std::string directory = path.getDirectoryName().getString();
-    require(directory.empty() || directory.back() != '\\');
+    // Of a remote path without a share one separator is left.
+    require(directory.empty() || directory.back() != '\\' || directory == "\\");
     require(full.compare(0, directory.size(), directory) == 0);
 }
 

@@ -178,7 +178,7 @@ TEST(FilePath, NamesTheLastElementAndWhatIsBeforeIt)
     }
     const OsFilePath here = OsFilePath(".").getFullPath();
     EXPECT_EQ(OsFilePath(".").getDirectoryName(), here);
-    EXPECT_EQ(OsFilePath("..").getDirectoryName(), here.getDirectoryName());
+    EXPECT_EQ(OsFilePath("..").getDirectoryName(), OsFilePath("..").getFullPath());
     EXPECT_EQ(OsFilePath("a").getDirectoryName(), here);
     for (const std::size_t length : {300U, 1023U, 1024U, 5000U})
     {
@@ -659,7 +659,9 @@ TEST_F(Files, MayComeAndGoWhileTheyAreWalked)
         {
             for (int i = 0; i < count; ++i)
             {
-                OsDir(at(("root\\d" + std::to_string(i)).c_str())).removeAll();
+                OsDir old(at(("root\\d" + std::to_string(i)).c_str()));
+                while (codeOf([&] { old.removeAll(); }) == sharingViolation)
+                    std::this_thread::yield(); // the system may keep what is being listed
                 OsDir(at(("root\\n" + std::to_string(i)).c_str())).create();
             }
         });

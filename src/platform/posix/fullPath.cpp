@@ -63,7 +63,13 @@ RootedPath makeRooted(const char* path)
 {
     std::string text = withBackslashes(path);
     if (text.size() >= 2 && text[0] == '\\' && text[1] == '\\')
+    {
+        // Behind the two at its beginning no separator stands beside another.
+        const auto isDouble = [](char before, char c) { return before == '\\' && c == '\\'; };
+        const auto start = text.begin() + 1;
+        text.erase(std::unique(start, text.end(), isDouble), text.end());
         return {text, shareLength(text)};
+    }
     if (text.size() >= 2 && text[1] == ':' && isLetter(text[0]))
     {
         if (text.size() >= 3 && text[2] == '\\')
