@@ -55,7 +55,7 @@ template <class T, class Use>
 void visitDraws(RnRng<T>& rng, unsigned int n, unsigned int drawCount, Use use)
 {
     constexpr unsigned int blockLength = 128;
-    T uniform[blockLength * 4];
+    T uniform[blockLength * 4] = {};
     while (n != 0)
     {
         const unsigned int count = std::min(n, blockLength);
@@ -102,7 +102,7 @@ T RnHistogramRng<T>::operator()()
 {
     if (_method == Inverse)
         return getInverse((*_uniRng)());
-    T uniform[3];
+    T uniform[3] = {};
     std::generate_n(uniform, getDrawCount(*_tables->alias), [this] { return (*_uniRng)(); });
     return getByAlias(uniform);
 }
@@ -274,7 +274,7 @@ void RnHistogramBiRng<T>::getSample(T& x, T& y)
 {
     if (_uniRng != nullptr)
     {
-        T uniform[4];
+        T uniform[4] = {};
         std::generate_n(uniform, getDrawCount(*_tables->alias) + 1,
                         [this] { return (*_uniRng)(); });
         return getByAlias(uniform, x, y);
