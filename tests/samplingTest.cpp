@@ -293,6 +293,35 @@ TYPED_TEST(SamplingOf, PairsOfAHistogramFollowItByBothWays)
     EXPECT_EQ(alias.getPdf(T(2.5), T(0.1)), T(0));
 }
 
+TYPED_TEST(SamplingOf, BlocksOfHistogramsAndDirectionsAreTheSingles)
+{
+    using T = TypeParam;
+    std::vector<T> weights(5000, T(0.5)), x(700), y(700), z(700);
+    RnLecuyerUniformRng<T>(3, 4).getSequence(2500, weights.data());
+    RnLecuyerUniformRng<T> uniform, blockUniform;
+    for (const unsigned int bins : {5000U, 50U})
+    {
+        const RnHistogram<T> line(0, 1, bins, weights.data());
+        const RnBiHistogram<T> plane(RnBins<T>(0, 1, bins / 50), RnBins<T>(0, 1, 50),
+                                     weights.data());
+        RnHistogramRng<T> single(&uniform, line), block(&blockUniform, line);
+        RnHistogramBiRng<T> pair(&uniform, plane), blockPair(&blockUniform, plane);
+        RnCosineHemisphereMultiRng<T> direction(&pair), blockDirection(&blockPair);
+        T* array[] = {x.data(), y.data(), z.data()};
+        block.getSequence(700, z.data());
+        for (unsigned int i = 0; i < 700; ++i)
+            ASSERT_EQ(z[i], single());
+        blockDirection.getSequence(700, array);
+        for (unsigned int i = 0; i < 700; ++i)
+        {
+            T sample[3];
+            direction.getSample(sample);
+            ASSERT_TRUE(sample[0] == x[i] && sample[1] == y[i] && sample[2] == z[i]) << i;
+        }
+        ASSERT_EQ(uniform(), blockUniform());
+    }
+}
+
 TEST(Histogram, ResamplingKeepsTheWeight)
 {
     const RnHistogram<double> coarse(0, 6, 3, std::vector<double>{6, 0, 3}.data());

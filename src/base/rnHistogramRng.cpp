@@ -30,21 +30,40 @@ double getClamped(T u)
     return u > 0 ? std::min(static_cast<double>(u), 1.) : 0.; // a NaN becomes 0
 }
 
-template <class T>
-double draw(RnRng<T>& rng)
+/// Above so many bins one sample does not have the bits to choose one of them.
+constexpr unsigned int coarseCount = 4096;
+
+/// How many samples of the source a bin and a place take.
+unsigned int getDrawCount(const AliasTable& alias)
 {
-    return getClamped(rng());
+    return alias.getSize() > coarseCount ? 3 : 2;
 }
 
-/// A column of any table; of large ones by two samples, since one does not have the bits.
 template <class T>
-std::size_t drawColumn(RnRng<T>& rng, std::size_t count)
+BinPlace getPlace(const AliasTable& alias, const T* uniform)
 {
-    constexpr double coarse = 4096.;
-    double u = draw(rng);
-    if (static_cast<double>(count) > coarse)
-        u = (std::floor(std::min(u * coarse, coarse - 1.)) + draw(rng)) / coarse;
-    return std::min(static_cast<std::size_t>(u * static_cast<double>(count)), count - 1);
+    double u = getClamped(*uniform++);
+    if (alias.getSize() > coarseCount)
+        u = (std::floor(std::min(u * coarseCount, coarseCount - 1.)) + getClamped(*uniform++)) /
+            coarseCount;
+    const auto column = static_cast<std::size_t>(u * static_cast<double>(alias.getSize()));
+    return alias.get(std::min(column, alias.getSize() - 1), getClamped(*uniform));
+}
+
+/// Calls `use` with each group of `drawCount` samples, `n` times, taking them in blocks.
+template <class T, class Use>
+void visitDraws(RnRng<T>& rng, unsigned int n, unsigned int drawCount, Use use)
+{
+    constexpr unsigned int blockLength = 128;
+    T uniform[blockLength * 4] = {};
+    while (n != 0)
+    {
+        const unsigned int count = std::min(n, blockLength);
+        rng.getSequence(count * drawCount, uniform);
+        for (unsigned int i = 0; i < count; ++i)
+            use(uniform + i * drawCount);
+        n -= count;
+    }
 }
 
 } // namespace
@@ -83,10 +102,9 @@ T RnHistogramRng<T>::operator()()
 {
     if (_method == Inverse)
         return getInverse((*_uniRng)());
-    const AliasTable& alias = *_tables->alias;
-    const std::size_t column = drawColumn(*_uniRng, alias.getSize());
-    const BinPlace found = alias.get(column, draw(*_uniRng));
-    return _tables->histogram.getBins().getValue(static_cast<unsigned int>(found.bin), found.place);
+    T uniform[3] = {};
+    std::generate_n(uniform, getDrawCount(*_tables->alias), [this] { return (*_uniRng)(); });
+    return getByAlias(uniform);
 }
 
 template <class T>
@@ -99,7 +117,23 @@ template <class T>
 void RnHistogramRng<T>::getSequence(unsigned int n, T* array)
 {
     KR_ASSERT(array != nullptr || n == 0);
-    std::generate_n(array, n, [this] { return (*this)(); });
+    if (n == 0)
+        return;
+    if (_method == Inverse)
+    {
+        _uniRng->getSequence(n, array);
+        std::transform(array, array + n, array, [this](T u) { return getInverse(u); });
+        return;
+    }
+    visitDraws(*_uniRng, n, getDrawCount(*_tables->alias),
+               [&](const T* uniform) { *array++ = getByAlias(uniform); });
+}
+
+template <class T>
+T RnHistogramRng<T>::getByAlias(const T* uniform) const
+{
+    const BinPlace found = getPlace(*_tables->alias, uniform);
+    return _tables->histogram.getBins().getValue(static_cast<unsigned int>(found.bin), found.place);
 }
 
 template <class T>
@@ -224,23 +258,27 @@ template <class T>
 RnHistogramBiRng<T>::~RnHistogramBiRng() = default;
 
 template <class T>
-void RnHistogramBiRng<T>::sampleByAlias(T& x, T& y)
+void RnHistogramBiRng<T>::getByAlias(const T* uniform, T& x, T& y) const
 {
     const AliasTable& alias = *_tables->alias;
-    const std::size_t column = drawColumn(*_uniRng, alias.getSize());
-    const BinPlace found = alias.get(column, draw(*_uniRng));
+    const BinPlace found = getPlace(alias, uniform);
     const RnBins<T>& xBins = _tables->histogram.getXBins();
     const auto i = static_cast<unsigned int>(found.bin % xBins.getCount());
     const auto j = static_cast<unsigned int>(found.bin / xBins.getCount());
     x = xBins.getValue(i, found.place);
-    y = _tables->histogram.getYBins().getValue(j, draw(*_uniRng));
+    y = _tables->histogram.getYBins().getValue(j, getClamped(uniform[getDrawCount(alias)]));
 }
 
 template <class T>
 void RnHistogramBiRng<T>::getSample(T& x, T& y)
 {
     if (_uniRng != nullptr)
-        return sampleByAlias(x, y);
+    {
+        T uniform[4] = {};
+        std::generate_n(uniform, getDrawCount(*_tables->alias) + 1,
+                        [this] { return (*_uniRng)(); });
+        return getByAlias(uniform, x, y);
+    }
     T u = 0, v = 0;
     _uniBiRng->getSample(u, v);
     getInverse(u, v, x, y);
@@ -250,8 +288,17 @@ template <class T>
 void RnHistogramBiRng<T>::getSequence(unsigned int n, T* array0, T* array1)
 {
     KR_ASSERT((array0 != nullptr && array1 != nullptr) || n == 0);
-    for (unsigned int i = 0; i < n; ++i)
-        getSample(array0[i], array1[i]);
+    if (n == 0)
+        return;
+    if (_uniRng == nullptr)
+    {
+        _uniBiRng->getSequence(n, array0, array1);
+        for (unsigned int i = 0; i < n; ++i)
+            getInverse(array0[i], array1[i], array0[i], array1[i]);
+        return;
+    }
+    visitDraws(*_uniRng, n, getDrawCount(*_tables->alias) + 1,
+               [&](const T* uniform) { getByAlias(uniform, *array0++, *array1++); });
 }
 
 template <class T>

@@ -69,6 +69,7 @@ public:
 
 private:
     struct Tables;
+    T getByAlias(const T* uniform) const;
 
     RnRng<T>* _uniRng;
     Method _method;
@@ -109,7 +110,7 @@ public:
 
 private:
     struct Tables;
-    void sampleByAlias(T& x, T& y);
+    void getByAlias(const T* uniform, T& x, T& y) const;
 
     RnRng<T>* _uniRng;
     RnBiRng<T>* _uniBiRng; ///< one of the two is null

@@ -143,8 +143,8 @@ SinCos sinCosOfTurns(double turns)
 {
     // Eighths of a turn, of which the even ones go through the axes: what is left is at most a half
     // of a quarter turn to either side of an axis, and all of that is exact.
-    const int quarter = static_cast<int>(turns * 4. + 0.5);
-    const double r = turns * 4. - quarter;
+    const double nearest = std::floor(turns * 4. + 0.5);
+    const double r = turns * 4. - nearest;
     constexpr double halfPi = 1.57079632679489661923;
     constexpr double halfPiLow = 6.12323399573676603587e-17;
     const Pair angle = {r * halfPi, multiply(r, halfPi).low + r * halfPiLow};
@@ -160,7 +160,7 @@ SinCos sinCosOfTurns(double turns)
     const double cosHigh = 1. - 0.5 * z;
     const double cos = cosHigh + (((1. - cosHigh) - 0.5 * z) - 0.5 * square -
                                   angle.high * angle.low + z * z * evaluate(cosSeries, z));
-    switch (quarter & 3)
+    switch (static_cast<int>(nearest) & 3)
     {
     case 0:
         return {sin, cos};
