@@ -9,6 +9,7 @@
 #include <base/inInitMgr.h>
 #include <base/objPtr.h>
 #include <base/osEnv.h>
+#include <base/threadName.h>
 #include <base/trace.h>
 
 #include <gmock/gmock.h>
@@ -237,14 +238,16 @@ TEST(Trace, ListsTheLastRaisesOldestFirst)
         EXPECT_EQ(std::to_string(i + 8), reasons[i]);
 
     EXPECT_THROW(Kr::raise(ExText(std::string(1000, 'x').c_str())), ExText);
+    Kr::ThreadName::set("loader");
     EXPECT_THROW(Kr::raise(ExOf<int>("one\nof\r\nthree\x1B", "g", 40)), ExOf<int>);
+    Kr::ThreadName::set(nullptr);
     std::ostringstream list;
     TraceManager::getInstance().listRaises(list);
     EXPECT_THAT(list.str(),
                 testing::AllOf(testing::HasSubstr(" g:39 (anonymous namespace)::ExText: 39\n"),
                                testing::HasSubstr(
                                    ": " + std::string(TraceManager::reasonSize - 1, 'x') + '\n'),
-                               testing::EndsWith(" g:40 (anonymous namespace)::ExOf<int>: "
+                               testing::EndsWith(" (loader) g:40 (anonymous namespace)::ExOf<int>: "
                                                  "one\\nof\\r\\nthree\\x1B\n")));
 }
 

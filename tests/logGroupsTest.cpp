@@ -128,9 +128,9 @@ TEST_F(LogGroups, SettingsApplyInTurn)
     }
 
     open(nullptr);
-    const std::string errors = outputOf(std::cerr, [] {
-        outputOf(std::cout, [] { LgMajorGroup::parse("UI=Verbose,Database=Error"); });
-    });
+    const std::string errors = outputOf(
+        std::cerr,
+        [] { outputOf(std::cout, [] { LgMajorGroup::parse("UI=Verbose,Database=Error"); }); });
     EXPECT_EQ(complaint("KR_LOG_GROUPS", "UI=Verbose"), errors);
     EXPECT_EQ("Major Groups:\n" + std::string(16, ' ') + "Database Tracing\n", listing());
 }

@@ -6,10 +6,12 @@
 #include <base/internal/errors/sourcePosition.h>
 #include <base/internal/os/osCpuInfoWinNT.h>
 #include <base/internal/os/osMemoryArchImp.h>
+#include <base/internal/os/osProcessorReader.h>
 #include <base/osCpuInfo.h>
 #include <base/osEndian.h>
 #include <base/osMemoryArch.h>
 #include <base/osMemoryArchEx.h>
+#include <base/osProcessor.h>
 #include <base/todIntervalTimer.h>
 
 #include <gtest/gtest.h>
@@ -176,14 +178,94 @@ TEST(Machine, MemoryArchitecture)
     EXPECT_EQ(&machine, &Kr::OsMemoryArch::getInstance());
     EXPECT_EQ(268435456, machine.getMemorySpan());
     EXPECT_EQ(8, machine.getReserved());
-}
-
-TEST(Machine, MemoryArchitectureExceptions)
-{
     EXPECT_STREQ("Unknown CPU Type: Can not compute memory architecture parameters.",
                  Kr::OsMemoryArchEx::ExUnknownCPU(KR_HERE).what());
     EXPECT_STREQ("Unknown CPU Board Type: Can not compute memory architecture parameters.",
                  Kr::OsMemoryArchEx::ExUnknownCPUBoard(KR_HERE).what());
+}
+
+/// What a processor answers to a leaf and its subleaf.
+struct Answer
+{
+    std::uint32_t leaf, subleaf;
+    OsCpuRegisters registers;
+};
+
+Kr::OsProcessor readProcessor(const std::vector<Answer>& answers, std::uint64_t enabledSets)
+{
+    return Kr::OsProcessorReader::read(
+        [&](std::uint32_t leaf, std::uint32_t subleaf)
+        {
+            for (const Answer& answer : answers)
+                if (answer.leaf == leaf && answer.subleaf == subleaf)
+                    return answer.registers;
+            return OsCpuRegisters{0, 0, 0, 0};
+        },
+        enabledSets);
+}
+
+/// Answers as the manual has them, of four cores with two threads each.
+TEST(Processor, ReadsTheLeavesOfToday)
+{
+    using Kr::OsProcessor;
+    const std::vector<Answer> answers = {
+        {0, 0, {0x1B, 0x756E6547, 0x6C65746E, 0x49656E69}},
+        {1, 0, {0x000806C1, 0x00100800, 0x7FFAFBBF, 0xBFEBFBFF}},
+        {4, 0, {0x1C004121, 0x02C0003F, 0x3F, 0}},
+        {4, 1, {0x1C004122, 0x01C0003F, 0x3F, 0}},
+        {4, 2, {0x1C004143, 0x04C0003F, 0x3FF, 0}},
+        {4, 3, {0x1C03C163, 0x02C0003F, 0x3FFF, 4}},
+        {7, 0, {0, 0xF3BFA7EB, 0x18C05FCE, 0xFC100510}},
+        {0xB, 0, {1, 2, 0x100, 0}},
+        {0xB, 1, {4, 8, 0x201, 0}},
+        {0x80000000, 0, {0x80000008, 0, 0, 0}},
+        {0x80000001, 0, {0, 0, 0x121, 0x2C100800}},
+        {0x80000002, 0, {0x20202020, 0x20646C4F, 0x20555043, 0x20202020}}};
+    const OsProcessor processor = readProcessor(answers, 0xE7);
+    EXPECT_EQ("GenuineIntel", processor.getVendor());
+    EXPECT_EQ("Old CPU", processor.getBrand());
+    EXPECT_EQ(6, processor.getFamily());
+    EXPECT_EQ(0x8C, processor.getModel());
+    EXPECT_EQ(1, processor.getStepping());
+    EXPECT_EQ(4, processor.getCoreCount());
+    EXPECT_EQ(8, processor.getThreadCount());
+    EXPECT_TRUE(processor.has(OsProcessor::MMX) && processor.has(OsProcessor::AVX512VL));
+    ASSERT_EQ(4U, processor.getCaches().size());
+    EXPECT_EQ(49152, processor.findCache(1)->size);
+    EXPECT_EQ(12, processor.findCache(1)->ways);
+    EXPECT_EQ(64, processor.findCache(1)->lineSize);
+    EXPECT_EQ(OsProcessor::Instructions, processor.getCaches()[1].kind);
+    EXPECT_EQ(1310720, processor.findCache(2)->size);
+    EXPECT_EQ(2, processor.findCache(2)->sharingThreads);
+    EXPECT_EQ(12582912, processor.findCache(3)->size);
+    EXPECT_EQ(16, processor.findCache(3)->sharingThreads);
+    EXPECT_EQ(nullptr, processor.findCache(4));
+    EXPECT_EQ((Kr::Vector<std::int64_t>{4096, 2 << 20, 1 << 30}), processor.getPageSizes());
+
+    // A system that saves less lets programs use less.
+    const OsProcessor narrow = readProcessor(answers, 0x7);
+    EXPECT_TRUE(narrow.has(OsProcessor::AVX2) && !narrow.has(OsProcessor::AVX512F));
+    const OsProcessor narrowest = readProcessor(answers, 0);
+    EXPECT_TRUE(narrowest.has(OsProcessor::SSE4_2) && !narrowest.has(OsProcessor::AVX));
+}
+
+TEST(Processor, IsEmptyWhereNothingIsTold)
+{
+    const Kr::OsProcessor silent = readProcessor({}, 0);
+    EXPECT_TRUE(silent.getVendor().empty() && silent.getBrand().empty());
+    EXPECT_TRUE(silent.getCaches().empty() && silent.getPageSizes().empty());
+    EXPECT_EQ(0, silent.getThreadCount() + silent.getFamily());
+    // One of 1997: no leaf of today, and rubbish where the extended ones would be.
+    const Kr::OsProcessor old = readProcessor({{0, 0, {2, 0, 0, 0}},
+                                               {1, 0, {0x0634, 0, 0, 0x0080FBFF}},
+                                               {0x80000000, 0, {0x03020101, 0, 0, 0x0C040843}}},
+                                              0);
+    EXPECT_EQ(1, old.getCoreCount());
+    EXPECT_EQ((Kr::Vector<std::int64_t>{4096, 4 << 20}), old.getPageSizes());
+    EXPECT_TRUE(old.getCaches().empty() && old.getBrand().empty());
+    const Kr::OsProcessor& machine = Kr::OsProcessor::getInstance();
+    EXPECT_EQ(&machine, &Kr::OsProcessor::getInstance());
+    EXPECT_TRUE(machine.has(Kr::OsProcessor::SSE2));
 }
 
 // Byte order
@@ -216,18 +298,12 @@ TEST(Endian, Invert)
     using Kr::OsEndian;
     EXPECT_EQ(0x8877665544332211U, OsEndian::invert(std::uint64_t{0x1122334455667788}));
     EXPECT_EQ(std::int8_t{-3}, OsEndian::invert(std::int8_t{-3}));
-    EXPECT_EQ(std::int16_t{128}, OsEndian::invert(std::numeric_limits<std::int16_t>::min()));
-    expectReversedBytes(std::int32_t{-2});
-    expectReversedBytes(std::int64_t{-0x123456789});
-    expectReversedBytes(3.14159F);
-    expectReversedBytes(-2.718281828459045);
     EXPECT_EQ(0x1234, OsEndian::invertIf(false, std::int16_t{0x1234}));
     EXPECT_FALSE(OsEndian::isBigEndian());
-}
-
-/// Patterns that are signalling NaNs before or after the reversal keep every bit.
-TEST(Endian, InvertKeepsSignallingPatterns)
-{
+    expectReversedBytes(std::numeric_limits<std::int16_t>::min());
+    expectReversedBytes(std::int32_t{-2});
+    expectReversedBytes(std::int64_t{-0x123456789});
+    // Patterns that are signalling NaNs before or after the reversal keep every bit.
     expectReversedBytes(fromBits<float>(std::uint32_t{0x0100A07F}));
     expectReversedBytes(fromBits<float>(std::uint32_t{0x7FA00001}));
     expectReversedBytes(fromBits<double>(std::uint64_t{0x010000000000F47F}));

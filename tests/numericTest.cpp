@@ -2,14 +2,19 @@
 
 #include "assertionCheck.h"
 
+#include <base/arrayPtr.h>
 #include <base/dtTimeIndexInterval.h>
 #include <base/floatUtil.h>
 #include <base/interval.h>
 #include <base/ltFPClass.h>
+#include <base/objPtr.h>
 #include <base/pow2.h>
+#include <base/vector.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <climits>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -62,18 +67,14 @@ TYPED_TEST(FloatUtilOf, comparesStrictlyAtExactlyTheTolerance)
     }
 }
 
-TYPED_TEST(FloatUtilOf, takesTheSignOfZeroAsPositive)
-{
-    EXPECT_EQ(FloatUtil::sgn(TypeParam(0)), 1);
-    EXPECT_EQ(FloatUtil::sgn(TypeParam(-0.)), 1);
-    EXPECT_EQ(FloatUtil::sgn(TypeParam(-2)), -1);
-    EXPECT_EQ(FloatUtil::sgn(TypeParam(nan)), -1);
-}
-
 TYPED_TEST(FloatUtilOf, passesTheRuntimeLibraryThrough)
 {
     const volatile TypeParam given[] = {TypeParam(0.75), TypeParam(-0.3125)}; // nothing is folded
     const TypeParam x = given[0], y = given[1];
+    for (const TypeParam zero : {TypeParam(0), TypeParam(-0.)})
+        EXPECT_EQ(FloatUtil::sgn(zero), 1);
+    for (const TypeParam negative : {y, TypeParam(nan)})
+        EXPECT_EQ(FloatUtil::sgn(negative), -1);
     EXPECT_EQ(FloatUtil::abs(y), TypeParam(0.3125));
     EXPECT_EQ(FloatUtil::floor(y), -1);
     EXPECT_EQ(FloatUtil::ceil(x), 1);
@@ -83,16 +84,18 @@ TYPED_TEST(FloatUtilOf, passesTheRuntimeLibraryThrough)
     EXPECT_EQ(FloatUtil::hypot(TypeParam(3), TypeParam(-4)), 5);
     EXPECT_EQ(FloatUtil::hypot(std::numeric_limits<TypeParam>::max(), TypeParam(0)),
               TypeParam(inf));
-    EXPECT_EQ(FloatUtil::sin(x), std::sin(x));
-    EXPECT_EQ(FloatUtil::cos(x), std::cos(x));
-    EXPECT_EQ(FloatUtil::tan(x), std::tan(x));
-    EXPECT_EQ(FloatUtil::asin(x), std::asin(x));
-    EXPECT_EQ(FloatUtil::acos(x), std::acos(x));
-    EXPECT_EQ(FloatUtil::atan(x), std::atan(x));
     EXPECT_EQ(FloatUtil::atan2(x, y), std::atan2(x, y));
-    EXPECT_EQ(FloatUtil::exp(x), std::exp(x));
-    EXPECT_EQ(FloatUtil::log(x), std::log(x));
-    EXPECT_EQ(FloatUtil::log10(x), std::log10(x));
+    struct
+    {
+        TypeParam (*function)(TypeParam) noexcept;
+        TypeParam expected;
+    } const cases[] = {{FloatUtil::sin, std::sin(x)},    {FloatUtil::cos, std::cos(x)},
+                       {FloatUtil::tan, std::tan(x)},    {FloatUtil::asin, std::asin(x)},
+                       {FloatUtil::acos, std::acos(x)},  {FloatUtil::atan, std::atan(x)},
+                       {FloatUtil::exp, std::exp(x)},    {FloatUtil::log, std::log(x)},
+                       {FloatUtil::log10, std::log10(x)}};
+    for (const auto& c : cases)
+        EXPECT_EQ(c.function(x), c.expected) << &c - cases;
     EXPECT_TRUE(std::isnan(FloatUtil::sqrt(TypeParam(-1))));
     EXPECT_EQ(FloatUtil::radiansToDegrees(TypeParam(3.141592653589793)), TypeParam(180));
     EXPECT_EQ(FloatUtil::degreesToRadians(TypeParam(90)), TypeParam(1.5707963267948966));
@@ -310,6 +313,40 @@ TEST(Interval, keepsItsEndsInOrderAndKnowsItsValues)
     EXPECT_EQ(IntervalD(least, least).getCentre(), least);
 }
 
+/// Small enough to try every value of every interval, so that saturation is hit from all sides.
+template <class T>
+void expectExact(int least, int greatest)
+{
+    const auto saturate = [&](int value) { return T(std::clamp(value, least, greatest)); };
+    const int ends[] = {least, least + 1, -3, -1, 0, 1, 2, 5, greatest - 1, greatest};
+    for (int a : ends)
+        for (int b : ends)
+        {
+            if (a < least || b < a)
+                continue;
+            const Interval<T> x{T(a), T(b)}, y{T(1), T(5)};
+            EXPECT_EQ(x + x, Interval<T>(saturate(a + a), saturate(b + b))) << x;
+            EXPECT_EQ(x - y, Interval<T>(saturate(a - 5), saturate(b - 1))) << x;
+            EXPECT_EQ(-x, Interval<T>(saturate(-b), saturate(-a))) << x;
+            EXPECT_EQ(x * T(5), Interval<T>(saturate(a * 5), saturate(b * 5))) << x;
+            EXPECT_EQ(x / T(2), Interval<T>(T(a / 2), T(b / 2))) << x;
+            EXPECT_EQ(x.getCentre(), T((a + b - (a + b < 0 ? (a + b) & 1 : 0)) / 2)) << x;
+            EXPECT_EQ(x.getIntersection(Interval<T>(T(3))).isEmpty(), a > 3 || b < 3) << x;
+        }
+    EXPECT_TRUE(Interval<T>::getEmpty().isEmpty());
+    EXPECT_EQ((Interval<T>(T(1), T(2)) + Interval<T>::getEmpty()), Interval<T>::getEmpty());
+}
+
+TEST(Interval, isExactOverIntegers)
+{
+    expectExact<std::int16_t>(-32768, 32767);
+    expectExact<std::uint16_t>(0, 65535);
+    EXPECT_EQ(Interval<int>(0, INT_MAX) + 1, Interval<int>(1, INT_MAX));
+    EXPECT_EQ(Interval<int>(INT_MIN, 5) / -1, Interval<int>(-5, INT_MAX));
+    EXPECT_EQ(Interval<unsigned>(2, 3) - 3U, Interval<unsigned>(0, 0));
+    EXPECT_THROW((Interval<unsigned>(0, 3).reciprocal()), Kr::ExInternalError);
+}
+
 TEST(Interval, meetsAndJoins)
 {
     const IntervalD a(1, 3), b(2, 5), far(7, 8), empty = IntervalD::getEmpty();
@@ -380,6 +417,40 @@ TEST(Interval, saturatesTickCounts)
     std::ostringstream text;
     text << all << empty;
     EXPECT_EQ(text.str(), "[-9223372036854775808, 9223372036854775807][]");
+}
+
+struct Base
+{
+    virtual ~Base() = default;
+};
+struct Derived : Base
+{
+    explicit Derived(int& alive)
+        : _alive(alive)
+    {
+        ++_alive;
+    }
+    ~Derived() override { --_alive; }
+    int& _alive;
+};
+
+TEST(ObjPtr, convertsResetsAndTests)
+{
+    int alive = 0;
+    const auto make = [&] { return Kr::ObjPtrRet<Derived>(new Derived(alive)); };
+    Kr::ObjPtr<Base> base = make();
+    EXPECT_TRUE(base && base != nullptr);
+    Kr::ObjPtr<Derived> derived(make());
+    base = derived;
+    EXPECT_TRUE(!derived && derived == nullptr);
+    EXPECT_EQ(alive, 1);
+    base.reset(new Derived(alive));
+    EXPECT_EQ(alive, 1);
+    base = nullptr;
+    EXPECT_EQ(alive, 0);
+    static_assert(!std::is_constructible_v<Kr::ObjPtr<Derived>, Kr::ObjPtr<Base>&>);
+    static_assert(!std::is_constructible_v<Kr::ArrayPtr<Base>, Kr::ArrayPtr<Derived>&>);
+    static_assert(std::is_same_v<Kr::Vector<int>, std::vector<int>>);
 }
 
 } // namespace

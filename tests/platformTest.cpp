@@ -342,21 +342,13 @@ const Row events[] = {
     {"pulse nobody", [] { return PulseEvent(first) != 0 && waits(); }, false},
     {"pulse who waits", [] { return releasesWho([] { return PulseEvent(first) != 0; }); }, true},
     {"set for who waits", [] { return releasesWho([] { return SetEvent(first) != 0; }); }, true},
-    {"a timer sets it",
-     []
-     {
-         return ResetEvent(first) != 0 &&
-                startTimer(5, TIME_ONESHOT | TIME_CALLBACK_EVENT_SET) != 0 && waits(hang);
-     },
-     true},
+    {"a timer sets it", [] { return ResetEvent(first) != 0 && startTimer(5, TIME_ONESHOT | TIME_CALLBACK_EVENT_SET) != 0 && waits(hang); }, true},
     {"once", [] { return waits(20); }, false},
     {"close", [] { return release(first); }, true},
     {"manual and set", [] { return create(1, 1); }, true},
     {"stays set", [] { return waits() && waits(); }, true},
     {"reset it", [] { return ResetEvent(first) != 0 && waits(); }, false},
-    {"set and reset while one waits",
-     [] { return releasesWho([] { return SetEvent(first) != 0 && ResetEvent(first) != 0; }); },
-     true},
+    {"set and reset while one waits", [] { return releasesWho([] { return SetEvent(first) != 0 && ResetEvent(first) != 0; }); }, true},
     {"a timer pulses it",
      []
      {
@@ -366,45 +358,23 @@ const Row events[] = {
      },
      true},
     {"killed", [] { return waits(30); }, false},
-    {"no delay", [] { return startTimer(0, TIME_PERIODIC | TIME_CALLBACK_EVENT_PULSE) != 0; },
-     false},
+    {"no delay", [] { return startTimer(0, TIME_PERIODIC | TIME_CALLBACK_EVENT_PULSE) != 0; }, false},
     {"close it", [] { return release(first); }, true},
     {"wait on nothing", [] { return WaitForSingleObject(nullptr, 0) != WAIT_FAILED; }, false,
      ERROR_INVALID_HANDLE},
     {"no period", [] { return timeBeginPeriod(0) == TIMERR_NOERROR; }, false},
-    {"least period",
-     [] { return timeBeginPeriod(1) == TIMERR_NOERROR && timeEndPeriod(1) == TIMERR_NOERROR; },
-     true},
+    {"least period", [] { return timeBeginPeriod(1) == TIMERR_NOERROR && timeEndPeriod(1) == TIMERR_NOERROR; }, true},
 };
 
 const Row slotsAndModules[] = {
-    {"slot",
-     []
-     {
-         slot = TlsAlloc();
-         return slot != TLS_OUT_OF_INDEXES;
-     },
-     true},
+    {"slot", [] { slot = TlsAlloc(); return slot != TLS_OUT_OF_INDEXES; }, true},
     {"empty", [] { return TlsGetValue(slot) != nullptr; }, false, ERROR_SUCCESS},
     {"fill", [] { return TlsSetValue(slot, &slot) != 0 && TlsGetValue(slot) == &slot; }, true},
-    {"each thread its own",
-     []
-     {
-         bool isEmpty = false;
-         std::thread([&] { isEmpty = TlsGetValue(slot) == nullptr; }).join();
-         return isEmpty;
-     },
-     true},
+    {"each thread its own", [] { bool isEmpty = false; std::thread([&] { isEmpty = TlsGetValue(slot) == nullptr; }).join(); return isEmpty; }, true},
     {"free", [] { return TlsFree(slot) != 0; }, true},
     {"missing library", [] { return loads("no-such-library"); }, false, ERROR_MOD_NOT_FOUND},
     {"missing file", [] { return loads(in("x.dll")); }, false, ERROR_MOD_NOT_FOUND},
-    {"no library",
-     []
-     {
-         std::ofstream(in("text.dll")) << "text";
-         return loads(in("text.dll"));
-     },
-     false, ERROR_BAD_EXE_FORMAT},
+    {"no library", [] { std::ofstream(in("text.dll")) << "text"; return loads(in("text.dll")); }, false, ERROR_BAD_EXE_FORMAT},
     {"modules", [] { return countModules(sizeof(MODULEENTRY32)) > 1; }, true, ERROR_NO_MORE_FILES},
     {"no entry", [] { return countModules(0) != 0; }, false, ERROR_INSUFFICIENT_BUFFER},
 };
@@ -415,14 +385,12 @@ const Row files[] = {
     {"a missing one's", [] { return has("x", ~0U); }, false, ERROR_FILE_NOT_FOUND},
     {"in a missing folder", [] { return has("x/y", ~0U); }, false, ERROR_PATH_NOT_FOUND},
     {"below a file", [] { return has("c/y", ~0U); }, false, ERROR_PATH_NOT_FOUND},
-    {"read-only", [] { return SetFileAttributesA(in("c").c_str(), FILE_ATTRIBUTE_READONLY) != 0; },
-     true},
+    {"read-only", [] { return SetFileAttributesA(in("c").c_str(), FILE_ATTRIBUTE_READONLY) != 0; }, true},
     {"is read-only", [] { return has("c", FILE_ATTRIBUTE_READONLY); }, true},
     {"delete it", [] { return deletes("c"); }, false, ERROR_ACCESS_DENIED},
     {"a new one", [] { return opens("n", readWrite, 0, CREATE_NEW); }, true},
     {"move it", [] { return moves("c", "m") && moves("m", "c"); }, true},
-    {"not read-only",
-     [] { return SetFileAttributesA(in("c").c_str(), FILE_ATTRIBUTE_NORMAL) != 0; }, true},
+    {"not read-only", [] { return SetFileAttributesA(in("c").c_str(), FILE_ATTRIBUTE_NORMAL) != 0; }, true},
     {"write and read",
      []
      {
@@ -435,19 +403,9 @@ const Row files[] = {
     {"read without access", [] { return reads(first, 9, ""); }, false, ERROR_ACCESS_DENIED},
     {"size", [] { return GetFileSize(first, nullptr) == 3; }, true},
     {"move the pointer", [] { return SetFilePointer(second, -2, nullptr, FILE_END) == 1; }, true},
-    {"before the start",
-     [] { return SetFilePointer(second, -4, nullptr, FILE_END) != INVALID_SET_FILE_POINTER; },
-     false, ERROR_NEGATIVE_SEEK},
-    {"from nowhere",
-     [] { return SetFilePointer(second, 0, nullptr, 7) != INVALID_SET_FILE_POINTER; }, false,
-     ERROR_INVALID_PARAMETER},
-    {"far behind the end",
-     []
-     {
-         LONG high = 1;
-         return SetFilePointer(second, 5, &high, FILE_BEGIN) == 5 && high == 1;
-     },
-     true},
+    {"before the start", [] { return SetFilePointer(second, -4, nullptr, FILE_END) != INVALID_SET_FILE_POINTER; }, false, ERROR_NEGATIVE_SEEK},
+    {"from nowhere", [] { return SetFilePointer(second, 0, nullptr, 7) != INVALID_SET_FILE_POINTER; }, false, ERROR_INVALID_PARAMETER},
+    {"far behind the end", [] { LONG high = 1; return SetFilePointer(second, 5, &high, FILE_BEGIN) == 5 && high == 1; }, true},
     {"read there", [] { return reads(second, 1, ""); }, true},
     {"set and get the time",
      []
@@ -468,8 +426,7 @@ const Row files[] = {
      },
      true},
     {"delete what may be", [] { return release(first) && release(second) && deletes("n"); }, true},
-    {"hold", [] { return hold(first, "c", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE); },
-     true},
+    {"hold", [] { return hold(first, "c", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE); }, true},
     {"delete what is held", [] { return deletes("c"); }, false, ERROR_SHARING_VIOLATION},
     {"move over what is held",
      []

@@ -350,6 +350,40 @@ TEST(DtTime, StaysAsItWasWhenAnOperationRaises)
     EXPECT_EQ("(5 @ (1/65536=1.52588e-05))", print(time));
 }
 
+TEST(DtTimeUtil, CombinesExactlyOrRaises)
+{
+    const DtTime cd(44100, 44100, 1), studio(96000, 96000, 1);
+    EXPECT_LT((cd + studio).getRate().getNumerator(), 0); // what the exact sum is for
+    const struct
+    {
+        DtTime a, b, sum;
+        int order;
+    } cases[] = {
+        {cd, studio, DtTime(2 * 14112000, 14112000, 1), 0},
+        {DtTime(3, 30, 1001), DtTime(1, 15, 1001), DtTime(5, 30, 1001), 1},
+        {DtTime(24, film), DtTime(25, pal), DtTime(1200, 600, 1), 0},
+        {DtTime(-1, -24, 1), DtTime(1, film), DtTime(2, film), 0},
+        {DtTime(1, -24, 1), DtTime(-2, film), DtTime(-3, film), 1},
+        {DtTime(7, ntsc), DtTime(8, ntsc), DtTime(15, ntsc), -1},
+    };
+    for (const auto& c : cases)
+    {
+        EXPECT_EQ(print(c.sum), print(DtTimeUtil::getExactSum(c.a, c.b)));
+        EXPECT_EQ(print(c.a),
+                  print(DtTimeUtil::getExactDifference(c.sum, c.b).convertRate(c.a.getRate())));
+        EXPECT_EQ(c.order, DtTimeUtil::compareExactly(c.a, c.b)) << c.a << c.b;
+    }
+    const DtTime most(greatest64, greatest32, 1);
+    EXPECT_EQ(-1, DtTimeUtil::compareExactly(DtTime(greatest64 - 1, greatest32, 1), most));
+    EXPECT_EQ(1, DtTimeUtil::compareExactly(most, DtTime(least64, 1, greatest32)));
+    EXPECT_EQ(
+        "No common rate of 2147483647/1 and 24/1 fits in 32 bits.",
+        reasonOf<DtEx::RateOverflow>([&] { DtTimeUtil::getExactSum(most, DtTime(1, film)); }));
+    EXPECT_THROW(DtTimeUtil::getExactSum(most, most), DtEx::CountOverflow);
+    EXPECT_THROW(DtTimeUtil::getExactDifference(DtTime(least64, film), DtTime(1, film)),
+                 std::logic_error);
+}
+
 // --- text ---------------------------------------------------------------------------------------
 
 TEST(DtTimeUtil, TextComesBack)
@@ -449,6 +483,18 @@ TEST(DtTimeUtil, ConvertsSeconds)
     EXPECT_THROW(DtTimeUtil::getDtTimeFromSeconds({0, 1}, 1.), DtEx::BadRate);
     EXPECT_EQ(30000 * (1001. / 30000), DtTimeUtil::getSecondsDouble(DtTime(30000, ntsc)));
     EXPECT_EQ(0.5F, DtTimeUtil::getSecondsFloat(DtTime(12, film)));
+    int lost = 0;
+    for (long long count = 0; count < 1000; ++count)
+    {
+        const double seconds = DtTimeUtil::getSecondsDouble(DtTime(count, film));
+        lost += DtTimeUtil::getDtTimeFromSeconds(film, seconds).getCount() != count ? 1 : 0;
+        ASSERT_EQ(
+            count,
+            DtTimeUtil::getDtTimeFromSeconds(film, seconds, std::round_to_nearest).getCount());
+    }
+    EXPECT_EQ(162, lost);
+    EXPECT_EQ(48,
+              DtTimeUtil::getDtTimeFromSeconds(film, 1.99F, std::round_toward_infinity).getCount());
 }
 
 TEST(DtTimeUtil, ConvertsIntervals)
@@ -738,14 +784,16 @@ TEST(ManyValues, ComparisonsAgreeWith128BitIntegers)
         const Wide rhs = Wide(b.getCount()) * other.getDenominator() * rate.getNumerator();
         ASSERT_EQ(static_cast<long long>(static_cast<std::uint64_t>(lhs)), crossMultLhs(a, b));
         ASSERT_EQ(static_cast<long long>(static_cast<std::uint64_t>(rhs)), crossMultRhs(a, b));
+        if (rate.getNumerator() > 0 && other.getNumerator() > 0)
+        {
+            ASSERT_EQ((lhs > rhs) - (lhs < rhs), DtTimeUtil::compareExactly(a, b)) << a << b;
+        }
         if (!fits(lhs) || !fits(rhs))
             continue;
         ++fitting;
         ASSERT_EQ(lhs < rhs, a < b) << a << b;
-        ASSERT_EQ(lhs <= rhs, a <= b) << a << b;
-        ASSERT_EQ(lhs == rhs, a == b) << a << b;
-        ASSERT_EQ(lhs != rhs, a != b) << a << b;
-        ASSERT_EQ(lhs >= rhs, a >= b) << a << b;
+        ASSERT_TRUE((lhs <= rhs) == (a <= b) && (lhs == rhs) == (a == b)) << a << b;
+        ASSERT_TRUE((lhs != rhs) == (a != b) && (lhs >= rhs) == (a >= b)) << a << b;
         ASSERT_EQ(lhs > rhs, a > b) << a << b;
     }
     EXPECT_GT(fitting, 500000);

@@ -60,7 +60,8 @@ DtTimeIndex saturate(double count) noexcept
     return count > 0. ? Limits::max() : Limits::min();
 }
 
-/// The lowest rate at which the ticks of both are whole: the least common multiple of the fractions.
+/// The lowest rate at which the ticks of both are whole: the least common multiple of the
+/// fractions.
 Rational getExactRate(const Rational& a, const Rational& b)
 {
     const std::int64_t numerator =

@@ -11,7 +11,7 @@
 /// Pitfall: seconds in floating point are rounded, so a time that makes the way to seconds and back
 /// can lose a tick to the truncation. Give `std::round_to_nearest` on the way back:
 /// @code
-/// const Kr::DtTime frame(7, 30000, 1001);
+/// const Kr::DtTime frame(7, 24, 1); // would come back as 6
 /// const Kr::DtTime same = Kr::DtTimeUtil::getDtTimeFromSeconds(
 ///     frame.getRate(), Kr::DtTimeUtil::getSecondsDouble(frame), std::round_to_nearest);
 /// @endcode
@@ -37,11 +37,11 @@ public:
     static double getSecondsDouble(const DtTime& time) noexcept;
     static float getSecondsFloat(const DtTime& time) noexcept;
 
-    /// seconds * rate, rounded in one of the styles of `DtTimeIndex::convert`; truncated toward zero
-    /// unless another is given. What does not fit in 64 bits gives the least count.
+    /// seconds * rate, rounded in one of the styles of `DtTimeIndex::convert`; truncated toward
+    /// zero unless another is given. What does not fit in 64 bits gives the least count.
     ///
     /// `std::round_to_nearest` brings back the count that `getSecondsDouble` was made from, up to
-    /// 2^50; truncation loses a tick of some: 3 of 1000 at 30000/1001.
+    /// 2^50; truncation loses a tick of 162 of the first 1000 at 24/1.
     /// @throws DtEx::BadRate if the rate is zero
     static DtTime getDtTimeFromSeconds(const Rational& rate, double seconds,
                                        std::float_round_style style = std::round_toward_zero);
@@ -51,8 +51,8 @@ public:
 
     /// @name Exact arithmetic across rates
     /// The operators of `DtTime` combine at the product of the rates, clamped, in numbers that wrap
-    /// around; these are exact or raise. The result is at the lowest rate at which the ticks of both
-    /// are whole, which is positive.
+    /// around; these are exact or raise. The result is at the lowest rate at which the ticks of
+    /// both are whole, which is positive.
     /// @throws DtEx::RateOverflow if that rate does not fit in 32 bits
     /// @throws DtEx::CountOverflow if a count does not fit in 64 bits at that rate
     /// @{
@@ -60,8 +60,8 @@ public:
     static DtTime getExactDifference(const DtTime& a, const DtTime& b);
     /// @}
 
-    /// -1 if a's seconds are below b's, 0 if they are equal, 1 if they are above. For any counts and
-    /// rates: nothing wraps around, and negative rates are ordered by what they mean.
+    /// -1 if a's seconds are below b's, 0 if they are equal, 1 if they are above. For any counts
+    /// and rates: nothing wraps around, and negative rates are ordered by what they mean.
     static int compareExactly(const DtTime& a, const DtTime& b) noexcept;
 
     /// @name Intervals

@@ -28,8 +28,8 @@ float FloatUtil::smoothStep(float edge0, float edge1, float x, float from, float
     return to;
 }
 
-// The runtime library's functions. On 32-bit Intel processors they return a result of 80 bits, which
-// a register would carry on to the caller.
+// The runtime library's functions. On 32-bit Intel processors they return a result of 80 bits,
+// which a register would carry on to the caller.
 
 namespace
 {

@@ -50,24 +50,51 @@ public:
     /// @{
 
     /// |a - b| < eps
-    static bool isEqual(float a, float b, float eps) noexcept { return abs(Rounded::subtract(a, b)) < eps; }
-    static bool isEqual(double a, double b, double eps) noexcept { return abs(Rounded::subtract(a, b)) < eps; }
+    static bool isEqual(float a, float b, float eps) noexcept
+    {
+        return abs(Rounded::subtract(a, b)) < eps;
+    }
+    static bool isEqual(double a, double b, double eps) noexcept
+    {
+        return abs(Rounded::subtract(a, b)) < eps;
+    }
 
     /// a > b + eps
     static bool isGreater(float a, float b, float eps) noexcept { return a > Rounded::add(b, eps); }
-    static bool isGreater(double a, double b, double eps) noexcept { return a > Rounded::add(b, eps); }
+    static bool isGreater(double a, double b, double eps) noexcept
+    {
+        return a > Rounded::add(b, eps);
+    }
 
     /// a > b - eps
-    static bool isGreaterEqual(float a, float b, float eps) noexcept { return a > Rounded::subtract(b, eps); }
-    static bool isGreaterEqual(double a, double b, double eps) noexcept { return a > Rounded::subtract(b, eps); }
+    static bool isGreaterEqual(float a, float b, float eps) noexcept
+    {
+        return a > Rounded::subtract(b, eps);
+    }
+    static bool isGreaterEqual(double a, double b, double eps) noexcept
+    {
+        return a > Rounded::subtract(b, eps);
+    }
 
     /// a < b - eps
-    static bool isSmaller(float a, float b, float eps) noexcept { return a < Rounded::subtract(b, eps); }
-    static bool isSmaller(double a, double b, double eps) noexcept { return a < Rounded::subtract(b, eps); }
+    static bool isSmaller(float a, float b, float eps) noexcept
+    {
+        return a < Rounded::subtract(b, eps);
+    }
+    static bool isSmaller(double a, double b, double eps) noexcept
+    {
+        return a < Rounded::subtract(b, eps);
+    }
 
     /// a < b + eps
-    static bool isSmallerEqual(float a, float b, float eps) noexcept { return a < Rounded::add(b, eps); }
-    static bool isSmallerEqual(double a, double b, double eps) noexcept { return a < Rounded::add(b, eps); }
+    static bool isSmallerEqual(float a, float b, float eps) noexcept
+    {
+        return a < Rounded::add(b, eps);
+    }
+    static bool isSmallerEqual(double a, double b, double eps) noexcept
+    {
+        return a < Rounded::add(b, eps);
+    }
     /// @}
 
     /// @name Comparison within the type's own tolerance
@@ -181,12 +208,18 @@ public:
     {
         return static_cast<float>(radiansToDegrees(static_cast<double>(x)));
     }
-    static double radiansToDegrees(double x) noexcept { return Rounded::divide(Rounded::multiply(x, 180.), _pi); }
+    static double radiansToDegrees(double x) noexcept
+    {
+        return Rounded::divide(Rounded::multiply(x, 180.), _pi);
+    }
     static float degreesToRadians(float x) noexcept
     {
         return static_cast<float>(degreesToRadians(static_cast<double>(x)));
     }
-    static double degreesToRadians(double x) noexcept { return Rounded::divide(Rounded::multiply(x, _pi), 180.); }
+    static double degreesToRadians(double x) noexcept
+    {
+        return Rounded::divide(Rounded::multiply(x, _pi), 180.);
+    }
     /// @}
 
     /// Goes from `from` (x below edge0) to `to` (x at or above edge1) along a cubic that is level

@@ -39,11 +39,8 @@ public:
 
     /// Raises `InVariableEx::ExUnknownOption`, with the nearest known name, for the first word that
     /// begins with two dashes and is no option of any setting. The words are read as by
-    /// `answerHelp`. Once packages are up, what is left of the command line can be given:
-    /// @code
-    /// Kr::Vector<char*> words = Kr::InContextAliasMgrBase::getRemainingWords();
-    /// Kr::InSettings::refuseUnknownOptions(static_cast<int>(words.size()), words.data());
-    /// @endcode
+    /// `answerHelp`. Once packages are up, the words that are left of the command line can be given
+    /// (`InContextAliasMgrBase::getRemainingWords`).
     static void refuseUnknownOptions(int argc, const char* const* argv);
 
     /// Whether the command line that the manager has taken over holds the option `--help`.

@@ -1,7 +1,5 @@
 #include <base/lgListener.h>
 
-#include <base/internal/log/lgListeners.h>
-
 #include <algorithm>
 #include <atomic>
 #include <mutex>
@@ -32,28 +30,33 @@ State& state()
 LgListener::LgListener(Function function)
     : _function(std::move(function))
 {
-    LgListeners::add(*this);
+    const std::lock_guard<std::recursive_mutex> lock(state().mutex);
+    state().listeners.push_back(this);
+    state().count = state().listeners.size();
 }
 
 LgListener::~LgListener()
 {
-    LgListeners::remove(*this);
+    const std::lock_guard<std::recursive_mutex> lock(state().mutex);
+    auto& all = state().listeners;
+    all.erase(std::remove(all.begin(), all.end(), this), all.end());
+    state().count = all.size();
 }
 
-bool LgListeners::isEmpty() noexcept
+bool LgListener::isAny() noexcept
 {
-    return state().count.load(std::memory_order_relaxed) == 0;
+    return state().count.load(std::memory_order_relaxed) != 0;
 }
 
 /// By position, since the functions may change the list. The function is copied, since it may end
 /// the listener that holds it.
-void LgListeners::notify(const LgMessage& message) noexcept
+void LgListener::notify(const LgMessage& message) noexcept
 {
     const std::lock_guard<std::recursive_mutex> lock(state().mutex);
     for (std::size_t i = 0; i < state().listeners.size(); ++i)
         try
         {
-            const LgListener::Function function = state().listeners[i]->_function;
+            const Function function = state().listeners[i]->_function;
             function(message);
         }
         catch (...)
@@ -61,21 +64,6 @@ void LgListeners::notify(const LgMessage& message) noexcept
             // Whatever is wrong there must not keep the messages from their files.
             continue;
         }
-}
-
-void LgListeners::add(LgListener& listener)
-{
-    const std::lock_guard<std::recursive_mutex> lock(state().mutex);
-    state().listeners.push_back(&listener);
-    state().count = state().listeners.size();
-}
-
-void LgListeners::remove(LgListener& listener) noexcept
-{
-    const std::lock_guard<std::recursive_mutex> lock(state().mutex);
-    auto& all = state().listeners;
-    all.erase(std::remove(all.begin(), all.end(), &listener), all.end());
-    state().count = all.size();
 }
 
 } // namespace Kr

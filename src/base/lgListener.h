@@ -55,9 +55,12 @@ public:
     ~LgListener();
 
 private:
-    friend class LgListeners;
+    friend class LgSession;
 
-    Function _function;
+    static bool isAny() noexcept;
+    static void notify(const LgMessage& message) noexcept;
+
+    const Function _function;
 };
 
 } // namespace Kr

@@ -53,8 +53,8 @@ public:
     /// The calling thread's queue, for those who write into it without `KR_LOG`: made by the first
     /// call, then at no cost. Null while the logger is not up, when the thread is ending, and in
     /// code that the logger calls for its output. The thread that started the logger has the
-    /// default queue, of number 0; the others have their thread's number. Between `reserveEntry`
-    /// and `addEntry` the thread must not log with `KR_LOG`: that writes into the same queue.
+    /// default queue, of number 0; the others have their thread's number. What the thread logs with
+    /// `KR_LOG` between `reserveEntry` and `addEntry` goes into another queue.
     static LgQueue* getQueue() noexcept;
 
     /// Returns when everything that was logged before the call has been handed to the system. May

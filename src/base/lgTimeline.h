@@ -17,8 +17,7 @@
 /// find the ring full are counted, and the count is shown.
 ///
 /// Pitfalls: the file is made anew, and belongs to one process; "%p" in its name stands for the
-/// process's number. A name is cut to 47 bytes. After an abnormal end the closing bracket is
-/// missing, which the viewers do not mind.
+/// process's number. A name is cut to 47 bytes.
 
 #include <base/hwCounter.h>
 #include <base/krBaseApi.h>

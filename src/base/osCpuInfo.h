@@ -10,8 +10,8 @@
 ///     std::cout << Kr::OsCpuInfo::getTypeName() << " with SSE\n";
 /// @endcode
 /// This is what programs have been told since there were four-bit models; `OsProcessor` describes a
-/// processor of today. For time stamps use `HwCounter`, whose rate fits in 31 bits; this counter is the raw one behind
-/// it.
+/// processor of today. For time stamps use `HwCounter`, whose rate fits in 31 bits; this counter is
+/// the raw one behind it.
 
 #include <base/krBaseApi.h>
 

@@ -10,9 +10,9 @@
 /// @endcode
 /// Pitfall: a float or double with its bytes reversed is a pattern of bits, no number. Copying one as
 /// a number alters some patterns on 32-bit Intel processors (signalling NaNs become quiet ones), and
-/// a program compiled there without optimisation copies even the result of `invert` that way. Where
-/// such patterns matter use `invertInPlace`, which never takes the bytes for a number; `invert` and
-/// `invertIf` copy integers only, and are always inlined.
+/// a compiler there may copy any variable of such a type that way, whatever is done here: `invert`
+/// and `invertIf` themselves copy integers only, and are always inlined. Where such patterns can
+/// occur, read the bytes into an integer of the same size and reverse that.
 
 
 #include <cstdint>
@@ -31,10 +31,6 @@ public:
     /// The same if the condition holds, else the value.
     template <class T>
     [[gnu::always_inline]] static T invertIf(bool condition, const T& value) noexcept;
-
-    /// Reverses the bytes where they are. Every bit is kept, whatever it is compiled with.
-    template <class T>
-    static void invertInPlace(T& value) noexcept;
 
     /// Whether this machine keeps the highest byte of an integer first.
     static bool isBigEndian() noexcept;

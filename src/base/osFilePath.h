@@ -61,6 +61,8 @@ public:
     const char* getChars() const noexcept { return _path != nullptr ? _path : ""; } ///< never null
     std::string getString() const;
     std::string_view getView() const noexcept;
+    /// So that a path goes wherever a text is taken, into a log statement too.
+    operator std::string_view() const noexcept { return getView(); } // NOLINT: see above
     /// What the standard library opens the same file with: on a POSIX host "C:\tmp\x" is "/tmp/x".
     std::filesystem::path getStdPath() const;
     /// The full path as a "file:" address, which terminals and editors open on a click. Raises

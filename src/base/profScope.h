@@ -16,12 +16,12 @@
 /// }
 /// @endcode
 /// When an exception leaves the scope, a span is stopped and counted, since the time has passed. A
-/// cycle is cancelled: the statistics are about finished work, and half a frame would be a very fast
-/// one.
+/// cycle is cancelled: the statistics are about finished work, and half a frame would be a very
+/// fast one.
 ///
-/// A guard does what the calls by hand would do, at their cost, and belongs to the thread of what it
-/// times. It holds a reference: what it times outlives it. A clock that cannot be read at the end is
-/// taken for a span that was not measured, because a destructor cannot raise.
+/// A guard does what the calls by hand would do, at their cost, and belongs to the thread of what
+/// it times. It holds a reference: what it times outlives it. A clock that cannot be read at the
+/// end is taken for a span that was not measured, because a destructor cannot raise.
 
 #include <exception>
 

@@ -16,9 +16,9 @@
 /// std::cout << frame << spread;
 /// @endcode
 /// `ProfCycle` (<base/profScope.h>) writes the three calls as one guard, right when an exception
-/// leaves it. A cycle is made of any number of spans from `start` to `stop`; `endCycle` takes their sum into
-/// the statistics. A cycle costs two readings of the stopwatch and a few additions; it neither
-/// locks nor allocates.
+/// leaves it. A cycle is made of any number of spans from `start` to `stop`; `endCycle` takes their
+/// sum into the statistics. A cycle costs two readings of the stopwatch and a few additions; it
+/// neither locks nor allocates.
 ///
 /// Pitfalls: a second `start` in a row drops the span that was running; a second `stop` in a row
 /// counts the span from its start once more. `cycles` is a 32-bit count and wraps around.

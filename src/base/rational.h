@@ -55,7 +55,7 @@ public:
     std::int32_t getDenominator() const noexcept { return _denominator; }
 
     /// Numerator divided by denominator.
-    double getDouble() const noexcept 
+    double getDouble() const noexcept
     {
         return Rounded::divide(static_cast<double>(_numerator), static_cast<double>(_denominator));
     }

@@ -6,8 +6,8 @@
 /// Kr::RnNiederreiterMultiRng<float> points; // N is 4
 /// Kr::RnMultiRng<float, 4>& anyGenerator = points;
 /// float x[1024], y[1024], u[1024], v[1024];
-/// float* const coordinates[] = {x, y, u, v};
-/// anyGenerator.getSequence(1024, const_cast<float**>(coordinates)); // several times faster
+/// float* coordinates[] = {x, y, u, v};
+/// anyGenerator.getSequence(1024, coordinates); // several times faster than 1024 calls
 /// @endcode
 /// T is `float` or `double`, N is 2, 3 or 4. See `RnRng` for what all generators have in common.
 

@@ -24,10 +24,7 @@ RnNiederreiterMultiRng<T>::RnNiederreiterMultiRng()
 template <class T>
 void RnNiederreiterMultiRng<T>::getSample(T* const sample)
 {
-    const Niederreiter::Row point = Niederreiter::getPoint(_index + skippedCount);
-    ++_index;
-    for (unsigned int c = 0; c < point.size(); ++c)
-        sample[c] = Niederreiter::getFraction<T>(point[c]);
+    Niederreiter::getPoint(_index++ + skippedCount, sample);
 }
 
 template <class T>

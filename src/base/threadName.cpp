@@ -10,6 +10,8 @@ namespace Kr
 namespace
 {
 
+static_assert(std::size_t{ThreadName::size} == ThreadLabel::size);
+
 // Plain thread-locals, which can be looked at while the thread ends.
 thread_local char ownName[ThreadName::size] = "";
 thread_local std::shared_ptr<ThreadLabel>* ownLabel = nullptr;
@@ -33,10 +35,11 @@ struct LabelEnd
 
 thread_local LabelEnd labelEnd;
 
-void copyName(char (&to)[ThreadName::size], const char* name)
+template <std::size_t size>
+void copyName(char (&to)[size], const char* name)
 {
-    std::strncpy(to, name, sizeof to - 1);
-    to[sizeof to - 1] = '\0';
+    std::strncpy(to, name, size - 1);
+    to[size - 1] = '\0';
 }
 
 } // namespace

@@ -34,10 +34,8 @@
 #include <base/exBase.h>
 #include <base/krBaseApi.h>
 #include <base/raise.h>
+#include <base/traceRaise.h>
 
-#include <chrono>
-#include <cstddef>
-#include <cstdint>
 #include <iosfwd>
 
 namespace Kr
@@ -77,32 +75,12 @@ public:
     virtual void printException(const ExBase& exception, const char* file, int line) noexcept;
 };
 
-/// The sizes of the trace's memory.
-struct TraceHistorySizes
-{
-    /// How many raises are kept.
-    static constexpr std::size_t historySize = 32;
-    /// The sizes of the texts kept of a raise, their terminators included; longer texts are cut.
-    static constexpr std::size_t typeSize = 128;
-    static constexpr std::size_t fileSize = 128;
-    static constexpr std::size_t reasonSize = 256;
-};
-
 /// The process's one trace, and its memory of the last raises.
 class KR_BASE_API TraceManager : public TraceHistorySizes
 {
 public:
-    /// One raise. Its texts hold for as long as the visit of it lasts.
-    struct Raise
-    {
-        const char* type; ///< `type_info::name()` of the exception
-        const char* file; ///< the exception's own position
-        std::int32_t line;
-        const char* reason;
-        std::uint32_t thread; ///< the operating system's number of the raising thread
-        std::chrono::system_clock::time_point time;
-    };
-    using RaiseVisitor = void (*)(const Raise& raise, void* context);
+    using Raise = TraceRaise;
+    using RaiseVisitor = TraceRaise::Visitor;
 
     static TraceManager& getInstance() noexcept;
 
@@ -116,8 +94,8 @@ public:
     /// recording at this moment is left out.
     void visitRaises(RaiseVisitor visitor, void* context) const;
 
-    /// Writes the last raises, the oldest first, one to a line: time (UTC), thread, position, type
-    /// and reason. Line breaks and other control characters are escaped (`\n`).
+    /// Writes the last raises, the oldest first, one to a line: time (UTC), thread and its name,
+    /// position, type and reason. Line breaks and other control characters are escaped (`\n`).
     void listRaises(std::ostream& os) const;
 
     /// Keeps the raise in the history, then hands the exception to the trace with the given

@@ -1,5 +1,5 @@
-// One number of all that the headers compile into a program: the same on every machine, whatever the program
-// was compiled with.
+// One number of all that the headers compile into a program: the same on every machine, whatever
+// the program was compiled with.
 
 #include <base/dtTimeChrono.h>
 #include <base/dtTimeIndexInterval.h>
@@ -142,7 +142,8 @@ void addNumeric(Digest& digest)
 
 void addTimes(Digest& digest)
 {
-    const Kr::Rational rate(static_cast<int>(getBits() % 90000) + 1, static_cast<int>(getBits() % 1001) + 1);
+    const Kr::Rational rate(static_cast<int>(getBits() % 90000) + 1,
+                            static_cast<int>(getBits() % 1001) + 1);
     const Kr::DtTime time(static_cast<long long>(getBits()) >> (getBits() % 50), rate);
     digest.add(rate.getDouble());
     digest.add(rate.getFloat());
@@ -199,21 +200,15 @@ void addProfiles(Digest& digest)
     }
 }
 
-/// Signalling NaNs, before or after the reversal.
 void addBytes(Digest& digest)
 {
-    for (const std::uint64_t bits : {0x7FF4000000000001, 0x010000000000F47F, 0x0100A07F7FA00001})
+    for (int i = 0; i < 100; ++i)
     {
-        double wide;
-        float narrow;
-        std::memcpy(&wide, &bits, sizeof wide);
-        std::memcpy(&narrow, &bits, sizeof narrow);
-        Kr::OsEndian::invertInPlace(wide);
-        Kr::OsEndian::invertInPlace(narrow);
-        digest.add(wide);
-        digest.add(narrow);
-        digest.add(Kr::OsEndian::invert(bits));
+        digest.add(Kr::OsEndian::invert(getBits()));
+        digest.add(Kr::OsEndian::invert(static_cast<std::uint32_t>(getBits())));
     }
+    for (const double number : {3.14159, -2.718281828459045})
+        digest.add(Kr::OsEndian::invert(number));
 }
 
 } // namespace

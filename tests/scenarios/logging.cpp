@@ -255,7 +255,11 @@ void statements()
     {
         KR_LOG(group, Warning) << "caught";
     }
-    SCENARIO_CHECK(Kr::LgLog::getQueue()->getThreadId() == 0);
+    Kr::LgQueue* const queue = Kr::LgLog::getQueue();
+    SCENARIO_CHECK(queue->getThreadId() == 0 && queue->reserveEntry(Kr::LgTypes::Warning));
+    KR_LOG(group, Warning) << "beside";
+    queue->getStream() << "by hand";
+    queue->addEntry();
     std::thread([] { SCENARIO_CHECK(Kr::LgLog::getQueue()->getThreadId() != 0); }).join();
     Kr::LgLog::flush();
     program.reset();
@@ -376,6 +380,11 @@ void listSettings()
     Kr::InVariableBase::dumpAll(std::cout);
 }
 
+void silent()
+{
+    const Program program;
+}
+
 void spansCutShort()
 {
     const Kr::LgMinorGroup& group = openProgram();
@@ -404,6 +413,7 @@ constexpr Scenario::Case programs[] = {
     {"reentry", reentry},
     {"spans", spans},
     {"spansCutShort", spansCutShort},
+    {"silent", silent},
     {"comforts", comforts},
     {"listSettings", listSettings},
 };
@@ -633,10 +643,11 @@ void statementForm()
 {
     const LogFolder folder;
     SCENARIO_CHECK(start(folder, "statements") == 0);
-    SCENARIO_CHECK(joined(textsIn(folder / "events.log")) == "outer 1 done|inner|cut|caught|");
+    SCENARIO_CHECK(joined(textsIn(folder / "events.log")) ==
+                   "outer 1 done|inner|cut|caught|by hand|beside|");
     SCENARIO_CHECK(start(folder, "reentry") == 0);
     SCENARIO_CHECK(joined(textsIn(folder / "events.log")) ==
-                   "outer 1 done|inner|cut|caught|first|second|");
+                   "outer 1 done|inner|cut|caught|by hand|beside|first|second|");
     set("KR_LOG_WARNING", "none"); // what writing to a file allocates is the system's
     set("KR_LOG_INFORMATIONAL", "none");
     SCENARIO_CHECK(start(folder, "allocations") == 0);
@@ -677,9 +688,17 @@ void timeline()
                             contains(text, "\"cat\":\"Warning\",\"name\":\"in between\"")
                         ? 1
                         : 0;
-        cutShort += LogTest::JsonCheck::isValue(text + "]") && contains(text, "the end") ? 1 : 0;
+        cutShort += LogTest::JsonCheck::isValue(text) && contains(text, "the end") ? 1 : 0;
+        SCENARIO_CHECK(contains(text, "\"process_name\"") && contains(text, "\"cat\":\"span\"") &&
+                       contains(text, "\"cat\":\"clock\",\"name\":\"20"));
     }
     SCENARIO_CHECK(complete == 1 && cutShort == 1);
+    // A program without an event leaves the timeline of an earlier one alone.
+    set("KR_LOG_TIMELINE", "earlier.json");
+    SCENARIO_CHECK(start(folder, "spans") == 0);
+    const std::string before = readFile(folder / "earlier.json");
+    SCENARIO_CHECK(start(folder, "silent") == 0);
+    SCENARIO_CHECK(!before.empty() && readFile(folder / "earlier.json") == before);
 }
 
 } // namespace

@@ -120,20 +120,9 @@ std::string textOf(Report report)
     return text.str();
 }
 
-std::string dump()
-{
-    return textOf(&InInitMgr::dump);
-}
-
-std::string cycles()
-{
-    return textOf(&InInitMgr::reportCycles);
-}
-
-std::string graph()
-{
-    return textOf(&InInitMgr::writeGraph);
-}
+const auto dump = [] { return textOf(&InInitMgr::dump); };
+const auto cycles = [] { return textOf(&InInitMgr::reportCycles); };
+const auto graph = [] { return textOf(&InInitMgr::writeGraph); };
 
 bool contains(const std::string& text, const std::string& part)
 {

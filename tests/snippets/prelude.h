@@ -4,12 +4,29 @@
 
 #include <base/dtRefTime.h>
 #include <base/dtTimeCode.h>
+#include <base/exSysError.h>
 #include <base/inInitGuard.h>
 #include <base/inOptionParser.h>
 #include <base/lgTypes.h>
+#include <base/osDateUtil.h>
+#include <base/osDir.h>
+#include <base/osDirWalker.h>
+#include <base/osFile.h>
+#include <base/osFileEx.h>
+#include <base/osFileReader.h>
+#include <base/osFileWriter.h>
 #include <base/osMemoryArch.h>
 #include <base/profiler.h>
 #include <base/rational.h>
+#include <base/rnAsymmetricalSeparableBiRng.h>
+#include <base/rnDirectionMultiRng.h>
+#include <base/rnEx.h>
+#include <base/rnGaussianRng.h>
+#include <base/rnHaltonBiRng.h>
+#include <base/rnHistogramRng.h>
+#include <base/rnLecuyerUniformRng.h>
+#include <base/rnMexicanHatRng.h>
+#include <base/rnNiederreiterMultiRng.h>
 #include <base/trace.h>
 
 #include <cassert>

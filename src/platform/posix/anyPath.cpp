@@ -67,18 +67,21 @@ bool krRename(const char* from, const char* to)
 
 bool krGetFullPath(const char* path, std::string& full, std::size_t& lastElement)
 {
-    full.resize(1024);
+    char buffer[1024];
     char* last = nullptr;
-    const auto ask = [&]
-    { return GetFullPathNameA(path, static_cast<DWORD>(full.size()), full.data(), &last); };
-    DWORD length = ask();
-    while (length >= full.size())
+    DWORD length = GetFullPathNameA(path, sizeof buffer, buffer, &last);
+    const char* text = buffer;
+    if (length >= sizeof buffer)
     {
         full.resize(length);
-        length = ask();
+        length = GetFullPathNameA(path, length, full.data(), &last);
+        text = full.data();
     }
-    lastElement = last != nullptr ? static_cast<std::size_t>(last - full.data()) : length;
-    full.resize(length);
+    lastElement = last != nullptr ? static_cast<std::size_t>(last - text) : length;
+    if (text == buffer)
+        full.assign(buffer, length);
+    else
+        full.resize(length);
     return length != 0;
 }
 

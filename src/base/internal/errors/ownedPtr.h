@@ -20,7 +20,8 @@ struct DeleteObject
         delete object;
     }
 
-    /// A derived object goes to an owner of its base, which deletes it through a virtual destructor.
+    /// A derived object goes to an owner of its base, which deletes it through a virtual
+    /// destructor.
     template <class From, class To>
     static constexpr bool canPass() noexcept
     {
@@ -43,7 +44,7 @@ struct DeleteArray
     template <class From, class To>
     static constexpr bool canPass() noexcept
     {
-        return std::is_convertible_v<From (*)[], To (*)[]>;
+        return std::is_convertible_v<From(*)[], To(*)[]>;
     }
 };
 

@@ -2,6 +2,7 @@
 
 #include <base/internal/errors/fixedText.h>
 #include <base/internal/errors/processIdentity.h>
+#include <base/threadName.h>
 
 #include <algorithm>
 #include <atomic>
@@ -14,13 +15,14 @@ namespace Kr
 namespace
 {
 
-/// What is kept of a raise: three texts one after the other, each with its terminator.
+/// What is kept of a raise: four texts one after the other, each with its terminator.
 struct Record
 {
     std::int64_t microseconds; // since the clock's epoch
     std::uint32_t thread;
     std::int32_t line;
-    char texts[TraceManager::typeSize + TraceManager::fileSize + TraceManager::reasonSize];
+    char texts[TraceHistorySizes::typeSize + TraceHistorySizes::fileSize +
+               TraceHistorySizes::reasonSize + TraceHistorySizes::threadNameSize];
 };
 
 /// Appends at most `size - 1` characters and a terminator; returns where the next text begins.
@@ -85,7 +87,7 @@ private:
     std::atomic<Word> _words[wordCount] = {};
 };
 
-constexpr std::uint32_t slotCount = TraceManager::historySize;
+constexpr std::uint32_t slotCount = TraceHistorySizes::historySize;
 
 Slot slots[slotCount];
 std::atomic<std::uint32_t> raiseCount{0};
@@ -101,9 +103,10 @@ void RaiseHistory::record(const ExBase& exception) noexcept
         duration_cast<microseconds>(std::chrono::system_clock::now().time_since_epoch()).count();
     record.thread = ProcessIdentity::getThreadId();
     record.line = exception.getLineNo();
-    char* end = appendText(record.texts, typeid(exception).name(), TraceManager::typeSize);
-    end = appendText(end, exception.getFileName(), TraceManager::fileSize);
-    end = appendText(end, exception.getReason(), TraceManager::reasonSize);
+    char* end = appendText(record.texts, typeid(exception).name(), TraceHistorySizes::typeSize);
+    end = appendText(end, exception.getFileName(), TraceHistorySizes::fileSize);
+    end = appendText(end, exception.getReason(), TraceHistorySizes::reasonSize);
+    end = appendText(end, ThreadName::get(), TraceHistorySizes::threadNameSize);
     while ((end - record.texts) % static_cast<std::ptrdiff_t>(sizeof(std::uintptr_t)) != 0)
         *end++ = '\0';
     const std::uint32_t ticket = raiseCount.fetch_add(1, std::memory_order_relaxed);
@@ -111,7 +114,7 @@ void RaiseHistory::record(const ExBase& exception) noexcept
         record, static_cast<std::size_t>(end - reinterpret_cast<const char*>(&record)), ticket);
 }
 
-void RaiseHistory::visit(TraceManager::RaiseVisitor visitor, void* context)
+void RaiseHistory::visit(TraceRaise::Visitor visitor, void* context)
 {
     const std::uint32_t count = raiseCount.load(std::memory_order_acquire);
     Record record;
@@ -122,11 +125,13 @@ void RaiseHistory::visit(TraceManager::RaiseVisitor visitor, void* context)
             continue;
         const char* file = record.texts + std::strlen(record.texts) + 1;
         const char* reason = file + std::strlen(file) + 1;
+        const char* threadName = reason + std::strlen(reason) + 1;
         using std::chrono::system_clock;
         const system_clock::time_point time(std::chrono::duration_cast<system_clock::duration>(
             std::chrono::microseconds(record.microseconds)));
-        visitor(TraceManager::Raise{record.texts, file, record.line, reason, record.thread, time},
-                context);
+        visitor(
+            TraceRaise{record.texts, file, record.line, reason, record.thread, threadName, time},
+            context);
     }
 }
 

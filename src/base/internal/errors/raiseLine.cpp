@@ -52,13 +52,19 @@ void appendTime(FixedText& line, std::chrono::system_clock::time_point moment) n
 
 } // namespace
 
-std::size_t RaiseHistory::format(Line& line, const TraceManager::Raise& raise, const char* type)
+std::size_t RaiseHistory::format(Line& line, const TraceRaise& raise, const char* type)
 {
     FixedText text(line, sizeof line - 1); // the end of the line is never cut
     char number[32];
     appendTime(text, raise.time);
     std::snprintf(number, sizeof number, " thread %lu ", static_cast<unsigned long>(raise.thread));
     text.append(number);
+    if (*raise.threadName != '\0')
+    {
+        text.append("(");
+        appendEscaped(text, raise.threadName);
+        text.append(") ");
+    }
     appendEscaped(text, raise.file);
     std::snprintf(number, sizeof number, ":%d ", static_cast<int>(raise.line));
     text.append(number);

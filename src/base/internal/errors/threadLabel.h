@@ -4,9 +4,8 @@
 /// Internal to the library: the name of a thread as other threads see it, also when the thread has
 /// ended.
 
-#include <base/threadName.h>
-
 #include <atomic>
+#include <cstddef>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -17,6 +16,8 @@ namespace Kr
 class ThreadLabel
 {
 public:
+    static constexpr std::size_t size = 32; ///< of a name, its terminator included
+
     /// That of the calling thread; it follows what the thread is called from then on. A thread that
     /// is ending gets one of its own each time.
     static std::shared_ptr<ThreadLabel> ofCaller();
@@ -29,7 +30,7 @@ public:
 private:
     mutable std::mutex _mutex;
     std::atomic<bool> _isNamed{false};
-    char _name[ThreadName::size] = "";
+    char _name[size] = "";
 };
 
 } // namespace Kr

@@ -96,10 +96,10 @@ unsigned parseOptions(std::string_view text, bool report)
 [[noreturn]] void listHistoryAndTerminate()
 {
     std::fputs("The last raises:\n", stderr);
-    const auto print = [](const TraceManager::Raise& raise, void*)
+    const auto print = [](const TraceRaise& raise, void*)
     {
         RaiseHistory::Line line;
-        char type[TraceManager::typeSize]; // the program may be out of memory
+        char type[TraceHistorySizes::typeSize]; // the program may be out of memory
         RaiseHistory::format(line, raise, demanglePlain(raise.type, type, sizeof type));
         std::fputs(line, stderr);
     };

@@ -33,6 +33,9 @@ public:
     /// Appends whole lines; false, with the file as it was, if that fails.
     virtual bool append(const char* text, std::size_t size) noexcept = 0;
 
+    /// Takes so many bytes off the end of an exclusive file; false if that fails.
+    virtual bool removeEnd(std::size_t size) noexcept;
+
     /// Returns when what was appended is on the disk.
     virtual bool sync() noexcept = 0;
 

@@ -71,6 +71,7 @@ public:
     }
 
     bool append(const char* text, std::size_t size) noexcept override;
+    bool removeEnd(std::size_t size) noexcept override;
     bool sync() noexcept override;
     std::string getProblem() const override;
 
@@ -102,6 +103,11 @@ bool LgFileWindows::append(const char* text, std::size_t size) noexcept
         _problem = ERROR_NOT_ENOUGH_MEMORY;
         return false;
     }
+}
+
+bool LgFileWindows::removeEnd(std::size_t size) noexcept
+{
+    return takeBack(getSize() - static_cast<std::int64_t>(size)) || failed();
 }
 
 bool LgFileWindows::sync() noexcept
@@ -229,6 +235,11 @@ bool LgFileWindows::failed()
 } // namespace
 
 LgFile::~LgFile() = default;
+
+bool LgFile::removeEnd(std::size_t) noexcept
+{
+    return false;
+}
 
 std::unique_ptr<LgFile> LgFile::create(const LgFileSettings& settings)
 {

@@ -3,7 +3,7 @@
 #include <base/internal/log/lgColumnFormat.h>
 #include <base/internal/log/lgFile.h>
 #include <base/internal/log/lgJsonFormat.h>
-#include <base/internal/log/lgListeners.h>
+#include <base/lgListener.h>
 #include <base/lgTimeline.h>
 
 namespace Kr
@@ -69,10 +69,10 @@ void LgSession::show(const LgRecord& record)
 {
     if (_timeline != nullptr)
         _timeline->addMessage(record);
-    if (!LgListeners::isEmpty())
-        LgListeners::notify({record.level, _clock.getTimeOfDay(record.timeStamp), record.thread,
-                             record.threadName, record.group, record.text, record.lost,
-                             record.isCut});
+    if (LgListener::isAny())
+        LgListener::notify({record.level, _clock.getTimeOfDay(record.timeStamp), record.thread,
+                            record.threadName, record.group, record.text, record.lost,
+                            record.isCut});
 }
 
 void LgSession::openTimeline()

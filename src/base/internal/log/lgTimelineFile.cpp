@@ -3,6 +3,7 @@
 #include <base/hwCounter.h>
 #include <base/internal/errors/processIdentity.h>
 #include <base/internal/log/lgJson.h>
+#include <base/internal/log/lgTimeText.h>
 #include <base/lgCounters.h>
 
 #include <algorithm>
@@ -15,6 +16,8 @@ namespace
 {
 
 constexpr std::size_t batchSize = 64 * 1024;
+constexpr char ending[] = "\n]\n";
+constexpr std::size_t endingSize = sizeof ending - 1;
 
 } // namespace
 
@@ -24,18 +27,17 @@ LgTimelineFile::LgTimelineFile(std::unique_ptr<LgFile> file, const std::string& 
     , _path(path)
     , _clock(clock)
     , _process(std::to_string(ProcessIdentity::getProcessId()))
+    , _startStamp(HwCounter::timeStamp())
     , _isStarted(false)
+    , _isClosed(false)
     , _hasComplained(false)
 {
-    addThreadName(0, "main");
 }
 
 LgTimelineFile::~LgTimelineFile()
 {
     drain();
     flush();
-    if (_isStarted)
-        _file->append("\n]\n", 3);
 }
 
 void LgTimelineFile::addRing(std::shared_ptr<LgSpanRing> ring)
@@ -78,25 +80,56 @@ void LgTimelineFile::drain()
     _rings.erase(std::remove_if(_rings.begin(), _rings.end(), drainAndTest), _rings.end());
 }
 
-/// Each event brings the comma before it, so that the file lacks but its bracket at any time.
+/// The file is whole after each flush: the bracket at its end makes way for what follows. Each
+/// event brings the comma before it.
 void LgTimelineFile::flush()
 {
     if (_waiting.empty())
         return;
     if (!_isStarted)
         _waiting.replace(0, 1, "[");
-    if (_file->append(_waiting.data(), _waiting.size()))
-        _isStarted = true;
-    else if (!_hasComplained)
-    {
-        _hasComplained = true;
-        std::fprintf(stderr, "The timeline cannot be written to %s: %s\n", _path.c_str(),
-                     _file->getProblem().c_str());
-    }
+    if (_isClosed && _file->removeEnd(endingSize))
+        _isClosed = false;
+    _waiting += ending;
+    if (!_isClosed && _file->append(_waiting.data(), _waiting.size()))
+        _isStarted = _isClosed = true;
+    else
+        complain();
     _waiting.clear();
 }
 
+void LgTimelineFile::complain()
+{
+    if (_hasComplained)
+        return;
+    _hasComplained = true;
+    std::fprintf(stderr, "The timeline cannot be written to %s: %s\n", _path.c_str(),
+                 _file->getProblem().c_str());
+}
+
+/// What stands before the first event: who this is, and what time it is where the timeline begins.
+void LgTimelineFile::addHeader()
+{
+    _hasHeader = true;
+    startEvent("M", 0);
+    _waiting += ",\"name\":\"process_name\",\"args\":{\"name\":\"process " + _process + "\"}}";
+    if (_shownNames.find(0) == _shownNames.end())
+        showThreadName(0, "main");
+    startEvent("i", 0);
+    appendTime("ts", _clock.getElapsed(_startStamp));
+    _waiting += ",\"s\":\"p\",\"cat\":\"clock\",\"name\":\"";
+    LgTimeText(_clock).append(_waiting, _startStamp);
+    _waiting += "\"}";
+}
+
 void LgTimelineFile::beginEvent(const char* phase, unsigned long thread)
+{
+    if (!_hasHeader)
+        addHeader();
+    startEvent(phase, thread);
+}
+
+void LgTimelineFile::startEvent(const char* phase, unsigned long thread)
 {
     _waiting += ",\n{\"ph\":\"";
     _waiting += phase;
@@ -122,7 +155,7 @@ void LgTimelineFile::addSpan(const LgSpanRing& ring, const LgSpanRing::Span& spa
     beginEvent("X", ring.getThread());
     appendTime("ts", start);
     appendTime("dur", _clock.getElapsed(span.end) - start);
-    _waiting += ",\"name\":";
+    _waiting += ",\"cat\":\"span\",\"name\":";
     LgJson::appendString(_waiting, span.name);
     _waiting += '}';
     if (_waiting.size() >= batchSize)

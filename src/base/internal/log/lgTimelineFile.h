@@ -26,7 +26,7 @@ public:
     LgTimelineFile(const LgTimelineFile&) = delete;
     LgTimelineFile& operator=(const LgTimelineFile&) = delete;
 
-    /// Drains the rings and closes the array.
+    /// Drains the rings.
     ~LgTimelineFile();
 
     /// May be called by any thread.
@@ -38,6 +38,9 @@ public:
     void flush();
 
 private:
+    void complain();
+    void addHeader();
+    void startEvent(const char* phase, unsigned long thread);
     void beginEvent(const char* phase, unsigned long thread);
     void appendTime(const char* key, std::int64_t nanoseconds);
     void addSpan(const LgSpanRing& ring, const LgSpanRing::Span& span);
@@ -56,7 +59,10 @@ private:
     std::string _threadName;
     std::map<std::string, double> _counters; ///< as they were written last
     std::string _waiting;
+    const unsigned long long _startStamp;
+    bool _hasHeader = false;
     bool _isStarted;
+    bool _isClosed; ///< the bracket stands at the file's end
     bool _hasComplained;
 
     std::mutex _mutex; // guards what producers add

@@ -3,11 +3,11 @@
 /// @file
 /// Arithmetic whose every result is rounded to its type, whatever the compiler's settings.
 ///
-/// 32-bit Intel compilers calculate in registers of 80 bits unless they are told otherwise, and keep
-/// as many bits as the optimiser happens to leave there; others fuse a product with the sum that takes
-/// it where the processor can. What this library compiles into its callers calculates through these
-/// operations: one instruction where the compiler rounds every result by itself, a call into the
-/// library elsewhere.
+/// 32-bit Intel compilers calculate in registers of 80 bits unless they are told otherwise, and
+/// keep as many bits as the optimiser happens to leave there; others fuse a product with the sum
+/// that takes it where the processor can. What this library compiles into its callers calculates
+/// through these operations: one instruction where the compiler rounds every result by itself, a
+/// call into the library elsewhere.
 /// @code
 /// const float sum = Kr::Rounded::add(1.F, 1e-8F); // 1
 /// @endcode

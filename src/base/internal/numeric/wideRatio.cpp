@@ -139,9 +139,8 @@ int WideRatio::compareProducts(std::int64_t a, std::int64_t b, std::int64_t c,
     const int right = getSign(c) * getSign(d);
     if (left != right)
         return left < right ? -1 : 1;
-    const int order = compare(
-        multiply(TwosComplement::magnitude(a), TwosComplement::magnitude(b)),
-        multiply(TwosComplement::magnitude(c), TwosComplement::magnitude(d)));
+    const int order = compare(multiply(TwosComplement::magnitude(a), TwosComplement::magnitude(b)),
+                              multiply(TwosComplement::magnitude(c), TwosComplement::magnitude(d)));
     return left < 0 ? -order : order;
 }
 

@@ -41,8 +41,8 @@ struct FeatureBit
     std::uint64_t neededSets;
 };
 
-constexpr std::uint64_t ymm = 0x6;   ///< 128 and 256 bits
-constexpr std::uint64_t zmm = 0xE6;  ///< those, and 512 bits with their masks
+constexpr std::uint64_t ymm = 0x6;  ///< 128 and 256 bits
+constexpr std::uint64_t zmm = 0xE6; ///< those, and 512 bits with their masks
 constexpr auto ebx = &OsCpuRegisters::_ebx;
 constexpr auto ecx = &OsCpuRegisters::_ecx;
 constexpr auto edx = &OsCpuRegisters::_edx;
@@ -95,9 +95,9 @@ OsProcessor::Cache decodeCache(const OsCpuRegisters& answer)
 
 const OsProcessor::Cache* OsProcessor::findCache(int level) const
 {
-    const auto found =
-        std::find_if(_caches.begin(), _caches.end(), [level](const Cache& cache)
-                     { return cache.level == level && cache.kind != Instructions; });
+    const auto found = std::find_if(_caches.begin(), _caches.end(),
+                                    [level](const Cache& cache)
+                                    { return cache.level == level && cache.kind != Instructions; });
     return found != _caches.end() ? &*found : nullptr;
 }
 

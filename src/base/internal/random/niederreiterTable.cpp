@@ -1,6 +1,7 @@
 #include <base/internal/random/niederreiterTable.h>
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 
 namespace Kr::Niederreiter
@@ -29,9 +30,8 @@ constexpr auto makeRows()
     return rows;
 }
 
-constexpr std::array<std::array<Row, 16>, 8> nibbleRows = {
-    makeRows<0, 4>(),  makeRows<4, 4>(),  makeRows<8, 4>(),  makeRows<12, 4>(),
-    makeRows<16, 4>(), makeRows<20, 4>(), makeRows<24, 4>(), makeRows<28, 4>()};
+constexpr std::array<std::array<Row, 256>, 4> byteRows = {makeRows<0, 8>(), makeRows<8, 8>(),
+                                                          makeRows<16, 8>(), makeRows<24, 8>()};
 
 constexpr unsigned int blockBits = 5;
 constexpr unsigned int blockLength = 1U << blockBits;
@@ -50,12 +50,35 @@ constexpr std::array<Block, 4> makeBlockColumns()
 
 constexpr std::array<Block, 4> blockColumns = makeBlockColumns();
 
-/// The nearest T, but below 1, which a float's rounding would reach.
+template <class T>
+constexpr T scale = static_cast<T>(1. / 2147483648.);
+
+/// A float's rounding would reach 1.
+template <class T>
+constexpr T greatest = 1 - std::numeric_limits<T>::epsilon() / 2;
+
 template <class T>
 T getScaled(std::int32_t bits)
 {
-    constexpr T greatest = 1 - std::numeric_limits<T>::epsilon() / 2;
-    return std::min(static_cast<T>(bits) * static_cast<T>(1. / 2147483648.), greatest);
+    return std::min(static_cast<T>(bits) * scale<T>, greatest<T>);
+}
+
+/// The four coordinates at once.
+template <class T>
+using Lanes [[gnu::vector_size(4 * sizeof(T))]] = T;
+
+inline Lanes<std::int32_t> getLanes(std::uint32_t index)
+{
+    const Row* const rows[] = {&byteRows[0][index & 255], &byteRows[1][index >> 8 & 255],
+                               &byteRows[2][index >> 16 & 255], &byteRows[3][index >> 24]};
+    Lanes<std::int32_t> point{};
+    for (const Row* const row : rows)
+    {
+        Lanes<std::int32_t> lanes;
+        std::memcpy(&lanes, row, sizeof lanes);
+        point ^= lanes;
+    }
+    return point;
 }
 
 /// One coordinate of a whole block; the count is a constant for the sake of the compiler.
@@ -80,16 +103,19 @@ void fillColumnPart(const Block& column, std::uint32_t offset, unsigned int star
 
 Row getPoint(std::uint32_t index)
 {
-    Row point = nibbleRows[0][index & 15];
-    for (unsigned int nibble = 1; nibble < nibbleRows.size(); ++nibble)
-        point = combine(point, nibbleRows[nibble][index >> 4 * nibble & 15]);
+    const Lanes<std::int32_t> lanes = getLanes(index);
+    Row point;
+    std::memcpy(&point, &lanes, sizeof point);
     return point;
 }
 
 template <class T>
-T getFraction(std::uint32_t bits)
+void getPoint(std::uint32_t index, T* point)
 {
-    return getScaled<T>(static_cast<std::int32_t>(bits));
+    const Lanes<std::int32_t> bits = getLanes(index);
+    Lanes<T> lanes = __builtin_convertvector(bits, Lanes<T>) * scale<T>;
+    lanes = lanes < greatest<T> ? lanes : greatest<T> - Lanes<T>{};
+    std::memcpy(point, &lanes, sizeof lanes);
 }
 
 template <class T>
@@ -111,7 +137,7 @@ void fill(std::uint32_t first, unsigned int count, T* const* array)
 
 template void fill(std::uint32_t, unsigned int, float* const*);
 template void fill(std::uint32_t, unsigned int, double* const*);
-template float getFraction(std::uint32_t);
-template double getFraction(std::uint32_t);
+template void getPoint(std::uint32_t, float*);
+template void getPoint(std::uint32_t, double*);
 
 } // namespace Kr::Niederreiter

@@ -55,13 +55,13 @@ Row getPoint(std::uint32_t index);
 template <class T>
 void fill(std::uint32_t first, unsigned int count, T* const* array);
 
-/// A 31-bit fraction as a T below 1.
+/// The coordinates of an index's point, below 1.
 template <class T>
-T getFraction(std::uint32_t bits);
+void getPoint(std::uint32_t index, T* point);
 
 extern template void fill(std::uint32_t, unsigned int, float* const*);
 extern template void fill(std::uint32_t, unsigned int, double* const*);
-extern template float getFraction(std::uint32_t);
-extern template double getFraction(std::uint32_t);
+extern template void getPoint(std::uint32_t, float*);
+extern template void getPoint(std::uint32_t, double*);
 
 } // namespace Kr::Niederreiter

@@ -1,0 +1,31 @@
+# Runs the program as its users would: cmake -DPROGRAM=<samples> -DFOLDER=<scratch folder> -P check.cmake
+
+# check(<status> <regular expression for output and errors> <arguments>...)
+function(check expected_status expression)
+    execute_process(COMMAND ${PROGRAM} ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE output
+        ERROR_VARIABLE errors)
+    if(NOT status EQUAL expected_status OR NOT "${output}${errors}" MATCHES "${expression}")
+        message(SEND_ERROR "samples ${ARGN}: status ${status}\n${output}${errors}")
+    endif()
+endfunction()
+
+# A point set's discrepancy is far below chance, at 2^16 points.
+check(0 "Lecuyer  [^\n]*e-0[34]\n.*Hammersley [^\n]*e-0[56]\n")
+check(0 "^$" --sheet ${FOLDER}/sheet.png)
+check(0 "^$" --sheet ${FOLDER}/sheet.svg)
+file(SIZE ${FOLDER}/sheet.png png_size)
+file(STRINGS ${FOLDER}/sheet.svg dots REGEX "<circle")
+list(LENGTH dots dot_count)
+if(png_size LESS 100000 OR dot_count LESS 9000)
+    message(SEND_ERROR "sheet: ${png_size} bytes, ${dot_count} dots")
+endif()
+check(0 "^$" --draw 3 ${FOLDER}/halton.svg 100)
+file(STRINGS ${FOLDER}/halton.svg dots REGEX "<circle")
+list(LENGTH dots dot_count)
+if(NOT dot_count EQUAL 100)
+    message(SEND_ERROR "halton: ${dot_count} dots")
+endif()
+check(1 "'99' is not a number below" --draw 99 ${FOLDER}/x.png)
+check(1 "ends with .svg or .png" --sheet ${FOLDER}/x.gif)
+check(1 "cannot write" --sheet ${FOLDER}/missing/x.svg)
+check(2 "usage: samples" --help)
