@@ -29,7 +29,7 @@ class KR_BASE_API HmGC
 {
 public:
     HmGC();
-    ~HmGC();
+    ~HmGC(); // NOLINT(performance-trivially-destructible): exported, may come to do something
 
     // The settings. Each setter returns the previous value.
 

@@ -38,7 +38,7 @@
 ///
 /// A group that owns itself needs no package: it may be static, exists before the logger starts and
 /// after it stops, and is off then.
-/// @code
+/// @code{.cpp}
 /// static const Kr::LgGroup lights("Renderer", "Lights");
 ///
 /// void light(int count)

@@ -2,7 +2,7 @@
 
 /// @file
 /// What the log takes beside plain values, and how it is taught to take more.
-/// @code
+/// @code{.cpp}
 /// struct Colour
 /// {
 ///     float red, green, blue;

@@ -27,6 +27,7 @@
 #include <base/rnLecuyerUniformRng.h>
 #include <base/rnMexicanHatRng.h>
 #include <base/rnNiederreiterMultiRng.h>
+#include <base/timer.h>
 #include <base/trace.h>
 
 #include <cassert>
@@ -35,6 +36,7 @@
 #include <iostream>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 extern int argc;

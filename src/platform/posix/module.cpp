@@ -189,6 +189,7 @@ BOOL fillNext(HANDLE handle, MODULEENTRY32* entry) noexcept
         return 0;
     }
     const Module& module = snapshot->modules[snapshot->next++];
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the loader speaks of addresses as integers
     entry->modBaseAddr = reinterpret_cast<unsigned char*>(module.begin);
     entry->modBaseSize = static_cast<DWORD>(module.end - module.begin);
     const std::size_t name = module.path.rfind('\\') + 1;

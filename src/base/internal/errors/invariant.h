@@ -3,8 +3,9 @@
 /// @file
 /// The library's own invariants whose text and line are part of the interface, whatever the
 /// condition is written as. Invariants without a stated text are the runtime's `assert` itself.
-/// @code{.cpp}
-/// KR_INVARIANT_TEXT(_size != 0, "size > 0", 87);
+/// @code
+/// const int held = 1;
+/// KR_INVARIANT_TEXT(held != 0, "_size > 0", 87);
 /// @endcode
 
 #include <base/internal/errors/sourcePosition.h>

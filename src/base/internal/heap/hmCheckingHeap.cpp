@@ -67,6 +67,7 @@ struct Walk
 _Unwind_Reason_Code visitFrame(_Unwind_Context* context, void* argument)
 {
     auto& walk = *static_cast<Walk*>(argument);
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the unwinder speaks of addresses as integers
     void* const address = reinterpret_cast<void*>(_Unwind_GetIP(context));
     walk.isPastOrigin = walk.isPastOrigin || address == walk.origin;
     if (walk.isPastOrigin && address != nullptr)

@@ -33,6 +33,7 @@ public:
 
     T* allocate(std::size_t count)
     {
+        // NOLINTNEXTLINE(bugprone-sizeof-expression): also for the buckets of a map, pointers
         void* const storage = std::malloc(count * sizeof(T));
         if (storage == nullptr)
             throw std::bad_alloc();
