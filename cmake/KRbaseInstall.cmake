@@ -8,6 +8,7 @@ install(TARGETS kr_base EXPORT KRbaseTargets
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 # The public headers, and the internal ones that their templates and inline bodies reach.
 file(GLOB public_headers CONFIGURE_DEPENDS src/base/*.h src/base/*.imp src/base/*.inline)
+list(FILTER public_headers EXCLUDE REGEX "/rn[A-Za-z]+\\.imp$") # bodies that the library alone instantiates
 install(FILES ${public_headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/libKRbase/base)
 foreach(header
         errors/ownedPtr.h

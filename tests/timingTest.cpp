@@ -194,9 +194,10 @@ TEST(PeriodicTimers, StartAndStopOnceAndCountFromTheStart)
 TEST(PeriodicTimers, DoNotDrift)
 {
     constexpr double interval = 0.01;
+    constexpr double early = 0.001; // some systems' timers end within the millisecond before
     const Kr::ObjPtr<Kr::PeriodicTimer> timer(Kr::PeriodicTimer::create(interval));
     timer->start();
-    const double begin = now();
+    const double begin = now() - early;
     std::vector<double> late;
     long long last = 0;
     for (int i = 0; i < 40; ++i)
@@ -209,7 +210,7 @@ TEST(PeriodicTimers, DoNotDrift)
         late.push_back(std::fmod(now() - begin, interval));
     }
     EXPECT_GE(last, 58) << "every second wait misses a beat";
-    EXPECT_LT(median(std::move(late)), 0.25 * interval + getPeersOvershoot());
+    EXPECT_LT(median(std::move(late)), early + 0.25 * interval + getPeersOvershoot());
 }
 
 /// A timer that says when it beats.

@@ -2,6 +2,7 @@
 // so that aliases can be defined by each test. Scenarios of start-up are in
 // scenarios/variables.cpp.
 
+#include "ownSettings.h"
 #include "raised.h"
 #include "variablesFixture.h"
 
@@ -270,7 +271,7 @@ std::string reportOf(void (*report)(std::ostream&))
     std::ostringstream text;
     text << std::hex << std::boolalpha << std::setfill('*') << std::setw(99);
     report(text);
-    return text.str();
+    return withoutLogger(text.str());
 }
 
 void printHelp(std::ostream& os)

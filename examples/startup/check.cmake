@@ -27,7 +27,7 @@ viewer.samples = '8', from option --samples
     not the default: '4'.*\
 viewer.vsync = 'false', from option --no-vsync.*\
 left for the application: [^\n]* 'file' '--' '--x'
-.*about to be raised: .*examples/startup/scene, Line=.*caught: No such object: teapot.*\
+.*about to be raised: .*examples/startup/scene.cpp, Line=.*caught: No such object: teapot.*\
 viewer: stopped.*scene: stopped"
     "<application>::performFinalize.*<viewer>.*<scene>.*<base>.*<initialize>::performFinalize"
     --spheres 5 --no-vsync file --samples=8 -- --x)

@@ -30,6 +30,10 @@ def is_deleted(cursor):
     return cursor.availability.name == "NOT_AVAILABLE"
 
 
+def is_exported(cursor):
+    return any(token.spelling == "KR_BASE_API" for token in cursor.get_tokens())
+
+
 class Program:
     def __init__(self):
         self.statements = []
@@ -39,12 +43,14 @@ class Program:
 
     def function(self, cursor, owner):
         """The address of a function; its type picks it among those of its name."""
-        signature = cursor.type.get_canonical().spelling.replace(" __attribute__((thiscall))", "")
-        result = cursor.type.get_canonical().get_result().spelling
-        parameters = signature[len(result):].strip()
+        kind = cursor.type.get_canonical()
+        result = kind.get_result().spelling
+        parameters = ", ".join(parameter.spelling for parameter in kind.argument_types())
+        qualifiers = (" const" if cursor.is_const_method() else "") + (" noexcept" if kind.spelling.endswith("noexcept") else "")
         pointer = "*" if owner is None or cursor.is_static_method() else f"{owner}::*"
+        name = f"operator {result}" if cursor.kind == CursorKind.CONVERSION_FUNCTION else cursor.spelling
         scope = owner or qualified(cursor.semantic_parent)
-        self.add(f"keep(static_cast<{result} ({pointer}){parameters}>(&{scope}::{cursor.spelling}));")
+        self.add(f"keep(static_cast<Same<{result}> ({pointer})({parameters}){qualifiers}>(&{scope}::{name}));")
 
     def constructor(self, cursor, owner):
         arguments = ", ".join(f"some<{a.type.get_canonical().spelling}>()" for a in cursor.get_arguments())
@@ -75,7 +81,7 @@ class Program:
                 continue
             elif child.kind in CLASSES and child.is_definition():
                 self.klass(child)
-            elif child.kind == CursorKind.FUNCTION_DECL and not is_deleted(child):
+            elif child.kind == CursorKind.FUNCTION_DECL and is_exported(child) and not is_deleted(child):
                 self.function(child, None)
             elif child.kind == CursorKind.VAR_DECL:
                 self.add(f"keep({qualified(child)});")
@@ -122,6 +128,7 @@ def main(include, output, compiler):
     with open(output, "w", encoding="utf-8") as file:
         file.write(includes)
         file.write("#include <type_traits>\n\nusing namespace Kr;\n"
+                   "template <class T> using Same = T;\n"
                    "template <class T> void keep(const T& value) { static const volatile void* kept; kept = &value; }\n"
                    "template <class T> T&& some()\n"
                    "{ return static_cast<T&&>(*static_cast<std::remove_reference_t<T>*>(nullptr)); }\n\n")

@@ -3,6 +3,8 @@
 
 #include "scenario.h"
 
+#include <ownSettings.h>
+
 #include <base/inContextAlias.h>
 #include <base/inContextAliasMgrBase.h>
 #include <base/inEx.h>
@@ -82,7 +84,7 @@ std::string dump()
 {
     std::ostringstream text;
     Kr::InSettings::dumpAll(text);
-    return text.str();
+    return withoutLogger(text.str());
 }
 
 /// Starts the program with these words, and stops it at the end of the scope.

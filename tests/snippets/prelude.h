@@ -8,6 +8,7 @@
 #include <base/inInitGuard.h>
 #include <base/inOptionParser.h>
 #include <base/lgTypes.h>
+#include <base/log.h>
 #include <base/osDateUtil.h>
 #include <base/osDir.h>
 #include <base/osDirWalker.h>
