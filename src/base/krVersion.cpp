@@ -1,7 +1,8 @@
 #include <base/krVersion.h>
 
 #define KR_TEXT_OF(x) #x
-#define KR_VERSION_TEXT(major, minor, patch) KR_TEXT_OF(major) "." KR_TEXT_OF(minor) "." KR_TEXT_OF(patch)
+#define KR_VERSION_TEXT(major, minor, patch)                                                       \
+    KR_TEXT_OF(major) "." KR_TEXT_OF(minor) "." KR_TEXT_OF(patch)
 
 namespace Kr
 {

@@ -10,10 +10,10 @@
 /// KR_LOG(cache, Warning) << "no index on " << table << ", scanning " << rows << " rows";
 /// @endcode
 /// The group is an `LgMinorGroup` or a pointer to one (a null pointer logs nothing), the level one
-/// of `LgTypes::Level` without its scope, and the values are whatever an `LgStream` takes; base/lgValues.h
-/// tells which, and how to teach it more. A level
-/// that is off costs one load and one test, and the values are not computed. The statement is one
-/// statement: an `else` behind it belongs to the `if` before it.
+/// of `LgTypes::Level` without its scope, and the values are whatever an `LgStream` takes;
+/// base/lgValues.h tells which, and how to teach it more. A level that is off costs one load and
+/// one test, and the values are not computed. The statement is one statement: an `else` behind it
+/// belongs to the `if` before it.
 ///
 /// A statement costs what its thread's queue costs, and a call: the message stands in the queue,
 /// with the number of its group, and a reader takes it to the file.

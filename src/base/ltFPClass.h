@@ -10,7 +10,6 @@
 /// @endcode
 /// Stateless: every function may be called by any thread.
 
-
 #include <cmath>
 
 namespace Kr

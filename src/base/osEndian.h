@@ -8,12 +8,11 @@
 /// std::ifstream("scene.bin", std::ios::binary).read(reinterpret_cast<char*>(&size), sizeof size);
 /// size = Kr::OsEndian::invertIf(!Kr::OsEndian::isBigEndian(), size);
 /// @endcode
-/// Pitfall: a float or double with its bytes reversed is a pattern of bits, no number. Copying one as
-/// a number alters some patterns on 32-bit Intel processors (signalling NaNs become quiet ones), and
-/// a compiler there may copy any variable of such a type that way, whatever is done here: `invert`
-/// and `invertIf` themselves copy integers only, and are always inlined. Where such patterns can
-/// occur, read the bytes into an integer of the same size and reverse that.
-
+/// Pitfall: a float or double with its bytes reversed is a pattern of bits, no number. Copying one
+/// as a number alters some patterns on 32-bit Intel processors (signalling NaNs become quiet ones),
+/// and a compiler there may copy any variable of such a type that way, whatever is done here:
+/// `invert` and `invertIf` themselves copy integers only, and are always inlined. Where such
+/// patterns can occur, read the bytes into an integer of the same size and reverse that.
 
 #include <cstdint>
 

@@ -36,13 +36,25 @@ public:
     /// Restarts both sources.
     void restart() override;
     char const* getName() const override;
-    RnRng<T>* getRng0() const { return _uniRng0; }
-    RnRng<T>* getRng1() const { return _uniRng1; }
+    RnRng<T>* getRng0() const;
+    RnRng<T>* getRng1() const;
 
 private:
     RnRng<T>* _uniRng0;
     RnRng<T>* _uniRng1;
 };
+
+template <class T>
+RnRng<T>* RnAsymmetricalSeparableBiRng<T>::getRng0() const
+{
+    return _uniRng0;
+}
+
+template <class T>
+RnRng<T>* RnAsymmetricalSeparableBiRng<T>::getRng1() const
+{
+    return _uniRng1;
+}
 
 extern template class KR_BASE_API RnAsymmetricalSeparableBiRng<float>;
 extern template class KR_BASE_API RnAsymmetricalSeparableBiRng<double>;

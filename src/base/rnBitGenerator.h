@@ -31,18 +31,23 @@
 namespace Kr
 {
 
-template <class T>
-class RnBitGenerator
+/// The range of `RnBitGenerator`'s words, whatever the type of its source.
+struct RnBitRange
 {
-public:
     using result_type = std::uint32_t;
 
+    static constexpr result_type min() { return 0; }
+    static constexpr result_type max() { return 0xFFFFFFFFU; }
+};
+
+template <class T>
+class RnBitGenerator : public RnBitRange
+{
+public:
     /// Borrows the source.
     /// @throws ExInternalError if it is null
     explicit RnBitGenerator(RnRng<T>* uniRng);
 
-    static constexpr result_type min() { return 0; }
-    static constexpr result_type max() { return 0xFFFFFFFFU; }
     /// Samples below 0 count as 0, samples from 1 on as just below 1.
     result_type operator()();
 

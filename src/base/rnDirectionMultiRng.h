@@ -38,7 +38,7 @@ public:
 
     /// Restarts the source.
     void restart() override;
-    RnBiRng<T>* getRng() const { return _rng; }
+    RnBiRng<T>* getRng() const;
 
 protected:
     explicit RnDirectionMultiRng(RnBiRng<T>* rng);
@@ -58,6 +58,12 @@ private:
 
     RnBiRng<T>* _rng;
 };
+
+template <class T>
+RnBiRng<T>* RnDirectionMultiRng<T>::getRng() const
+{
+    return _rng;
+}
 
 /// Uniform in the cone of all directions that are at most an angle away from +z.
 template <class T>

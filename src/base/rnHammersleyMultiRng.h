@@ -45,7 +45,7 @@ public:
     void restart() override;
     /// The next point is the one at `index`, which is below the length.
     void restart(unsigned int index);
-    unsigned int getLength() const { return _length; }
+    unsigned int getLength() const;
     char const* getName() const override;
 
 private:
@@ -55,6 +55,12 @@ private:
     unsigned int _index;
     std::array<RnVanDerCorputRng<T>, N - 1> _rng;
 };
+
+template <class T, unsigned int N>
+unsigned int RnHammersleyMultiRng<T, N>::getLength() const
+{
+    return _length;
+}
 
 extern template class KR_BASE_API RnHammersleyMultiRng<float, 2>;
 extern template class KR_BASE_API RnHammersleyMultiRng<float, 3>;

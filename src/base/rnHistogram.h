@@ -35,13 +35,13 @@ public:
     ///     are more than 2^28 or than T can tell apart
     RnBins(T min, T max, unsigned int count);
 
-    T getMin() const { return _min; }
-    T getMax() const { return _max; }
-    unsigned int getCount() const { return _count; }
+    T getMin() const;
+    T getMax() const;
+    unsigned int getCount() const;
     /// The lower edge of a bin; that of `getCount()` is the upper end.
     T getEdge(unsigned int bin) const;
     /// Whether x lies in the range, ends included.
-    bool contains(T x) const { return _min <= x && x <= _max; }
+    bool contains(T x) const;
     /// The bin of a value that lies in the range.
     unsigned int getBin(T x) const;
     /// The value at a place in a bin, from 0 at its lower edge to 1 just below its upper edge.
@@ -54,6 +54,30 @@ private:
 };
 
 template <class T>
+T RnBins<T>::getMin() const
+{
+    return _min;
+}
+
+template <class T>
+T RnBins<T>::getMax() const
+{
+    return _max;
+}
+
+template <class T>
+unsigned int RnBins<T>::getCount() const
+{
+    return _count;
+}
+
+template <class T>
+bool RnBins<T>::contains(T x) const
+{
+    return _min <= x && x <= _max;
+}
+
+template <class T>
 class RnHistogram
 {
 public:
@@ -64,12 +88,12 @@ public:
     /// @throws RnEx::BadHistogram if a weight is negative or not finite, or if all are 0
     RnHistogram(T min, T max, unsigned int binCount, const T* weights);
 
-    const RnBins<T>& getBins() const { return _bins; }
-    const std::vector<double>& getWeights() const { return _weights; }
+    const RnBins<T>& getBins() const;
+    const std::vector<double>& getWeights() const;
     /// Adds up all bins.
     double getTotal() const;
     /// The weight that was added outside the range.
-    double getOutside() const { return _outside; }
+    double getOutside() const;
 
     /// Adds to the bin of `x`.
     /// @throws RnEx::BadHistogram if the weight is negative or not finite
@@ -91,6 +115,24 @@ private:
 };
 
 template <class T>
+const RnBins<T>& RnHistogram<T>::getBins() const
+{
+    return _bins;
+}
+
+template <class T>
+const std::vector<double>& RnHistogram<T>::getWeights() const
+{
+    return _weights;
+}
+
+template <class T>
+double RnHistogram<T>::getOutside() const
+{
+    return _outside;
+}
+
+template <class T>
 class RnBiHistogram
 {
 public:
@@ -100,14 +142,14 @@ public:
     /// @throws RnEx::BadHistogram if a weight is negative or not finite, or if all are 0
     RnBiHistogram(const RnBins<T>& xBins, const RnBins<T>& yBins, const T* weights);
 
-    const RnBins<T>& getXBins() const { return _xBins; }
-    const RnBins<T>& getYBins() const { return _yBins; }
+    const RnBins<T>& getXBins() const;
+    const RnBins<T>& getYBins() const;
     /// Row by row.
-    const std::vector<double>& getWeights() const { return _weights; }
+    const std::vector<double>& getWeights() const;
     /// Adds up all bins.
     double getTotal() const;
     /// The weight that was added outside the ranges.
-    double getOutside() const { return _outside; }
+    double getOutside() const;
 
     /// @throws RnEx::BadHistogram if the weight is negative or not finite
     void add(T x, T y, T weight = 1);
@@ -133,6 +175,30 @@ private:
     std::vector<double> _weights;
     double _outside;
 };
+
+template <class T>
+const RnBins<T>& RnBiHistogram<T>::getXBins() const
+{
+    return _xBins;
+}
+
+template <class T>
+const RnBins<T>& RnBiHistogram<T>::getYBins() const
+{
+    return _yBins;
+}
+
+template <class T>
+const std::vector<double>& RnBiHistogram<T>::getWeights() const
+{
+    return _weights;
+}
+
+template <class T>
+double RnBiHistogram<T>::getOutside() const
+{
+    return _outside;
+}
 
 extern template class KR_BASE_API RnBins<float>;
 extern template class KR_BASE_API RnBins<double>;

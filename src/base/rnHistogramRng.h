@@ -65,7 +65,7 @@ public:
     /// Restarts the source.
     void restart() override;
     char const* getName() const override;
-    RnRng<T>* getRng() const { return _uniRng; }
+    RnRng<T>* getRng() const;
 
 private:
     struct Tables;
@@ -75,6 +75,12 @@ private:
     Method _method;
     std::unique_ptr<const Tables> _tables;
 };
+
+template <class T>
+RnRng<T>* RnHistogramRng<T>::getRng() const
+{
+    return _uniRng;
+}
 
 template <class T>
 class RnHistogramBiRng : public RnBiRng<T>

@@ -50,8 +50,8 @@ public:
     void restart() override;
     /// Sets the first state to `seed2`, and remembers both seeds.
     void restart(unsigned int seed1, unsigned int seed2);
-    unsigned int getSeed1() const { return _seed1; }
-    unsigned int getSeed2() const { return _seed2; }
+    unsigned int getSeed1() const;
+    unsigned int getSeed2() const;
     char const* getName() const override;
 
     /// @name Pieces of the sequence
@@ -65,8 +65,8 @@ public:
     /// remembered seeds stay.
     /// @throws ExInternalError if there is no such stream
     void restartStream(unsigned int stream);
-    static unsigned int getStreamCount() { return 2047; }
-    static std::uint64_t getStreamLength() { return std::uint64_t(1) << 50; }
+    static unsigned int getStreamCount();
+    static std::uint64_t getStreamLength();
     /// @}
 
 private:
@@ -76,6 +76,30 @@ private:
     std::uint32_t _state1;
     std::uint32_t _state2;
 };
+
+template <class T>
+unsigned int RnLecuyerUniformRng<T>::getSeed1() const
+{
+    return _seed1;
+}
+
+template <class T>
+unsigned int RnLecuyerUniformRng<T>::getSeed2() const
+{
+    return _seed2;
+}
+
+template <class T>
+unsigned int RnLecuyerUniformRng<T>::getStreamCount()
+{
+    return 2047;
+}
+
+template <class T>
+std::uint64_t RnLecuyerUniformRng<T>::getStreamLength()
+{
+    return std::uint64_t(1) << 50;
+}
 
 extern template class KR_BASE_API RnLecuyerUniformRng<float>;
 extern template class KR_BASE_API RnLecuyerUniformRng<double>;

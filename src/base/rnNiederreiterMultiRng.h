@@ -42,12 +42,18 @@ public:
     void restart() override;
     /// The next point is the one at `index`.
     void restart(unsigned int index);
-    unsigned int getIndex() const { return _index; }
+    unsigned int getIndex() const;
     char const* getName() const override;
 
 private:
     std::uint32_t _index;
 };
+
+template <class T>
+unsigned int RnNiederreiterMultiRng<T>::getIndex() const
+{
+    return _index;
+}
 
 extern template class KR_BASE_API RnNiederreiterMultiRng<float>;
 extern template class KR_BASE_API RnNiederreiterMultiRng<double>;

@@ -44,7 +44,7 @@ public:
     /// `restart(getSeed())`: replays the sequence.
     void restart() override;
     void restart(unsigned int seed);
-    unsigned int getSeed() const { return _seed; }
+    unsigned int getSeed() const;
     char const* getName() const override;
 
 private:
@@ -55,6 +55,12 @@ private:
     std::uint32_t _x;
     std::unique_ptr<std::uint32_t[]> _table;
 };
+
+template <class T>
+unsigned int RnNumRecUniformRng<T>::getSeed() const
+{
+    return _seed;
+}
 
 extern template class KR_BASE_API RnNumRecUniformRng<float>;
 extern template class KR_BASE_API RnNumRecUniformRng<double>;

@@ -46,14 +46,26 @@ public:
     /// `restart(0)`
     void restart() override;
     void restart(unsigned int index);
-    unsigned int getIndex() const { return _index; }
-    unsigned int getSeed() const { return _seed; }
+    unsigned int getIndex() const;
+    unsigned int getSeed() const;
     char const* getName() const override;
 
 private:
     std::uint32_t _seed;
     std::uint32_t _index;
 };
+
+template <class T>
+unsigned int RnScrambledVanDerCorputRng<T>::getIndex() const
+{
+    return _index;
+}
+
+template <class T>
+unsigned int RnScrambledVanDerCorputRng<T>::getSeed() const
+{
+    return _seed;
+}
 
 /// The scrambled sequence of Niederreiter, each coordinate with a scrambling of its own.
 template <class T>
@@ -72,8 +84,8 @@ public:
     /// `restart(0)`
     void restart() override;
     void restart(unsigned int index);
-    unsigned int getIndex() const { return _index; }
-    unsigned int getSeed() const { return _seed; }
+    unsigned int getIndex() const;
+    unsigned int getSeed() const;
     char const* getName() const override;
 
 private:
@@ -81,6 +93,18 @@ private:
     std::array<std::uint32_t, 4> _coordinateSeeds;
     std::uint32_t _index;
 };
+
+template <class T>
+unsigned int RnScrambledNiederreiterMultiRng<T>::getIndex() const
+{
+    return _index;
+}
+
+template <class T>
+unsigned int RnScrambledNiederreiterMultiRng<T>::getSeed() const
+{
+    return _seed;
+}
 
 extern template class KR_BASE_API RnScrambledVanDerCorputRng<float>;
 extern template class KR_BASE_API RnScrambledVanDerCorputRng<double>;

@@ -38,11 +38,17 @@ public:
     /// Restarts the source.
     void restart() override;
     char const* getName() const override;
-    RnRng<T>* getRng() const { return _uniRng; }
+    RnRng<T>* getRng() const;
 
 private:
     RnRng<T>* _uniRng;
 };
+
+template <class T>
+RnRng<T>* RnSeparableBiRng<T>::getRng() const
+{
+    return _uniRng;
+}
 
 extern template class KR_BASE_API RnSeparableBiRng<float>;
 extern template class KR_BASE_API RnSeparableBiRng<double>;

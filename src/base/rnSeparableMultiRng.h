@@ -39,11 +39,17 @@ public:
     /// Restarts the source.
     void restart() override;
     char const* getName() const override;
-    RnRng<T>* getRng() const { return _uniRng; }
+    RnRng<T>* getRng() const;
 
 private:
     RnRng<T>* _uniRng;
 };
+
+template <class T, unsigned int N>
+RnRng<T>* RnSeparableMultiRng<T, N>::getRng() const
+{
+    return _uniRng;
+}
 
 extern template class KR_BASE_API RnSeparableMultiRng<float, 3>;
 extern template class KR_BASE_API RnSeparableMultiRng<double, 3>;

@@ -44,11 +44,11 @@ public:
     void restart() override;
     /// The next sample is the radical inverse of `index + 1`.
     void restart(unsigned int index);
-    unsigned int getIndex() const { return _index; }
+    unsigned int getIndex() const;
 
     /// Keeps the index, and returns the previous base.
     unsigned int setBase(unsigned int base);
-    unsigned int getBase() const { return _base; }
+    unsigned int getBase() const;
     char const* getName() const override;
 
 private:
@@ -56,6 +56,18 @@ private:
     T _inverseBase;
     std::uint32_t _index;
 };
+
+template <class T>
+unsigned int RnVanDerCorputRng<T>::getIndex() const
+{
+    return _index;
+}
+
+template <class T>
+unsigned int RnVanDerCorputRng<T>::getBase() const
+{
+    return _base;
+}
 
 extern template class KR_BASE_API RnVanDerCorputRng<float>;
 extern template class KR_BASE_API RnVanDerCorputRng<double>;

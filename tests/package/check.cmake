@@ -62,7 +62,18 @@ run("every public member: link" ${COMPILER} -std=c++17 -O0 -w ${SCRATCH}/everyMe
     -o ${bin}/everyMember${suffix} -L${prefix}/${LIBDIR} -lKRbase)
 run("every public member: run" ${EMULATOR} ${bin}/everyMember${suffix})
 
-# One program three ways, with default optimisation and with none; the bits of its results are the same.
+# Two programs three ways, with default optimisation and with none. One computes a digest of everything that headers
+# compile into it: the same bits on every target, whatever the flags.
+set(digest 2189b039213945fc)
+function(run_both way)
+    run("${way}: run" ${EMULATOR} ${ARGV1})
+    run("${way}: digest" ${EMULATOR} ${ARGV2})
+    string(STRIP "${output}" output)
+    if(NOT output STREQUAL digest)
+        message(FATAL_ERROR "${way}: the digest is ${output}, not ${digest}")
+    endif()
+endfunction()
+
 set(ENV{PKG_CONFIG_LIBDIR} ${prefix}/${LIBDIR}/pkgconfig)
 execute_process(COMMAND ${PKG_CONFIG} --cflags --libs KRbase
     OUTPUT_VARIABLE pkg_config_flags OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
@@ -70,18 +81,19 @@ separate_arguments(pkg_config_flags UNIX_COMMAND "${pkg_config_flags}")
 set(plain_flags -I${include} -L${prefix}/${LIBDIR} -lKRbase)
 foreach(optimisation -O0 -O2)
     foreach(way pkg_config plain)
-        set(program ${bin}/${way}${optimisation}${suffix})
-        run("${way} ${optimisation}: build" ${COMPILER} -std=c++17 ${optimisation} ${SOURCE}/consumer.cpp
-            -o ${program} ${${way}_flags})
-        run("${way} ${optimisation}: run" ${EMULATOR} ${program})
+        foreach(program consumer digest)
+            run("${way} ${optimisation}: build ${program}" ${COMPILER} -std=c++17 ${optimisation} ${SOURCE}/${program}.cpp
+                -o ${bin}/${program}${optimisation}${suffix} ${${way}_flags})
+        endforeach()
+        run_both("${way} ${optimisation}" ${bin}/consumer${optimisation}${suffix} ${bin}/digest${optimisation}${suffix})
     endforeach()
 
-    set(CMAKE_COMMON -G Ninja -DCMAKE_CXX_COMPILER=${COMPILER} ${toolchain} -DCMAKE_CXX_FLAGS=${optimisation})
     set(build ${SCRATCH}/consumer${optimisation})
-    run("find_package ${optimisation}: configure" ${CMAKE_COMMAND} -S ${SOURCE} -B ${build} ${CMAKE_COMMON}
+    run("find_package ${optimisation}: configure" ${CMAKE_COMMAND} -S ${SOURCE} -B ${build} -G Ninja
+        -DCMAKE_CXX_COMPILER=${COMPILER} ${toolchain} -DCMAKE_CXX_FLAGS=${optimisation}
         -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_RUNTIME_OUTPUT_DIRECTORY=${bin})
     run("find_package ${optimisation}: build" ${CMAKE_COMMAND} --build ${build})
-    run("find_package ${optimisation}: run" ${EMULATOR} ${bin}/consumer${suffix})
+    run_both("find_package ${optimisation}" ${bin}/consumer${suffix} ${bin}/digest${suffix})
 endforeach()
 
 # As a part of another project's tree: the same target, a build type of its own.

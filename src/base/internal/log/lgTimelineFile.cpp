@@ -3,8 +3,8 @@
 #include <base/hwCounter.h>
 #include <base/internal/errors/processIdentity.h>
 #include <base/internal/log/lgJson.h>
-#include <base/lgCounters.h>
 #include <base/internal/log/lgTimeText.h>
+#include <base/lgCounters.h>
 
 #include <algorithm>
 #include <cstdio>

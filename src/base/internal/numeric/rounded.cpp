@@ -1,5 +1,7 @@
 #include <base/internal/numeric/rounded.h>
 
+#include <cmath>
+
 namespace Kr
 {
 

@@ -15,7 +15,6 @@
 #include <base/krBaseApi.h>
 
 #include <cfloat>
-#include <cmath>
 
 namespace Kr
 {
@@ -51,8 +50,9 @@ public:
     static double multiply(double a, double b) noexcept { return a * b; }
     static float divide(float a, float b) noexcept { return a / b; }
     static double divide(double a, double b) noexcept { return a / b; }
-    static float sqrt(float a) noexcept { return std::sqrt(a); }
-    static double sqrt(double a) noexcept { return std::sqrt(a); }
+    // Without optimisation this is the runtime's function, which on some targets rounds twice.
+    static float sqrt(float a) noexcept { return RoundedCalls::sqrt(a); }
+    static double sqrt(double a) noexcept { return RoundedCalls::sqrt(a); }
     static float toFloat(long long a) noexcept { return static_cast<float>(a); }
     static double toDouble(long long a) noexcept { return static_cast<double>(a); }
 };
