@@ -111,6 +111,7 @@ TEST(Errors, PositionIsTheNameInTheTree)
     EXPECT_EQ("/w/libKRbase/demo/main.cpp", sourceName("/w/libKRbase/demo/main.cpp"));
     EXPECT_EQ("src/ui/window.cpp", sourceName("/home/me/src/viewer/src/ui/window.cpp"));
     EXPECT_EQ("/home/me/viewer/ui/window.cpp", sourceName("/home/me/viewer/ui/window.cpp"));
+    EXPECT_EQ("ui/window.cpp", sourceName("../.././ui/window.cpp"));
     for (const char* root : {"/home/me/viewer", "/home/me/viewer/"})
         EXPECT_EQ("src/ui/window.cpp", sourceName("/home/me/viewer/src/ui/window.cpp", root));
     EXPECT_EQ("ui/window.cpp", sourceName("C:\\me\\viewer\\ui\\window.cpp", "C:/me/viewer"));

@@ -22,7 +22,8 @@ namespace Kr
 /// | (in a folder `src/base` or `libKRbase/base`)      | `.imp` and `.inline` files is kept       |
 /// | below the root that the build names               | its path from there: `ui/window.cpp`     |
 /// | below a folder `src`                              | its path from there: `src/ui/window.cpp` |
-/// | any other                                         | as the compiler has it                   |
+/// | any other                                         | as the compiler has it, less leading     |
+/// |                                                   | `./` and `../`                           |
 template <std::size_t Size>
 class SourceName
 {
@@ -83,6 +84,15 @@ private:
         return isSeparator(path[length]) ? length + 1 : 0;
     }
 
+    /// The index after the steps upwards that a path from the build folder begins with.
+    static constexpr std::size_t afterDots(const char* path, std::size_t start)
+    {
+        std::size_t from = start;
+        while (startsWith(path + from, "./") || startsWith(path + from, "../"))
+            from += path[from + 1] == '.' ? 3 : 2;
+        return from;
+    }
+
     constexpr void append(const char* text, std::size_t length)
     {
         for (std::size_t i = 0; i < length; ++i)
@@ -103,7 +113,7 @@ private:
         const bool isBelowSource = afterRoot == 0 && afterSource != length;
         if (isBelowSource)
             append("src/", 4);
-        const std::size_t from = isBelowSource ? afterSource : afterRoot;
+        const std::size_t from = isBelowSource ? afterSource : afterDots(path, afterRoot);
         append(path + from, length - from);
     }
 
