@@ -116,15 +116,15 @@ void guards()
 
 void outerGuard()
 {
+    std::unique_ptr<Kr::OsSharedLib>
+        plugin; // outlives the library, which stops its packages with the others
     const Library up;
-    std::unique_ptr<Kr::OsSharedLib> plugin;
     {
         const Kr::InReinitGuard guard;
         plugin = std::make_unique<Kr::OsSharedLib>(KR_TEST_PLUGIN);
         SCENARIO_CHECK(pluginEvents().empty());
     }
     SCENARIO_CHECK(pluginEvents() == "+effects+blending");
-    plugin.release(); // its packages are stopped with the others // NOLINT
 }
 
 /// A start routine that raises: the library stays, since one of its packages is up.

@@ -36,7 +36,7 @@ void writeBars(std::ostream& os, const std::vector<double>& weights)
     {
         const unsigned int left = width * i / count;
         const unsigned int right = width * (i + 1) / count;
-        const auto bar = static_cast<unsigned int>(weights[i] * scale * height + 0.5);
+        const auto bar = static_cast<unsigned int>(std::lround(weights[i] * scale * height));
         os << "<rect x=\"" << left << "\" y=\"" << height - bar << "\" width=\""
            << std::max(right - left - (count <= width / 4 ? 1 : 0), 1U) << "\" height=\"" << bar
            << "\"/>\n";
@@ -63,8 +63,8 @@ void writePixels(std::ostream& os, const std::vector<double>& weights, unsigned 
     for (unsigned int j = 0; j < height; ++j)
     {
         for (unsigned int i = 0; i < width; ++i)
-            os.put(static_cast<char>(static_cast<int>(
-                std::sqrt(weights[std::size_t(j) * width + i] * scale) * 255. + 0.5)));
+            os.put(static_cast<char>(
+                std::lround(std::sqrt(weights[std::size_t(j) * width + i] * scale) * 255.)));
         writeLittleEndian(os, 0, static_cast<int>(rowSize - width));
     }
 }
