@@ -5,6 +5,7 @@
 #include <base/osFileEx.h>
 #include <base/raise.h>
 
+#include <algorithm>
 #include <cstring>
 #include <ostream>
 #include <utility>
@@ -168,11 +169,10 @@ char* OsFilePath::join(const char* path, const char* element)
     const std::size_t length = std::strlen(path);
     const std::size_t size = std::strlen(element) + 1;
     char* const joined = new char[length + size + 1];
-    std::memcpy(joined, path, length);
-    char* end = joined + length;
+    char* end = std::copy_n(path, length, joined);
     if (length != 0 && path[length - 1] != separator)
         *end++ = separator;
-    std::memcpy(end, element, size);
+    std::copy_n(element, size, end);
     return joined;
 }
 

@@ -41,7 +41,7 @@ OsFilePath createTemporaryFile(const OsFilePath& target)
     constexpr int maxAttempts = 1000;
     for (int attempt = 1;; ++attempt)
     {
-        const OsFilePath path = makeTemporaryPath(target);
+        OsFilePath path = makeTemporaryPath(target);
         try
         {
             OsFsUtilsWindows::createFile(path.getChars(), true);

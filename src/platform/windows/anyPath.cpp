@@ -51,7 +51,7 @@ std::wstring wideFullPath(const char* path)
 /// The form that the system takes as it is, however long.
 std::wstring longForm(const char* path)
 {
-    const std::wstring full = wideFullPath(path);
+    std::wstring full = wideFullPath(path);
     if (full.rfind(L"\\\\?\\", 0) == 0 || full.rfind(L"\\\\.\\", 0) == 0)
         return full;
     if (full.rfind(L"\\\\", 0) == 0)
