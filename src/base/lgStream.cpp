@@ -118,7 +118,7 @@ void LgStream::appendTight(const char* text, std::size_t length) noexcept
 void LgStream::cutAll() noexcept
 {
     _overflowed.store(true, std::memory_order_relaxed);
-    _flags |= StringCompleted | Cut;
+    _flags |= static_cast<unsigned int>(StringCompleted) | Cut;
     if (_message == Message::Open)
         _message = Message::Closed; // no hole in a message should room come back meanwhile
 }

@@ -305,7 +305,7 @@ inline void LgStream::publish() noexcept
 {
     _buffer[_writePosition] = '\0';
     _committedPosition.store(_writePosition, std::memory_order_release);
-    _flags |= StringCompleted | Published;
+    _flags |= static_cast<unsigned int>(StringCompleted) | Published;
     if (_room != 0)
         stepOverTerminator();
     else

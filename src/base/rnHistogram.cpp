@@ -35,7 +35,7 @@ template <class T>
 std::vector<double> getChecked(const T* weights, std::size_t count)
 {
     if (weights == nullptr)
-        raiseBad("the weights are null.");
+        raiseBad("the weights are %s.", "null");
     std::vector<double> result(count);
     std::transform(weights, weights + count, result.begin(), [](T w) { return getChecked(w); });
     const double greatest = *std::max_element(result.begin(), result.end());
