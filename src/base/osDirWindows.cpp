@@ -48,14 +48,23 @@ OsDirSearch::OsDirSearch(OsDirSearch&& other) noexcept = default;
 OsDirSearch& OsDirSearch::operator=(OsDirSearch&& other) noexcept = default;
 OsDirSearch::~OsDirSearch() = default;
 
+/// A directory that somebody removes meanwhile is refused for any reason, and then gone.
 bool OsDirSearch::open(const char* directory)
 {
+    constexpr int attempts = 20;
+    constexpr DWORD pause = 1; // milliseconds
     _state = std::make_unique<State>();
-    if (krFindFirst(directory, *_state))
-        return !isDots(_state->name) || next();
-    if (!isMissing(GetLastError()))
-        raise<ExSysErrorWindows>(KR_HERE);
-    return false;
+    for (int attempt = 1; !krFindFirst(directory, *_state); ++attempt)
+    {
+        const DWORD error = GetLastError();
+        if (isMissing(error) || krGetAttributes(directory) == INVALID_FILE_ATTRIBUTES)
+            return false;
+        SetLastError(error);
+        if (attempt == attempts)
+            raise<ExSysErrorWindows>(KR_HERE);
+        Sleep(pause);
+    }
+    return !isDots(_state->name) || next();
 }
 
 bool OsDirSearch::next()
