@@ -46,6 +46,7 @@ public:
     /// Moves by 32 bits; returns the low 32 bits of the new position.
     unsigned long seek(long offset, OsFileTypes::SeekMode mode);
     /// Makes the file exactly that many bytes long, growing or cutting it, and moves to its end.
+    /// Room for what it grows by is taken from the disk. A failure leaves size and position.
     void reserve(unsigned long size);
     void flush(); ///< waits until what was written is on the disk
     void close();
