@@ -565,6 +565,7 @@ TEST_F(Files, AreReplacedAsAWholeOrNotAtAll)
         writer.write("newer", 5);
         EXPECT_EQ(codeOf([&] { writer.commit(); }), accessDenied);
         EXPECT_EQ(get("target"), "new");
+        OsSafeWriter(path).write("x", 1); // lets the complete one be
         writer.setPatience(60.);
         std::thread closer(
             [&]

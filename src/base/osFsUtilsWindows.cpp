@@ -87,8 +87,13 @@ unsigned long OsFsUtilsWindows::seek(OsFileTypes::Handle handle, long offset,
 {
     constexpr DWORD methods[] = {FILE_CURRENT, FILE_BEGIN, FILE_END};
     KR_ASSERT(mode >= OsFileTypes::SeekCurrent && mode <= OsFileTypes::SeekEnd);
-    const DWORD position =
-        SetFilePointer(toSystem(handle), static_cast<LONG>(offset), nullptr, methods[mode]);
+    const auto distance = static_cast<LONG>(offset);
+    if (distance != offset)
+    {
+        SetLastError(ERROR_INVALID_PARAMETER); // rather than go somewhere else
+        raise<ExSysErrorWindows>(KR_HERE);
+    }
+    const DWORD position = SetFilePointer(toSystem(handle), distance, nullptr, methods[mode]);
     // The last error is not cleared before the call: one that is left over counts as a failure.
     if (GetLastError() != ERROR_SUCCESS)
         raise<ExSysErrorWindows>(KR_HERE);
