@@ -2,7 +2,6 @@
 
 #include "scenario.h"
 
-#include <base/exSysError.h>
 #include <base/osDir.h>
 #include <base/osFile.h>
 #include <base/osFileReader.h>
@@ -11,6 +10,7 @@
 
 #include <fileFolder.h>
 #include <handleCount.h>
+#include <systemCode.h>
 
 #include <cstdlib>
 #include <functional>
@@ -61,18 +61,7 @@ void tryAll()
                                              [] { OsFile(path).remove(); }};
     std::string codes = std::to_string(OsFile(path).getAccess());
     for (const auto& action : actions)
-    {
-        unsigned long code = 0;
-        try
-        {
-            action();
-        }
-        catch (const ExSysErrorWindows& error)
-        {
-            code = error.getErrorCode();
-        }
-        codes += ' ' + std::to_string(code);
-    }
+        codes += ' ' + std::to_string(codeOf(action));
     put(path.getString() + ".codes", codes);
 }
 
