@@ -27,7 +27,7 @@ const OsFilePath& checkTarget(const OsFilePath& target)
 
 OsFilePath getTemporaryPath(const OsFilePath& target, int number)
 {
-    return target.getString() + ".~" + std::to_string(number);
+    return target.getString() + ".~unsaved" + std::to_string(number);
 }
 
 } // namespace
@@ -54,7 +54,7 @@ private:
 
 OsSafeWriter::Claim::Claim(const OsFilePath& target)
 {
-    constexpr int maxNumber = 1000;
+    constexpr int maxNumber = 100;
     int number = 0;
     for (; _handle == OsFileTypes::invalidHandle; ++number)
     {

@@ -11,7 +11,7 @@
 /// The content goes into a temporary file beside the target, which `commit` puts in the target's
 /// place in one step. Without a `commit` (an exception, the end of the program) the target stays as
 /// it was and the temporary file is removed. Only a killed process leaves it behind, as
-/// "scene.txt.~0" or with a higher number; the next writer of the same target removes it.
+/// "scene.txt.~unsaved0" or with a higher number; the next writer of the same target removes it.
 ///
 /// The new file has the permissions of the one that it replaces: on Windows its access list and
 /// whether it is hidden, elsewhere its permission bits, owner and group as far as the process may
@@ -20,9 +20,8 @@
 /// Pitfalls:
 /// - The target becomes a new file, so other hard links to the old one keep the old content, and a
 ///   symbolic link is replaced itself.
-/// - A file that somebody holds open through this library, or on Windows at all, cannot be
-/// replaced:
-///   `commit` tries again for as long as its patience lasts, a second unless set otherwise.
+/// - A file cannot be replaced while somebody holds it open (on a POSIX host: through this
+///   library). `commit` tries again for as long as its patience lasts, by default a second.
 
 #include <base/krBaseApi.h>
 #include <base/osFilePath.h>

@@ -131,7 +131,11 @@ void _ftime64(__timeb64* now) noexcept;
 
 // Handles (posix/handle.cpp)
 
-#define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(std::intptr_t{-1}))
+inline HANDLE krInvalidHandle() noexcept
+{
+    return reinterpret_cast<HANDLE>(std::intptr_t{-1}); // NOLINT: a number that no handle has
+}
+#define INVALID_HANDLE_VALUE krInvalidHandle()
 
 BOOL CloseHandle(HANDLE handle) noexcept;
 

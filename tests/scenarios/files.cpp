@@ -117,19 +117,20 @@ void killedWriter()
 {
     const FileFolder folder;
     path = OsFilePath(folder / "file");
-    const auto left = [&](const char* end) { return OsFile(path.getString() + end).exists(); };
+    const auto left = [](int number)
+    { return OsFile(path.getString() + ".~unsaved" + std::to_string(number)).exists(); };
     put(path, "old");
     for (int i = 0; i < 2; ++i)
     {
         SCENARIO_CHECK(start("die") != 0);
-        SCENARIO_CHECK(get(path) == "old" && left(".~0") && !left(".~1"));
+        SCENARIO_CHECK(get(path) == "old" && left(0) && !left(1));
     }
     OsSafeWriter writer(path);
     writer.write("newer", 5);
     SCENARIO_CHECK(start("die") != 0);
-    SCENARIO_CHECK(left(".~0") && left(".~1"));
+    SCENARIO_CHECK(left(0) && left(1));
     replace();
-    SCENARIO_CHECK(get(path) == "new" && left(".~0") && !left(".~1"));
+    SCENARIO_CHECK(get(path) == "new" && left(0) && !left(1));
     writer.commit();
     SCENARIO_CHECK(get(path) == "newer");
     SCENARIO_CHECK(OsDir(folder.getPath()).list().size() == 1);

@@ -301,7 +301,7 @@ void vanishing()
             for (unsigned size = 0; !isDone; size = (size + 333333) % (1 << 20))
                 fs::resize_file(folder / "large", size);
         });
-    for (int i = 0; i < 200; ++i)
+    for (int i = 0; i < 50; ++i)
     {
         check({{"copy", [&] { OsFile(base + "large").copyTo(base + "copy"); }, 0}});
         SCENARIO_CHECK(OsFile(base + "copy").getFullSize() <= mebibyte.size());

@@ -1,6 +1,5 @@
 #include <platform/posix/fileQuery.h>
 #include <platform/posix/handle.h>
-#include <platform/posix/interrupted.h>
 #include <platform/posix/path.h>
 
 #include <algorithm>
@@ -26,6 +25,16 @@
 
 namespace
 {
+
+/// What the host call returns in the end: it is made again as long as signals interrupt it.
+template <class Call>
+auto finish(Call call) noexcept
+{
+    auto result = call();
+    while (result < 0 && errno == EINTR)
+        result = call();
+    return result;
+}
 
 constexpr off_t lockableEnd = off_t{1} << 62;
 
@@ -97,7 +106,7 @@ void hold(int descriptor, off_t byte)
     for (const int type : {F_RDLCK, F_WRLCK})
     {
         struct flock lock = rangeLock(type, byte, 1);
-        if (krFinish([&] { return ::fcntl(descriptor, F_OFD_SETLK, &lock); }) == 0)
+        if (finish([&] { return ::fcntl(descriptor, F_OFD_SETLK, &lock); }) == 0)
             break;
     }
 }
@@ -109,7 +118,7 @@ public:
     explicit SharingGate(int descriptor)
         : _descriptor(descriptor)
     {
-        krFinish([&] { return ::flock(_descriptor, LOCK_EX); });
+        finish([&] { return ::flock(_descriptor, LOCK_EX); });
     }
 
     SharingGate(const SharingGate&) = delete;
@@ -205,9 +214,9 @@ int openHostFile(const char* path, const Access& access, DWORD disposition, DWOR
         outliveSizeLimit();
     const mode_t mode = (attributes & FILE_ATTRIBUTE_READONLY) != 0 ? 0444 : 0666;
     const int flags = openFlags(access, disposition);
-    int descriptor = krFinish([&] { return ::open(path, flags, mode); });
+    int descriptor = finish([&] { return ::open(path, flags, mode); });
     if (descriptor < 0 && errno == EACCES && writes && !access.read) // for writing alone, perhaps
-        descriptor = krFinish([&] { return ::open(path, (flags & ~O_RDWR) | O_WRONLY, mode); });
+        descriptor = finish([&] { return ::open(path, (flags & ~O_RDWR) | O_WRONLY, mode); });
     if (descriptor < 0 && errno == EEXIST)
         SetLastError(ERROR_FILE_EXISTS);
     else if (descriptor < 0)
@@ -253,7 +262,7 @@ BOOL setRange(HANDLE handle, int type, bool wait, off_t start, off_t length)
         return refuse(ERROR_INVALID_PARAMETER);
     struct flock lock = rangeLock(type, start, length);
     const int command = wait ? F_OFD_SETLKW : F_OFD_SETLK;
-    const int result = krFinish([&] { return ::fcntl(file->_descriptor, command, &lock); });
+    const int result = finish([&] { return ::fcntl(file->_descriptor, command, &lock); });
     if (result != 0 && (errno == EAGAIN || errno == EACCES))
         return refuse(ERROR_LOCK_VIOLATION);
     return outcome(result);
@@ -279,7 +288,7 @@ Use getUse(const char* path)
     int descriptor = -1;
     for (const int access : {O_RDONLY, O_WRONLY})
         if (descriptor < 0)
-            descriptor = krFinish([&] { return ::open(path, access | O_CLOEXEC | O_NONBLOCK); });
+            descriptor = finish([&] { return ::open(path, access | O_CLOEXEC | O_NONBLOCK); });
     const bool cannotAsk = errno == EMFILE || errno == ENFILE || errno == ENOMEM;
     if (descriptor < 0 && cannotAsk)
         SetLastError(krErrorFromErrno(errno));
@@ -313,17 +322,17 @@ bool mayBeReplaced(const char* path)
 }
 
 /// Makes room for the bytes from `size` to `end`. On a failure the file is as it was.
-/// @return false if the disk has no room; a file system that cannot say gives none in advance
-bool allocate(int descriptor, off_t size, off_t end)
+/// @return -1 if the disk has no room, else 0: a file system that cannot tell gives none in advance
+int allocate(int descriptor, off_t size, off_t end)
 {
-    if (krFinish([&] { return ::fallocate(descriptor, 0, size, end - size); }) == 0)
-        return true;
+    if (finish([&] { return ::fallocate(descriptor, 0, size, end - size); }) == 0)
+        return 0;
     const int error = errno;
     if (error != ENOSPC && error != EDQUOT && error != EFBIG)
-        return true;
-    krFinish([&] { return ::ftruncate(descriptor, size); });
+        return 0;
+    finish([&] { return ::ftruncate(descriptor, size); });
     errno = error;
-    return false;
+    return -1;
 }
 
 } // namespace
@@ -363,7 +372,7 @@ HANDLE CreateFileA(const char* path, DWORD accessMask, DWORD shareMode, SECURITY
                            nullptr);
     const bool always = disposition == CREATE_ALWAYS || disposition == OPEN_ALWAYS;
     if (existed && disposition == CREATE_ALWAYS)
-        krFinish([&] { return ::ftruncate(descriptor, 0); });
+        finish([&] { return ::ftruncate(descriptor, 0); });
     if ((flagsAndAttributes & FILE_FLAG_DELETE_ON_CLOSE) != 0)
         file->_pathToRemove = std::move(storage);
     const HANDLE handle = KrHandleObject::open(file.release());
@@ -385,7 +394,7 @@ BOOL ReadFile(HANDLE handle, void* buffer, DWORD size, DWORD* read, OVERLAPPED*)
     while (*read < size && count == largest)
     {
         char* const rest = static_cast<char*>(buffer) + *read;
-        count = krFinish([&] { return ::read(file->_descriptor, rest, size - *read); });
+        count = finish([&] { return ::read(file->_descriptor, rest, size - *read); });
         if (count < 0)
             return refuse(krErrorFromErrno(errno));
         *read += static_cast<DWORD>(count);
@@ -457,9 +466,9 @@ BOOL SetEndOfFile(HANDLE handle) noexcept
     const off_t end = ::lseek(descriptor, 0, SEEK_CUR);
     struct stat status = {};
     if (!outcome(::fstat(descriptor, &status)) ||
-        (end > status.st_size && !outcome(allocate(descriptor, status.st_size, end) ? 0 : -1)))
+        (end > status.st_size && !outcome(allocate(descriptor, status.st_size, end))))
         return 0;
-    const int result = krFinish([&] { return ::ftruncate(descriptor, end); });
+    const int result = finish([&] { return ::ftruncate(descriptor, end); });
     return result != 0 && errno == EINVAL ? refuse(ERROR_ACCESS_DENIED) : outcome(result);
 }
 
@@ -532,7 +541,7 @@ BOOL FlushFileBuffers(HANDLE handle) noexcept
     const File* file = krObject<File>(handle);
     if (file == nullptr)
         return 0;
-    if (krFinish([&] { return ::fsync(file->_descriptor); }) == 0 ||
+    if (finish([&] { return ::fsync(file->_descriptor); }) == 0 ||
         errno == EINVAL) // a pipe or terminal has no buffers
         return 1;
     return refuse(krErrorFromErrno(errno));
