@@ -2,7 +2,6 @@
 #include <platform/posix/handle.h>
 #include <platform/posix/path.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
