@@ -131,8 +131,11 @@ void _ftime64(__timeb64* now) noexcept;
 
 // Handles (posix/handle.cpp)
 
-extern char krInvalidHandle; // only its address matters
-#define INVALID_HANDLE_VALUE (static_cast<HANDLE>(&krInvalidHandle))
+inline HANDLE krInvalidHandle() noexcept
+{
+    return reinterpret_cast<HANDLE>(std::intptr_t{-1}); // NOLINT: a number that no handle has
+}
+#define INVALID_HANDLE_VALUE krInvalidHandle()
 
 BOOL CloseHandle(HANDLE handle) noexcept;
 
@@ -144,6 +147,7 @@ constexpr DWORD ERROR_NEGATIVE_SEEK = 131;
 constexpr DWORD GENERIC_READ = 0x80000000;
 constexpr DWORD GENERIC_WRITE = 0x40000000;
 constexpr DWORD FILE_APPEND_DATA = 0x0004; ///< without GENERIC_WRITE: every write appends
+constexpr DWORD DELETE = 0x00010000;       ///< only what FILE_FLAG_DELETE_ON_CLOSE needs
 
 constexpr DWORD FILE_SHARE_READ = 0x1;
 constexpr DWORD FILE_SHARE_WRITE = 0x2;
@@ -160,6 +164,7 @@ constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
 constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x20;
 constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
 constexpr DWORD FILE_ATTRIBUTE_REPARSE_POINT = 0x400;
+constexpr DWORD FILE_FLAG_DELETE_ON_CLOSE = 0x04000000; ///< for an existing file, without sharing
 constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
 constexpr DWORD INVALID_FILE_SIZE = 0xFFFFFFFF;
 constexpr DWORD INVALID_SET_FILE_POINTER = 0xFFFFFFFF;
@@ -175,6 +180,11 @@ constexpr DWORD LOCKFILE_EXCLUSIVE_LOCK = 0x2;
 constexpr DWORD MOVEFILE_REPLACE_EXISTING = 0x1;
 constexpr DWORD MOVEFILE_COPY_ALLOWED = 0x2;  ///< takes no effect: never moves between devices
 constexpr DWORD MOVEFILE_WRITE_THROUGH = 0x8; ///< takes no effect
+
+constexpr DWORD FILE_TYPE_UNKNOWN = 0;
+constexpr DWORD FILE_TYPE_DISK = 1;
+constexpr DWORD FILE_TYPE_CHAR = 2;
+constexpr DWORD FILE_TYPE_PIPE = 3;
 
 struct SECURITY_ATTRIBUTES;
 
@@ -211,7 +221,8 @@ struct BY_HANDLE_FILE_INFORMATION
 HANDLE CreateFileA(const char* path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
                    DWORD disposition, DWORD flagsAndAttributes, HANDLE templateFile) noexcept;
 
-/// One read of the host's; 0 bytes at the end of the file.
+/// Fewer bytes than asked for only before the end of the file, 0 at it; of a pipe as many as there
+/// are.
 BOOL ReadFile(HANDLE file, void* buffer, DWORD size, DWORD* read, OVERLAPPED* overlapped) noexcept;
 
 /// On a failure the count tells how many bytes had been written.
@@ -220,6 +231,7 @@ BOOL WriteFile(HANDLE file, const void* data, DWORD size, DWORD* written,
 BOOL SetFilePointerEx(HANDLE file, LARGE_INTEGER distance, LARGE_INTEGER* position,
                       DWORD method) noexcept;
 DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD method) noexcept;
+/// What a file grows by is allocated, where the file system can: a full disk is told here.
 BOOL SetEndOfFile(HANDLE file) noexcept;
 DWORD GetFileSize(HANDLE file, DWORD* sizeHigh) noexcept;
 BOOL GetFileTime(HANDLE file, FILETIME* creation, FILETIME* lastAccess,
@@ -228,6 +240,7 @@ BOOL GetFileTime(HANDLE file, FILETIME* creation, FILETIME* lastAccess,
 BOOL SetFileTime(HANDLE file, const FILETIME* creation, const FILETIME* lastAccess,
                  const FILETIME* lastWrite) noexcept;
 BOOL GetFileSizeEx(HANDLE file, LARGE_INTEGER* size) noexcept;
+DWORD GetFileType(HANDLE file) noexcept;
 BOOL FlushFileBuffers(HANDLE file) noexcept;
 BOOL GetFileInformationByHandle(HANDLE file, BY_HANDLE_FILE_INFORMATION* information) noexcept;
 

@@ -238,12 +238,14 @@ KrMoment KrEvent::getNextMoment(KrMoment deadline) const noexcept
 HANDLE CreateEventA(SECURITY_ATTRIBUTES*, BOOL manualReset, BOOL initialState,
                     const char* name) noexcept
 {
-    KrHandleObject* event = nullptr;
-    if (name == nullptr)
-        event = new (std::nothrow) KrEvent(manualReset != 0, initialState != 0);
-    if (event == nullptr)
-        SetLastError(name != nullptr ? ERROR_INVALID_PARAMETER : ERROR_NOT_ENOUGH_MEMORY);
-    return event;
+    if (name != nullptr)
+    {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
+    const HANDLE event =
+        KrHandleObject::open(new (std::nothrow) KrEvent(manualReset != 0, initialState != 0));
+    return event != INVALID_HANDLE_VALUE ? event : nullptr;
 }
 
 BOOL SetEvent(HANDLE event) noexcept

@@ -88,12 +88,13 @@ bool krFindNext(KrSearch& search)
     return true;
 }
 
-HANDLE krCreateFile(const char* path, DWORD access, DWORD share, DWORD disposition)
+HANDLE krCreateFile(const char* path, DWORD access, DWORD share, DWORD disposition,
+                    DWORD flagsAndAttributes)
 {
-    return isShort(path) ? CreateFileA(path, access, share, nullptr, disposition,
-                                       FILE_ATTRIBUTE_NORMAL, nullptr)
-                         : CreateFileW(longForm(path).c_str(), access, share, nullptr, disposition,
-                                       FILE_ATTRIBUTE_NORMAL, nullptr);
+    return isShort(path)
+               ? CreateFileA(path, access, share, nullptr, disposition, flagsAndAttributes, nullptr)
+               : CreateFileW(longForm(path).c_str(), access, share, nullptr, disposition,
+                             flagsAndAttributes, nullptr);
 }
 
 DWORD krGetAttributes(const char* path)
@@ -135,6 +136,23 @@ bool krCreateDirectory(const char* path)
 bool krRemoveDirectory(const char* path)
 {
     return (isShort(path) ? RemoveDirectoryA(path) : RemoveDirectoryW(longForm(path).c_str())) != 0;
+}
+
+void krCopyProtection(const char* from, const char* to)
+{
+    constexpr SECURITY_INFORMATION part = DACL_SECURITY_INFORMATION;
+    const std::wstring source = longForm(from);
+    const std::wstring target = longForm(to);
+    DWORD size = 0;
+    GetFileSecurityW(source.c_str(), part, nullptr, 0, &size);
+    std::string descriptor(size, '\0');
+    if (GetFileSecurityW(source.c_str(), part, descriptor.data(), size, &size) != 0)
+        SetFileSecurityW(target.c_str(), part, descriptor.data());
+    constexpr DWORD kept = FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
+                           FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+    const DWORD attributes = GetFileAttributesW(source.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES)
+        SetFileAttributesW(target.c_str(), attributes & kept);
 }
 
 bool krRename(const char* from, const char* to)
