@@ -48,6 +48,8 @@ public:
 
     ~File() override { ::close(_descriptor); }
 
+    int getDescriptor() const noexcept override { return _descriptor; }
+
     const int _descriptor;
     const bool _isReadable; ///< the host's descriptor may read also where the handle may not
 };

@@ -18,6 +18,9 @@ public:
     /// Lets the handle go: deletes the object, or has whoever still uses it do so.
     virtual void close() noexcept;
 
+    /// The host's descriptor of what may become a child's stream; -1 if it has none.
+    virtual int getDescriptor() const noexcept { return -1; }
+
     /// How many there are.
     static DWORD getCount() noexcept;
 };
