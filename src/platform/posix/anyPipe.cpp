@@ -14,7 +14,6 @@
 namespace
 {
 
-constexpr int firstPrivate = 3; ///< no end may get the number of a standard stream that is closed
 constexpr std::size_t maxPipes = 3;
 
 /// A pipe that is full each time gets room, so that its two sides need not take turns. Only such a
@@ -39,22 +38,10 @@ private:
     const int _descriptor;
 };
 
-/// Moves the descriptor behind those of the standard streams; -1 with errno set.
-int keepPrivate(int descriptor)
-{
-    if (descriptor >= firstPrivate)
-        return descriptor;
-    const int moved = ::fcntl(descriptor, F_DUPFD_CLOEXEC, firstPrivate);
-    const int error = errno;
-    ::close(descriptor);
-    errno = error;
-    return moved;
-}
-
 HANDLE makeEnd(int descriptor)
 {
     HANDLE end = nullptr;
-    const int kept = keepPrivate(descriptor);
+    const int kept = krKeepPrivate(descriptor);
     if (kept >= 0)
         end = new (std::nothrow) PipeEnd(kept);
     if (end == nullptr)

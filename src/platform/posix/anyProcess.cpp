@@ -22,8 +22,6 @@
 namespace
 {
 
-constexpr int firstPrivate = 3; ///< the descriptors below are the standard streams
-
 /// What becomes of the descriptors of the child, and where it works.
 class FileActions
 {
@@ -45,7 +43,7 @@ public:
     }
     void closeOthers()
     {
-        check(::posix_spawn_file_actions_addclosefrom_np(&_actions, firstPrivate));
+        check(::posix_spawn_file_actions_addclosefrom_np(&_actions, krFirstPrivate));
     }
     const posix_spawn_file_actions_t* get() const { return &_actions; }
 
@@ -85,9 +83,9 @@ bool FileActions::setFile(int number, HANDLE file)
 {
     const auto* const object = krObject<KrHandleObject>(file);
     int descriptor = object != nullptr ? object->getDescriptor() : -1;
-    if (descriptor >= 0 && descriptor < firstPrivate) // another stream would take its place
+    if (descriptor >= 0 && descriptor < krFirstPrivate) // another stream would take its place
     {
-        descriptor = ::fcntl(descriptor, F_DUPFD_CLOEXEC, firstPrivate);
+        descriptor = ::fcntl(descriptor, F_DUPFD_CLOEXEC, krFirstPrivate);
         _copies.push_back(descriptor);
     }
     if (descriptor < 0)
@@ -201,7 +199,7 @@ bool findInFolders(const std::string& name, std::string& found)
 /// Takes hold of a process that has just been started; without a hold on it, it must not stay.
 HANDLE hold(pid_t number, bool leadsGroup)
 {
-    const auto descriptor = static_cast<int>(::syscall(SYS_pidfd_open, number, 0));
+    const int descriptor = krKeepPrivate(static_cast<int>(::syscall(SYS_pidfd_open, number, 0)));
     const int error = errno;
     // There is none of a process that the system has removed already, as it may when the program
     // ignores the ends of its children. Its status is lost then.
@@ -246,7 +244,7 @@ bool krStartProcess(const KrStart& start, KrProcess& process)
         return false;
 
     FileActions actions;
-    for (int stream = 0; stream < firstPrivate; ++stream)
+    for (int stream = 0; stream < krFirstPrivate; ++stream)
         if (!actions.setStream(stream, start.streams[stream]))
             return false;
     if (folder != nullptr)

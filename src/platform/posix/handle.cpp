@@ -1,6 +1,10 @@
 #include <platform/posix/handle.h>
 
 #include <atomic>
+#include <cerrno>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace
 {
@@ -29,6 +33,17 @@ void KrHandleObject::close() noexcept
 DWORD KrHandleObject::getCount() noexcept
 {
     return handleCount.load(std::memory_order_relaxed);
+}
+
+int krKeepPrivate(int descriptor) noexcept
+{
+    if (descriptor < 0 || descriptor >= krFirstPrivate)
+        return descriptor;
+    const int moved = ::fcntl(descriptor, F_DUPFD_CLOEXEC, krFirstPrivate);
+    const int error = errno;
+    ::close(descriptor);
+    errno = error;
+    return moved;
 }
 
 BOOL CloseHandle(HANDLE handle) noexcept

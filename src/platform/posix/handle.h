@@ -25,6 +25,13 @@ public:
     static DWORD getCount() noexcept;
 };
 
+/// The descriptors below are the standard streams.
+constexpr int krFirstPrivate = 3;
+
+/// A descriptor in the place of this one, which must not stay where a standard stream was that the
+/// program has closed: it would be taken for the stream. -1 with errno set, also for -1.
+int krKeepPrivate(int descriptor) noexcept;
+
 /// The object of the expected kind, or null with the last error set to the invalid handle.
 template <class Object>
 Object* krObject(HANDLE handle) noexcept
