@@ -112,9 +112,15 @@ struct Mode
 };
 
 constexpr Mode modes[] = {
-    {"arguments", showArguments}, {"environment", showEnvironment}, {"echo", echo},
-    {"flood", flood},             {"sleep", sleepAfter},            {"leaveBehind", leaveBehind},
-    {"exit", leave},              {"crash", crash},                 {"folder", showFolder},
+    {"arguments", showArguments},
+    {"environment", showEnvironment},
+    {"echo", echo},
+    {"flood", flood},
+    {"sleep", sleepAfter},
+    {"leaveBehind", leaveBehind},
+    {"exit", leave},
+    {"crash", crash},
+    {"folder", showFolder},
 };
 
 } // namespace

@@ -30,7 +30,7 @@ bool hasChildren()
 
 TEST(ProcessesPosix, OnlyTheStreamsAreInherited)
 {
-    const int open = ::open("/dev/null", O_RDONLY); // NOLINT: inheritable on purpose
+    const int open = ::open("/dev/null", O_RDONLY);          // NOLINT: inheritable on purpose
     EXPECT_EQ("0\n1\n2\n3\n", outputOf("ls /proc/self/fd")); // 3: the listing itself
     ::close(open);
 }

