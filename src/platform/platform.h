@@ -369,7 +369,7 @@ BOOL ResetEvent(HANDLE event) noexcept;
 /// Releases those who wait at this moment, all or one by the event's kind, and leaves it reset.
 BOOL PulseEvent(HANDLE event) noexcept;
 
-/// Waits on events only.
+/// Waits on events and processes.
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) noexcept;
 
 // Multimedia timers (posix/timer.cpp)
@@ -480,6 +480,21 @@ void _assert(const char* text, const char* file, unsigned line);
 
 /// Has `before` called in the process that forks, then `inParent` or `inChild`. Once in a process.
 void krOnFork(void (*before)(), void (*inParent)(), void (*inChild)()) noexcept;
+
+// Child processes (posix/childProcess.cpp); they are started with `krStartProcess` (anyProcess.h)
+
+constexpr DWORD ERROR_BROKEN_PIPE = 109;
+constexpr DWORD ERROR_NO_SYSTEM_RESOURCES = 1450;
+
+constexpr DWORD STILL_ACTIVE = 259;
+
+/// A program that a signal has ended has the code of what ends one so on the system that the calls
+/// come from; there are a few of this layer's own (exitCodes.h).
+BOOL GetExitCodeProcess(HANDLE process, DWORD* code) noexcept;
+BOOL TerminateProcess(HANDLE process, DWORD code) noexcept;
+
+/// What this process was started with, in the form of `krSplitCommandLine`.
+const char* GetCommandLineA() noexcept;
 
 #endif
 

@@ -274,8 +274,8 @@ BOOL PulseEvent(HANDLE event) noexcept
 
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) noexcept
 {
-    auto* const event = krObject<KrEvent>(handle);
-    if (event == nullptr)
+    auto* const object = krObject<KrWaitable>(handle);
+    if (object == nullptr)
         return WAIT_FAILED;
-    return event->wait(krMomentAfter(milliseconds)) ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
+    return object->wait(krMomentAfter(milliseconds)) ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
 }

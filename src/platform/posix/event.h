@@ -35,9 +35,17 @@ private:
     int _previous;
 };
 
+/// What can be waited for.
+class KrWaitable : public KrHandleObject
+{
+public:
+    /// Whether it came before the moment.
+    virtual bool wait(KrMoment deadline) noexcept = 0;
+};
+
 /// An event. Its timers need no thread of their own: they take effect when somebody looks at the
 /// event, and whoever waits on it does so at each timer's next moment.
-class KrEvent : public KrHandleObject
+class KrEvent : public KrWaitable
 {
 public:
     struct Timer
@@ -58,8 +66,7 @@ public:
     void reset() noexcept;
     void pulse() noexcept;
 
-    /// Whether the event came before the moment.
-    bool wait(KrMoment deadline) noexcept;
+    bool wait(KrMoment deadline) noexcept override;
 
     /// May throw `std::bad_alloc`.
     void addTimer(const Timer& timer);

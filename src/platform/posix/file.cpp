@@ -65,6 +65,8 @@ public:
         ::close(_descriptor);
     }
 
+    int getDescriptor() const noexcept override { return _descriptor; }
+
     const int _descriptor;
     const bool _isReadable;    ///< the host's descriptor may read also where the handle may not
     std::string _pathToRemove; ///< when the handle is closed, while it still denies the file to all

@@ -1,6 +1,11 @@
 #include <platform/posix/handle.h>
 
+#include <atomic>
+#include <cerrno>
 #include <cstdint>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace
 {
@@ -67,6 +72,17 @@ KrHandleObject* KrHandleObject::take(HANDLE handle) noexcept
 DWORD KrHandleObject::getCount() noexcept
 {
     return handleCount.load(std::memory_order_relaxed);
+}
+
+int krKeepPrivate(int descriptor) noexcept
+{
+    if (descriptor < 0 || descriptor >= krFirstPrivate)
+        return descriptor;
+    const int moved = ::fcntl(descriptor, F_DUPFD_CLOEXEC, krFirstPrivate);
+    const int error = errno;
+    ::close(descriptor);
+    errno = error;
+    return moved;
 }
 
 BOOL CloseHandle(HANDLE handle) noexcept

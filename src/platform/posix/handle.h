@@ -31,12 +31,22 @@ public:
     /// The same, and nobody finds it again.
     static KrHandleObject* take(HANDLE handle) noexcept;
 
+    /// The host's descriptor of what may become a child's stream; -1 if it has none.
+    virtual int getDescriptor() const noexcept { return -1; }
+
     /// How many there are.
     static DWORD getCount() noexcept;
 
 private:
     static std::atomic<KrHandleObject*>* findSlot(HANDLE handle) noexcept;
 };
+
+/// The descriptors below are the standard streams.
+constexpr int krFirstPrivate = 3;
+
+/// A descriptor in the place of this one, which must not stay where a standard stream was that the
+/// program has closed: it would be taken for the stream. -1 with errno set, also for -1.
+int krKeepPrivate(int descriptor) noexcept;
 
 /// The object of the expected kind, or null with the last error set to the invalid handle.
 template <class Object>

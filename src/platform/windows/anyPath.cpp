@@ -1,4 +1,5 @@
 #include <platform/anyPath.h>
+#include <platform/windows/wideText.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -15,32 +16,10 @@ bool isShort(const char* path)
     return std::strlen(path) < shortLimit;
 }
 
-std::wstring widen(const char* text)
-{
-    const int length = MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
-    std::wstring wide(static_cast<std::size_t>(std::max(length, 1)), L'\0');
-    MultiByteToWideChar(CP_ACP, 0, text, -1, wide.data(), length);
-    wide.pop_back();
-    return wide;
-}
-
-/// @param isExact receives whether every character has a narrow form; null if it does not matter
-std::string narrow(const wchar_t* text, bool* isExact = nullptr)
-{
-    BOOL replaced = 0;
-    const int length = WideCharToMultiByte(CP_ACP, 0, text, -1, nullptr, 0, nullptr, nullptr);
-    std::string result(static_cast<std::size_t>(std::max(length, 1)), '\0');
-    WideCharToMultiByte(CP_ACP, 0, text, -1, result.data(), length, nullptr, &replaced);
-    result.pop_back();
-    if (isExact != nullptr)
-        *isExact = replaced == 0;
-    return result;
-}
-
 /// The full path in its wide form, "" with the last error set if there is none.
 std::wstring wideFullPath(const char* path)
 {
-    const std::wstring wide = widen(path);
+    const std::wstring wide = krWiden(path);
     std::wstring full(GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr), L'\0');
     const DWORD length =
         GetFullPathNameW(wide.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
@@ -61,7 +40,7 @@ std::wstring longForm(const char* path)
 
 void take(KrSearch& search)
 {
-    search.storage = narrow(search.data.cFileName);
+    search.storage = krNarrow(search.data.cFileName);
     search.name = search.storage.c_str();
     search.attributes = search.data.dwFileAttributes;
 }
@@ -70,7 +49,7 @@ void take(KrSearch& search)
 
 bool krFindFirst(const char* folder, KrSearch& search)
 {
-    std::wstring pattern = isShort(folder) ? widen(folder) : longForm(folder);
+    std::wstring pattern = isShort(folder) ? krWiden(folder) : longForm(folder);
     pattern += L"\\*";
     search.handle = FindFirstFileExW(pattern.c_str(), FindExInfoBasic, &search.data,
                                      FindExSearchNameMatch, nullptr, FIND_FIRST_EX_LARGE_FETCH);
@@ -179,20 +158,20 @@ bool krGetFullPath(const char* path, std::string& full, std::size_t& lastElement
             return length != 0;
         }
     }
-    full = narrow(wideFullPath(path).c_str());
+    full = krNarrow(wideFullPath(path).c_str());
     lastElement = full.rfind('\\') + 1;
     return !full.empty();
 }
 
 std::filesystem::path krToStdPath(const char* path)
 {
-    return widen(path);
+    return krWiden(path);
 }
 
 bool krFromStdPath(const std::filesystem::path& path, std::string& text)
 {
     bool isExact = false;
-    text = narrow(path.c_str(), &isExact);
+    text = krNarrow(path.c_str(), &isExact);
     std::replace(text.begin(), text.end(), '/', '\\');
     return isExact;
 }
