@@ -1,6 +1,7 @@
 #include "raised.h"
 
 #include <base/internal/errors/nearestNames.h>
+#include <base/lgValues.h>
 #include <base/prCatalog.h>
 #include <base/prEx.h>
 #include <base/prQuery.h>
@@ -159,6 +160,11 @@ TEST(Counters, UpTimeInAnyCaseOfTheLetters)
     std::ostringstream text;
     text << query;
     EXPECT_EQ(text.str().rfind(R"(\SYSTEM\system up time: )", 0), 0U);
+    Kr::LgStream message;
+    message << query << Kr::ends;
+    std::string written(message.getNextSize() + 1, '\0');
+    message >> written.data();
+    EXPECT_EQ(written.c_str(), text.str());
     query.remove(upTime);
     query.collect();
     EXPECT_TRUE(query.getCounters().empty());

@@ -3,6 +3,11 @@
 #include <base/prEx.h>
 #include <base/raise.h>
 
+#include <charconv>
+#include <cmath>
+#include <ostream>
+#include <string_view>
+
 namespace Kr
 {
 
@@ -51,6 +56,19 @@ void PrCounter::keepTo(double identity) noexcept
     if (_isRate && _status == Available && identity != _lastIdentity)
         _status = FirstOfTwo;
     _lastIdentity = identity;
+}
+
+std::ostream& operator<<(std::ostream& os, const PrCounter& counter)
+{
+    os << counter.getPath() << ": ";
+    if (!counter.isAvailable())
+        return os << counter.getProblem();
+    const double value = counter.getValue();
+    const int decimals = value == std::floor(value) ? 0 : 3;
+    char text[512]; // the longest double has 309 digits
+    const auto end =
+        std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals);
+    return os << std::string_view(text, static_cast<std::size_t>(end.ptr - text));
 }
 
 } // namespace Kr

@@ -21,6 +21,9 @@
 #include <base/krBaseApi.h>
 #include <base/prPath.h>
 
+#include <iosfwd>
+#include <string>
+
 namespace Kr
 {
 
@@ -80,5 +83,9 @@ private:
     double _value = 0.;
     double _lastIdentity = -1.; ///< below 0: none
 };
+
+/// Writes the path and the value, a whole number to the last digit and another to three decimals,
+/// or why there is none: "\Memory\Available Bytes: 8589934592".
+KR_BASE_API std::ostream& operator<<(std::ostream& os, const PrCounter& counter);
 
 } // namespace Kr

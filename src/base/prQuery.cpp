@@ -114,13 +114,7 @@ std::string PrQuery::findProcess(unsigned long id)
 std::ostream& operator<<(std::ostream& os, const PrQuery& query)
 {
     for (const PrCounter* const counter : query.getCounters())
-    {
-        os << counter->getPath() << ": ";
-        if (counter->isAvailable())
-            os << counter->getValue() << '\n';
-        else
-            os << counter->getProblem() << '\n';
-    }
+        os << *counter << '\n';
     return os;
 }
 

@@ -81,7 +81,7 @@ private:
     Vector<std::unique_ptr<PrCounter>> _counters;
 };
 
-/// Writes a line for each counter: its path, and its value or why it has none.
+/// Writes a line for each counter. A message of the log takes a query, or a counter, too.
 KR_BASE_API std::ostream& operator<<(std::ostream& os, const PrQuery& query);
 
 } // namespace Kr

@@ -352,6 +352,8 @@ PDH_STATUS krGetCounterValue(PDH_HCOUNTER counter, DWORD& status, double& value)
 
 std::string krDescribeCounterStatus(DWORD status)
 {
+    if (getLibrary() == nullptr)
+        return "pdh.dll cannot be loaded.";
     char text[512];
     const DWORD length = FormatMessageA(
         FORMAT_MESSAGE_FROM_HMODULE | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
