@@ -55,9 +55,17 @@ void* PrQuery::performAdd(void* query, const PrPath& path)
 void PrQuery::performCollect(void* query)
 {
     const PDH_STATUS status = PdhCollectQueryData(query);
-    const auto code = static_cast<DWORD>(status);
-    if (code != PDH_NO_DATA && code != PDH_CSTATUS_NO_INSTANCE && code != PDH_CSTATUS_NO_OBJECT)
+    switch (static_cast<DWORD>(status))
+    {
+    case PDH_NO_DATA:
+    case PDH_CSTATUS_NO_INSTANCE:
+    case PDH_CSTATUS_NO_OBJECT:
+    case PDH_CSTATUS_NO_COUNTER:
+    case PDH_CSTATUS_INVALID_DATA:
+        break;
+    default:
         check(status);
+    }
 }
 
 } // namespace Kr

@@ -1,240 +1,29 @@
 #include <platform/performance.h>
 #include <platform/posix/handle.h>
+#include <platform/posix/performanceCounters.h>
 #include <platform/posix/performanceTables.h>
 
 #include <algorithm>
 #include <charconv>
-#include <cstring>
 #include <memory>
 #include <new>
 #include <string_view>
 
-#include <unistd.h>
-
 namespace
 {
 
+using Definition = KrCounterDefinition;
+using Sample = KrCounterSample;
+using Source = KrCounterSource;
+using Subject = KrCounterSubject;
 using Tables = KrPerformanceTables;
-
-constexpr double nanosecondsPerSecond = 1e9;
-constexpr std::uint64_t nanosecondsPerMillisecond = 1000000;
-constexpr std::uint64_t sectorSize = 512;
-constexpr std::string_view totalName = "_Total";
 
 PDH_STATUS toStatus(DWORD code) noexcept
 {
     return static_cast<PDH_STATUS>(code);
 }
 
-char toSmall(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool isSameName(std::string_view a, std::string_view b)
-{
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return toSmall(x) == toSmall(y); });
-}
-
-// What there is to count
-
-/// What is counted at one collection, and what a share or a rate divides it by.
-struct Sample
-{
-    std::uint64_t value = 0;
-    std::uint64_t base = 1;
-};
-
-/// Whom a counter is about; only what its source tells is set.
-struct Subject
-{
-    const KrProcessorTimes* times = nullptr;
-    const KrProcessorTable* processors = nullptr;
-    const KrMemoryTable* memory = nullptr;
-    const KrPagingTable* paging = nullptr;
-    const KrProcessRecord* process = nullptr;
-    const std::vector<KrProcessRecord>* processes = nullptr;
-    const KrDiskRecord* disk = nullptr;
-    std::uint64_t diskCount = 1; ///< how many disks are added up in `disk`
-    std::uint64_t now = 0;       ///< nanoseconds since the system's start
-};
-
-enum class Source
-{
-    clock,
-    disk,
-    memory,
-    paging,
-    process,
-    processList,
-    processor,
-    processorTable
-};
-
-using Take = Sample (*)(const Subject& subject);
-
-struct Definition
-{
-    const char* object;
-    const char* name;
-    Source source;
-    DWORD type;
-    Take take;
-};
-
-constexpr DWORD plain = PERF_COUNTER_LARGE_RAWCOUNT;
-constexpr DWORD rate = PERF_COUNTER_BULK_COUNT;
-constexpr DWORD share = PERF_100NSEC_TIMER;
-
-/// Counters about a part of a processor's time.
-template <std::uint64_t (KrProcessorTimes::*getPart)() const>
-Sample takeTime(const Subject& subject)
-{
-    return {(subject.times->*getPart)(), subject.times->getTotal()};
-}
-
-template <class Record, const Record* Subject::*record, std::uint64_t Record::*field>
-Sample takeField(const Subject& subject)
-{
-    return {subject.*record->*field, subject.now};
-}
-
-template <std::uint64_t KrMemoryTable::*field>
-constexpr Take takeMemory = takeField<KrMemoryTable, &Subject::memory, field>;
-template <std::uint64_t KrPagingTable::*field>
-constexpr Take takePaging = takeField<KrPagingTable, &Subject::paging, field>;
-template <std::uint64_t KrProcessRecord::*field>
-constexpr Take takeProcess = takeField<KrProcessRecord, &Subject::process, field>;
-template <std::uint64_t KrDiskRecord::*field>
-constexpr Take takeDisk = takeField<KrDiskRecord, &Subject::disk, field>;
-
-template <std::uint64_t unit>
-Sample takeAvailable(const Subject& subject)
-{
-    return {subject.memory->available / unit};
-}
-
-template <std::uint64_t KrProcessRecord::*ticks>
-Sample takeTicks(const Subject& subject)
-{
-    return {subject.process->*ticks * (nanosecondsPerMillisecond * 1000 / Tables::getTickRate()),
-            subject.now};
-}
-
-Sample takeElapsed(const Subject& subject)
-{
-    const std::uint64_t tick = nanosecondsPerMillisecond * 1000 / Tables::getTickRate();
-    return {subject.now - std::min(subject.now, subject.process->startTicks * tick)};
-}
-
-Sample takeWorkingSet(const Subject& subject)
-{
-    static const auto pageSize = static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
-    return {subject.process->residentPages * pageSize};
-}
-
-Sample takeThreads(const Subject& subject)
-{
-    std::uint64_t count = 0;
-    for (const KrProcessRecord& process : *subject.processes)
-        count += process.threads;
-    return {count};
-}
-
-template <std::uint64_t KrDiskRecord::*sectors>
-Sample takeBytes(const Subject& subject)
-{
-    return {subject.disk->*sectors * sectorSize, subject.now};
-}
-
-constexpr Definition definitions[] = {
-    {"Memory", "% Committed Bytes In Use", Source::memory, PERF_RAW_FRACTION,
-     [](const Subject& s) {
-         return Sample{s.memory->committed, s.memory->commitLimit};
-     }},
-    {"Memory", "Available Bytes", Source::memory, plain, takeAvailable<1>},
-    {"Memory", "Available KBytes", Source::memory, plain, takeAvailable<1024>},
-    {"Memory", "Available MBytes", Source::memory, plain, takeAvailable<1024 * 1024>},
-    {"Memory", "Cache Bytes", Source::memory, plain, takeMemory<&KrMemoryTable::cached>},
-    {"Memory", "Commit Limit", Source::memory, plain, takeMemory<&KrMemoryTable::commitLimit>},
-    {"Memory", "Committed Bytes", Source::memory, plain, takeMemory<&KrMemoryTable::committed>},
-    {"Memory", "Free & Zero Page List Bytes", Source::memory, plain,
-     takeMemory<&KrMemoryTable::free>},
-    {"Memory", "Page Faults/sec", Source::paging, rate, takePaging<&KrPagingTable::faults>},
-    {"Memory", "Pages Input/sec", Source::paging, rate, takePaging<&KrPagingTable::pagesIn>},
-    {"Memory", "Pages Output/sec", Source::paging, rate, takePaging<&KrPagingTable::pagesOut>},
-
-    {"PhysicalDisk", "% Disk Time", Source::disk, share,
-     [](const Subject& s) {
-         return Sample{s.disk->busyMilliseconds * nanosecondsPerMillisecond, s.now * s.diskCount};
-     }},
-    {"PhysicalDisk", "Current Disk Queue Length", Source::disk, plain,
-     takeDisk<&KrDiskRecord::pending>},
-    {"PhysicalDisk", "Disk Bytes/sec", Source::disk, rate,
-     [](const Subject& s) {
-         return Sample{(s.disk->readSectors + s.disk->writtenSectors) * sectorSize, s.now};
-     }},
-    {"PhysicalDisk", "Disk Read Bytes/sec", Source::disk, rate,
-     takeBytes<&KrDiskRecord::readSectors>},
-    {"PhysicalDisk", "Disk Reads/sec", Source::disk, rate, takeDisk<&KrDiskRecord::reads>},
-    {"PhysicalDisk", "Disk Transfers/sec", Source::disk, rate,
-     [](const Subject& s) {
-         return Sample{s.disk->reads + s.disk->writes, s.now};
-     }},
-    {"PhysicalDisk", "Disk Write Bytes/sec", Source::disk, rate,
-     takeBytes<&KrDiskRecord::writtenSectors>},
-    {"PhysicalDisk", "Disk Writes/sec", Source::disk, rate, takeDisk<&KrDiskRecord::writes>},
-
-    {"Process", "% Privileged Time", Source::process, share,
-     takeTicks<&KrProcessRecord::systemTicks>},
-    {"Process", "% Processor Time", Source::process, share, takeProcess<&KrProcessRecord::runTime>},
-    {"Process", "% User Time", Source::process, share, takeTicks<&KrProcessRecord::userTicks>},
-    {"Process", "Creating Process ID", Source::process, plain,
-     takeProcess<&KrProcessRecord::parent>},
-    {"Process", "Elapsed Time", Source::process, PERF_ELAPSED_TIME, takeElapsed},
-    {"Process", "ID Process", Source::process, plain,
-     [](const Subject& s) { return Sample{static_cast<std::uint64_t>(s.process->id)}; }},
-    {"Process", "Page Faults/sec", Source::process, rate, takeProcess<&KrProcessRecord::faults>},
-    {"Process", "Thread Count", Source::process, plain, takeProcess<&KrProcessRecord::threads>},
-    {"Process", "Virtual Bytes", Source::process, plain,
-     takeProcess<&KrProcessRecord::virtualBytes>},
-    {"Process", "Working Set", Source::process, plain, takeWorkingSet},
-
-    {"Processor", "% Idle Time", Source::processor, share, takeTime<&KrProcessorTimes::getIdle>},
-    {"Processor", "% Interrupt Time", Source::processor, share,
-     takeTime<&KrProcessorTimes::getInterrupt>},
-    {"Processor", "% Privileged Time", Source::processor, share,
-     takeTime<&KrProcessorTimes::getPrivileged>},
-    {"Processor", "% Processor Time", Source::processor, share,
-     takeTime<&KrProcessorTimes::getBusy>},
-    {"Processor", "% User Time", Source::processor, share, takeTime<&KrProcessorTimes::getUser>},
-
-    {"System", "Context Switches/sec", Source::processorTable, rate,
-     takeField<KrProcessorTable, &Subject::processors, &KrProcessorTable::contextSwitches>},
-    {"System", "Processes", Source::processList, plain,
-     [](const Subject& s) { return Sample{s.processes->size()}; }},
-    {"System", "System Up Time", Source::clock, PERF_ELAPSED_TIME,
-     [](const Subject& s) { return Sample{s.now}; }},
-    {"System", "Threads", Source::processList, plain, takeThreads},
-};
-
 // Processes by name
-
-/// The name as it stands in paths: what has a meaning there, or cannot be shown, is replaced.
-std::string toInstanceName(std::string name)
-{
-    for (char& c : name)
-    {
-        if (c == '(')
-            c = '[';
-        else if (c == ')')
-            c = ']';
-        else if (std::strchr("#/\\*", c) != nullptr || static_cast<unsigned char>(c) < ' ')
-            c = '_';
-    }
-    return name.empty() ? "_" : name;
-}
 
 /// "name#2" is the third of that name, in the order of their numbers.
 struct InstanceName
@@ -260,7 +49,8 @@ struct ProcessInstance
     std::string text; ///< as it stands in the path
     KrProcessRecord record;
     DWORD status = PDH_CSTATUS_NO_INSTANCE;
-    bool isRead = false; ///< by the collection that is under way
+    bool isRead = false;    ///< by the collection that is under way
+    std::uint64_t time = 0; ///< when it was read
 };
 
 const KrProcessRecord* findProcess(const std::vector<KrProcessRecord>& processes,
@@ -269,7 +59,7 @@ const KrProcessRecord* findProcess(const std::vector<KrProcessRecord>& processes
     const InstanceName wanted(text);
     unsigned index = wanted.index;
     for (const KrProcessRecord& process : processes)
-        if (isSameName(toInstanceName(process.name), wanted.name) && index-- == 0)
+        if (krIsSameName(krToInstanceName(process.name), wanted.name) && index-- == 0)
             return &process;
     return nullptr;
 }
@@ -300,8 +90,8 @@ DWORD addUp(Tables& tables, KrProcessRecord& total)
     const KrProcessorTimes& times = processors.record.all;
     total.userTicks = times.getUser();
     total.systemTicks = times.system;
-    total.runTime = (total.userTicks + total.systemTicks) *
-                    (nanosecondsPerMillisecond * 1000 / Tables::getTickRate());
+    total.runTime =
+        (total.userTicks + total.systemTicks) * (krNanosecondsPerSecond / Tables::getTickRate());
     total.faults = paging.record.faults;
     return PDH_CSTATUS_VALID_DATA;
 }
@@ -309,7 +99,7 @@ DWORD addUp(Tables& tables, KrProcessRecord& total)
 /// Reads the process that the instance was; if it is gone, the one that now has the name.
 DWORD readInstance(Tables& tables, ProcessInstance& instance)
 {
-    if (isSameName(instance.text, totalName))
+    if (krIsSameName(instance.text, krTotalInstance))
         return addUp(tables, instance.record);
     const std::uint64_t start = instance.record.startTicks;
     if (instance.status == PDH_CSTATUS_VALID_DATA)
@@ -334,7 +124,10 @@ DWORD readInstance(Tables& tables, ProcessInstance& instance)
 DWORD read(Tables& tables, ProcessInstance& instance)
 {
     if (!instance.isRead)
+    {
         instance.status = readInstance(tables, instance);
+        instance.time = Tables::getUpTime();
+    }
     instance.isRead = true;
     return instance.status;
 }
@@ -343,7 +136,7 @@ DWORD read(Tables& tables, ProcessInstance& instance)
 
 DWORD findTimes(const KrProcessorTable& table, const std::string& instance, Subject& subject)
 {
-    subject.times = isSameName(instance, totalName) ? &table.all : nullptr;
+    subject.times = krIsSameName(instance, krTotalInstance) ? &table.all : nullptr;
     for (const KrProcessorTimes& times : table.processors)
         if (std::to_string(times.number) == instance)
             subject.times = &times;
@@ -354,7 +147,7 @@ DWORD findTimes(const KrProcessorTable& table, const std::string& instance, Subj
 DWORD findDisk(const std::vector<KrDiskRecord>& disks, const std::string& instance,
                KrDiskRecord& total, Subject& subject)
 {
-    if (isSameName(instance, totalName))
+    if (krIsSameName(instance, krTotalInstance))
     {
         total = {};
         for (const KrDiskRecord& disk : disks)
@@ -371,7 +164,7 @@ DWORD findDisk(const std::vector<KrDiskRecord>& disks, const std::string& instan
         return PDH_CSTATUS_VALID_DATA;
     }
     for (const KrDiskRecord& disk : disks)
-        if (isSameName(toInstanceName(disk.name), instance))
+        if (krIsSameName(krToInstanceName(disk.name), instance))
             subject.disk = &disk;
     return subject.disk != nullptr ? PDH_CSTATUS_VALID_DATA : PDH_CSTATUS_NO_INSTANCE;
 }
@@ -448,16 +241,16 @@ private:
             counter.samples = 0;
             return;
         }
-        subject.now = Tables::getUpTime();
         counter.previous = counter.latest;
         counter.latest = counter.definition.take(subject);
         counter.samples = std::min(counter.samples + 1, 2);
     }
 
     template <class Record>
-    static DWORD point(const Tables::Table<Record>& table, const Record*& record)
+    static DWORD point(const Tables::Table<Record>& table, const Record*& record, Subject& subject)
     {
         record = &table.record;
+        subject.now = table.time;
         return toCode(table.state);
     }
 
@@ -466,32 +259,47 @@ private:
         switch (counter.definition.source)
         {
         case Source::clock:
+            subject.now = Tables::getUpTime();
             return PDH_CSTATUS_VALID_DATA;
         case Source::memory:
-            return point(_tables.getMemory(), subject.memory);
+            return point(_tables.getMemory(), subject.memory, subject);
         case Source::paging:
-            return point(_tables.getPaging(), subject.paging);
+            return point(_tables.getPaging(), subject.paging, subject);
         case Source::processList:
-            return point(_tables.getProcesses(), subject.processes);
+            return point(_tables.getProcesses(), subject.processes, subject);
         case Source::processorTable:
-            return point(_tables.getProcessors(), subject.processors);
+            return point(_tables.getProcessors(), subject.processors, subject);
         case Source::process:
-            subject.process = &counter.process->record;
-            return read(_tables, *counter.process);
+            return findProcess(*counter.process, subject);
         case Source::processor:
-        {
-            const DWORD code = point(_tables.getProcessors(), subject.processors);
-            return code != PDH_CSTATUS_VALID_DATA
-                       ? code
-                       : findTimes(*subject.processors, counter.instance, subject);
-        }
+            return findProcessor(counter.instance, subject);
         case Source::disk:
             break;
         }
+        return findDisk(counter.instance, subject);
+    }
+
+    DWORD findProcess(ProcessInstance& instance, Subject& subject)
+    {
+        const DWORD code = read(_tables, instance);
+        subject.process = &instance.record;
+        subject.now = instance.time;
+        return code;
+    }
+
+    DWORD findProcessor(const std::string& instance, Subject& subject)
+    {
+        const DWORD code = point(_tables.getProcessors(), subject.processors, subject);
+        return code != PDH_CSTATUS_VALID_DATA ? code
+                                              : findTimes(*subject.processors, instance, subject);
+    }
+
+    DWORD findDisk(const std::string& instance, Subject& subject)
+    {
         const auto& disks = _tables.getDisks();
-        return disks.state != Tables::good
-                   ? toCode(disks.state)
-                   : findDisk(disks.record, counter.instance, _allDisks, subject);
+        subject.now = disks.time;
+        return disks.state != Tables::good ? toCode(disks.state)
+                                           : ::findDisk(disks.record, instance, _allDisks, subject);
     }
 
     Tables _tables;
@@ -523,22 +331,17 @@ struct PathParts
     std::string_view counter;
 };
 
-bool hasInstances(Source source)
-{
-    return source == Source::process || source == Source::processor || source == Source::disk;
-}
-
 PDH_STATUS add(Query& query, const PathParts& path, PDH_HCOUNTER* counter)
 {
     DWORD problem = PDH_CSTATUS_NO_OBJECT;
-    for (const Definition& definition : definitions)
+    for (const Definition& definition : krCounterDefinitions())
     {
-        if (!isSameName(definition.object, path.object))
+        if (!krIsSameName(definition.object, path.object))
             continue;
         problem = PDH_CSTATUS_NO_COUNTER;
-        if (!isSameName(definition.name, path.counter))
+        if (!krIsSameName(definition.name, path.counter))
             continue;
-        if (hasInstances(definition.source) == path.instance.empty())
+        if (krHasInstances(definition.source) == path.instance.empty())
             return toStatus(PDH_CSTATUS_NO_INSTANCE);
         *counter = static_cast<KrHandleObject*>(query.add(definition, path.instance));
         return 0;
@@ -548,36 +351,18 @@ PDH_STATUS add(Query& query, const PathParts& path, PDH_HCOUNTER* counter)
 
 // Values
 
+bool needsTwo(const Counter& counter)
+{
+    return (counter.definition.type & PERF_DELTA_COUNTER) != 0;
+}
+
 DWORD format(const Counter& counter, double& value)
 {
     if (counter.status != PDH_CSTATUS_VALID_DATA)
         return counter.status;
-    const auto latest = static_cast<double>(counter.latest.value);
-    switch (counter.definition.type)
-    {
-    case PERF_RAW_FRACTION:
-        value =
-            100. * latest / static_cast<double>(std::max<std::uint64_t>(counter.latest.base, 1));
-        return PDH_CSTATUS_VALID_DATA;
-    case PERF_ELAPSED_TIME:
-        value = latest / nanosecondsPerSecond;
-        return PDH_CSTATUS_VALID_DATA;
-    case plain:
-        value = latest;
-        return PDH_CSTATUS_VALID_DATA;
-    default:
-        break;
-    }
-    if (counter.samples < 2)
+    if (needsTwo(counter) && counter.samples < 2)
         return PDH_CSTATUS_INVALID_DATA;
-    if (counter.latest.base <= counter.previous.base)
-        return PDH_CALC_NEGATIVE_DENOMINATOR;
-    if (counter.latest.value < counter.previous.value)
-        return PDH_CALC_NEGATIVE_VALUE;
-    const double factor = counter.definition.type == share ? 100. : nanosecondsPerSecond;
-    value = factor * static_cast<double>(counter.latest.value - counter.previous.value) /
-            static_cast<double>(counter.latest.base - counter.previous.base);
-    return PDH_CSTATUS_VALID_DATA;
+    return krFormatCounter(counter.definition.type, counter.previous, counter.latest, value);
 }
 
 struct StatusText
@@ -606,7 +391,7 @@ constexpr StatusText statusTexts[] = {
 void listProcesses(std::vector<std::string>& instances, Tables& tables)
 {
     for (const KrProcessRecord& process : tables.getProcesses().record)
-        instances.push_back(toInstanceName(process.name));
+        instances.push_back(krToInstanceName(process.name));
 }
 
 void listProcessors(std::vector<std::string>& instances, Tables& tables)
@@ -618,7 +403,7 @@ void listProcessors(std::vector<std::string>& instances, Tables& tables)
 void listDisks(std::vector<std::string>& instances, Tables& tables)
 {
     for (const KrDiskRecord& disk : tables.getDisks().record)
-        instances.push_back(toInstanceName(disk.name));
+        instances.push_back(krToInstanceName(disk.name));
 }
 
 Tables::State listInstances(Source source, std::vector<std::string>& instances)
@@ -632,7 +417,7 @@ Tables::State listInstances(Source source, std::vector<std::string>& instances)
         listDisks(instances, tables);
     else
         return Tables::good;
-    instances.emplace_back(totalName);
+    instances.emplace_back(krTotalInstance);
     return source == Source::process     ? tables.getProcesses().state
            : source == Source::processor ? tables.getProcessors().state
                                          : tables.getDisks().state;
@@ -661,7 +446,7 @@ PDH_STATUS PdhOpenQueryA(const char* source, DWORD_PTR, PDH_HQUERY* query) noexc
     return guarded(
         [query]
         {
-            *query = static_cast<KrHandleObject*>(new Query);
+            *query = static_cast<KrHandleObject*>(std::make_unique<Query>().release());
             return PDH_STATUS{0};
         });
 }
@@ -740,7 +525,7 @@ PDH_STATUS PdhCloseQuery(PDH_HQUERY query) noexcept
 
 PDH_STATUS krListCounterObjects(std::vector<std::string>& objects)
 {
-    for (const Definition& definition : definitions)
+    for (const Definition& definition : krCounterDefinitions())
         if (objects.empty() || objects.back() != definition.object)
             objects.emplace_back(definition.object);
     return 0;
@@ -750,9 +535,9 @@ PDH_STATUS krListCounterItems(const std::string& object, std::vector<std::string
                               std::vector<std::string>& instances)
 {
     const Definition* any = nullptr;
-    for (const Definition& definition : definitions)
+    for (const Definition& definition : krCounterDefinitions())
     {
-        if (!isSameName(definition.object, object))
+        if (!krIsSameName(definition.object, object))
             continue;
         counters.emplace_back(definition.name);
         any = &definition;

@@ -289,42 +289,56 @@ bool KrPerformanceTables::readText(const std::string& path)
     return File(path).readAll(_text);
 }
 
-template <class Record, class Parse>
-const KrPerformanceTables::Table<Record>& KrPerformanceTables::read(Table<Record>& table,
-                                                                    const char* file, Parse parse)
+template <class Record, class Read>
+const KrPerformanceTables::Table<Record>& KrPerformanceTables::once(Table<Record>& table, Read read)
 {
     if (table.isRead)
         return table;
+    table.state = read(table.record);
+    table.time = getUpTime();
     table.isRead = true;
-    _path.assign(_processes).append(file);
-    if (!readText(_path))
-        table.state = unreadable;
-    else
-        table.state = parse(_text, table.record) ? good : malformed;
     return table;
+}
+
+template <class Record>
+const KrPerformanceTables::Table<Record>&
+KrPerformanceTables::once(Table<Record>& table, const char* file,
+                          bool (*parse)(std::string_view, Record&))
+{
+    return once(table,
+                [&](Record& record)
+                {
+                    _path.assign(_processes).append(file);
+                    if (!readText(_path))
+                        return unreadable;
+                    return parse(_text, record) ? good : malformed;
+                });
 }
 
 const KrPerformanceTables::Table<KrProcessorTable>& KrPerformanceTables::getProcessors()
 {
-    return read(_processorTable, "/stat", krParseProcessors);
+    return once(_processorTable, "/stat", krParseProcessors);
 }
 
 const KrPerformanceTables::Table<KrMemoryTable>& KrPerformanceTables::getMemory()
 {
-    return read(_memoryTable, "/meminfo", krParseMemory);
+    return once(_memoryTable, "/meminfo", krParseMemory);
 }
 
 const KrPerformanceTables::Table<KrPagingTable>& KrPerformanceTables::getPaging()
 {
-    return read(_pagingTable, "/vmstat", krParsePaging);
+    return once(_pagingTable, "/vmstat", krParsePaging);
+}
+
+const KrPerformanceTables::Table<std::vector<KrProcessRecord>>& KrPerformanceTables::getProcesses()
+{
+    return once(_processTable, [this](std::vector<KrProcessRecord>& processes)
+                { return readProcesses(processes); });
 }
 
 const KrPerformanceTables::Table<std::vector<KrDiskRecord>>& KrPerformanceTables::getDisks()
 {
-    if (!_diskTable.isRead)
-        _diskTable.state = readDisks(_diskTable.record);
-    _diskTable.isRead = true;
-    return _diskTable;
+    return once(_diskTable, [this](std::vector<KrDiskRecord>& disks) { return readDisks(disks); });
 }
 
 KrPerformanceTables::State KrPerformanceTables::readDisks(std::vector<KrDiskRecord>& disks)
@@ -342,14 +356,6 @@ KrPerformanceTables::State KrPerformanceTables::readDisks(std::vector<KrDiskReco
     };
     disks.erase(std::remove_if(disks.begin(), disks.end(), isNoDevice), disks.end());
     return good;
-}
-
-const KrPerformanceTables::Table<std::vector<KrProcessRecord>>& KrPerformanceTables::getProcesses()
-{
-    if (!_processTable.isRead)
-        _processTable.state = readProcesses(_processTable.record);
-    _processTable.isRead = true;
-    return _processTable;
 }
 
 KrPerformanceTables::State KrPerformanceTables::readRecord(int id, KrProcessRecord& record)

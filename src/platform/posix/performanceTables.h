@@ -106,6 +106,7 @@ public:
         Record record;
         State state = unreadable;
         bool isRead = false;
+        std::uint64_t time = 0; ///< of the reading, as `getUpTime`
     };
 
     /// @param processes where the kernel has its tables
@@ -139,8 +140,12 @@ private:
     State readProcesses(std::vector<KrProcessRecord>& processes);
     State readDisks(std::vector<KrDiskRecord>& disks);
 
-    template <class Record, class Parse>
-    const Table<Record>& read(Table<Record>& table, const char* file, Parse parse);
+    /// Has the table read, if that has not been done.
+    template <class Record, class Read>
+    const Table<Record>& once(Table<Record>& table, Read read);
+    template <class Record>
+    const Table<Record>& once(Table<Record>& table, const char* file,
+                              bool (*parse)(std::string_view, Record&));
 
     const std::string _processes;
     const std::string _devices;

@@ -237,16 +237,9 @@ PDH_STATUS enumerateItems(const std::string& object, std::string& counters, std:
 /// Wine can not: one of its calls says so, the other ends the process.
 bool canList() noexcept
 {
-    static const bool answer = []
-    {
-        DWORD counterSize = 0;
-        DWORD instanceSize = 0;
-        const PDH_STATUS status =
-            PdhEnumObjectItemsA(nullptr, nullptr, "System", nullptr, &counterSize, nullptr,
-                                &instanceSize, PERF_DETAIL_WIZARD, 0);
-        return !isStatus(status, PDH_NOT_IMPLEMENTED);
-    }();
-    return answer;
+    static const bool isWine =
+        GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr;
+    return !isWine;
 }
 
 struct KnownCounter
