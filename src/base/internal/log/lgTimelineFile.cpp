@@ -69,7 +69,7 @@ void LgTimelineFile::addMessage(const LgRecord& record)
 /// Threads that have ended are let go; their end is looked at before their ring.
 void LgTimelineFile::drain()
 {
-    askForCounters();
+    LgCounters::ask(&addCounter, this);
     takeNewRings();
     const auto drainAndTest = [this](const std::shared_ptr<LgSpanRing>& ring)
     {
@@ -180,12 +180,6 @@ void LgTimelineFile::showThreadName(unsigned long thread, std::string_view name)
         return;
     shown = name;
     addThreadName(thread, name);
-}
-
-void LgTimelineFile::askForCounters()
-{
-    if (const LgCounters::Source source = LgCounters::getSource())
-        source(&addCounter, this);
 }
 
 /// Writes a value that has changed.

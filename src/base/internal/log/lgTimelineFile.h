@@ -47,7 +47,6 @@ private:
     void addThreadName(unsigned long thread, std::string_view name);
     void showThreadName(unsigned long thread, std::string_view name);
     static void addCounter(void* timeline, const char* name, double value);
-    void askForCounters();
     void takeNewRings();
     void drainRing(LgSpanRing& ring);
 
