@@ -121,12 +121,12 @@ DWORD Key::load()
     return folder >= 0 && krIsRemoved(folder) ? ERROR_KEY_DELETED : ERROR_SUCCESS;
 }
 
-/// A file that is replaced is another one; one that somebody has edited has other times.
+/// A file that is replaced is another one; one that somebody has changed has another time.
 bool Key::isLoaded(const struct stat& status) const
 {
     return _file.isOpen() && status.st_ino == _status.st_ino && status.st_dev == _status.st_dev &&
            status.st_size == _status.st_size &&
-           std::memcmp(&status.st_mtim, &_status.st_mtim, sizeof status.st_mtim) == 0;
+           std::memcmp(&status.st_ctim, &_status.st_ctim, sizeof status.st_ctim) == 0;
 }
 
 DWORD Key::loadFrom(KrDescriptor file)

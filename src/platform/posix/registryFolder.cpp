@@ -259,8 +259,8 @@ DWORD KrRegistryLock::acquire() const
 KrDescriptor krOpenKeyFolder(int base, const KrRegistryPath& path)
 {
     KrDescriptor folder = openFolder(base, ".");
-    for (const std::string& key : path)
-        folder = openFolder(folder.get(), findFolder(folder.get(), key).c_str());
+    for (auto key = path.begin(); key != path.end() && folder.isOpen(); ++key)
+        folder = openFolder(folder.get(), findFolder(folder.get(), *key).c_str());
     return folder;
 }
 
