@@ -156,6 +156,9 @@ TEST(RegistryFiles, KeepsTheOldWhereTheHostRefuses)
     key.setText("v", "new");
     EXPECT_EQ(key.getText("v"), "new");
 
+    Kr::OsEnv::putVariable(("XDG_CONFIG_HOME=/" + std::string(300, 'x')).c_str());
+    EXPECT_EQ(refusalOf([&] { OsRegistryKey::exists(Root::User, scratch.getPath()); }),
+              "The filename or extension is too long.");
     Kr::OsEnv::putVariable("XDG_CONFIG_HOME=/dev/null");
     EXPECT_EQ(refusalOf([&] { scratch.open(); }), "The system cannot find the path specified.");
     Kr::OsEnv::putVariable(("XDG_CONFIG_HOME=" + (scratch.getFolder() / "user").string()).c_str());

@@ -48,6 +48,7 @@ constexpr SystemText systemTexts[] = {
     {ERROR_FILENAME_EXCED_RANGE, "The filename or extension is too long."},
     {ERROR_DIRECTORY, "The directory name is invalid."},
     {ERROR_NO_UNICODE_TRANSLATION, "The text is not well-formed."},
+    {ERROR_MORE_DATA, "More data is available."},
     {ERROR_NO_MORE_ITEMS, "No more data is available."},
     {ERROR_REGISTRY_CORRUPT, "The registry is corrupted."},
     {ERROR_KEY_DELETED, "Illegal operation attempted on a registry key that has been marked for "

@@ -75,17 +75,11 @@ public:
     template <class Change>
     DWORD changeValues(Change change);
 
-    /// The keys as they were when they were asked for by the index 0.
-    const std::vector<std::string>& listKeys(DWORD index)
-    {
-        if (index == 0)
-            _listedKeys = krListKeyFolders(getFolder());
-        return _listedKeys;
-    }
-
-    std::mutex& getListMutex() { return _listMutex; }
+    /// Gives the name of a key as it was when the index 0 was asked for.
+    DWORD giveKey(DWORD index, WCHAR* name, DWORD* size);
 
 private:
+    DWORD listKeys();
     DWORD load();
     DWORD loadFrom(KrDescriptor file);
     bool isLoaded(const struct stat& status) const;
@@ -174,12 +168,15 @@ DWORD Key::changeValues(Change change)
     return krReplaceFile(getFolder(), valuesFile, text, mode);
 }
 
+auto isNamed(const std::string& name)
+{
+    return [&](const KrRegistryValue& value) { return krIsSameRegistryName(value.name, name); };
+}
+
 template <class Values>
 auto findValue(Values& values, const std::string& name)
 {
-    return std::find_if(values.begin(), values.end(),
-                        [&](const KrRegistryValue& value)
-                        { return krIsSameRegistryName(value.name, name); });
+    return std::find_if(values.begin(), values.end(), isNamed(name));
 }
 
 /// Gives data to a caller as the calls do: the size alone, the data, or that there is no room.
@@ -206,6 +203,24 @@ DWORD giveName(const std::string& given, WCHAR* name, DWORD* size)
     std::copy_n(wide.c_str(), wide.size() + 1, name);
     *size = static_cast<DWORD>(wide.size());
     return ERROR_SUCCESS;
+}
+
+DWORD Key::listKeys()
+{
+    const int folder = getFolder();
+    if (folder >= 0 && krIsRemoved(folder))
+        return ERROR_KEY_DELETED;
+    return folder < 0 || krListKeyFolders(folder, _listedKeys) ? ERROR_SUCCESS : lastStatus();
+}
+
+DWORD Key::giveKey(DWORD index, WCHAR* name, DWORD* size)
+{
+    const std::lock_guard<std::mutex> guard(_listMutex);
+    const DWORD status = index == 0 ? listKeys() : ERROR_SUCCESS;
+    if (status != ERROR_SUCCESS)
+        return status;
+    return index < _listedKeys.size() ? giveName(_listedKeys[index], name, size)
+                                      : ERROR_NO_MORE_ITEMS;
 }
 
 bool takeName(const WCHAR* wide, std::string& name)
@@ -241,15 +256,15 @@ struct Base
         if (isMachine || handle == HKEY_CURRENT_USER)
         {
             root = KrRegistryRoot::get(isMachine);
-            opened = root.open();
-            folder = opened.get();
-            isValid = true;
+            refresh();
+            const bool isMissing = folder < 0 && (errno == ENOENT || errno == ENOTDIR);
+            status = folder >= 0 || isMissing ? ERROR_SUCCESS : lastStatus();
         }
         else if (const Key* const key = krObject<Key>(handle))
         {
             root = key->getRoot();
             folder = key->getFolder();
-            isValid = true;
+            status = ERROR_SUCCESS;
         }
     }
 
@@ -264,15 +279,15 @@ struct Base
 
     KrRegistryRoot root;
     KrDescriptor opened;
-    int folder = -1;
-    bool isValid = false;
+    int folder = -1; ///< below 0 for a root that has no folder yet
+    DWORD status = ERROR_INVALID_HANDLE;
 };
 
 /// What is wrong with the arguments that begin most calls.
 DWORD checkPath(const Base& base, const WCHAR* wide, KrRegistryPath& path)
 {
-    if (!base.isValid)
-        return ERROR_INVALID_HANDLE;
+    if (base.status != ERROR_SUCCESS)
+        return base.status;
     return splitPath(wide, path) ? ERROR_SUCCESS : ERROR_INVALID_NAME;
 }
 
@@ -387,13 +402,7 @@ LSTATUS RegEnumKeyExW(HKEY handle, DWORD index, WCHAR* name, DWORD* size, DWORD*
     auto* const key = krObject<Key>(handle);
     if (key == nullptr)
         return ERROR_INVALID_HANDLE;
-    return run(
-        [&]() -> DWORD
-        {
-            const std::lock_guard<std::mutex> guard(key->getListMutex());
-            const std::vector<std::string>& keys = key->listKeys(index);
-            return index < keys.size() ? giveName(keys[index], name, size) : ERROR_NO_MORE_ITEMS;
-        });
+    return run([&] { return key->giveKey(index, name, size); });
 }
 
 LSTATUS RegEnumValueW(HKEY handle, DWORD index, WCHAR* name, DWORD* size, DWORD*, DWORD* type,
@@ -480,12 +489,13 @@ LSTATUS RegDeleteValueW(HKEY handle, const WCHAR* name) noexcept
             return key->changeValues(
                 [&](KrRegistryValues& values) -> DWORD
                 {
-                    const auto value =
-                        takeName(name, text) ? findValue(values, text) : values.end();
-                    if (value == values.end())
-                        return ERROR_FILE_NOT_FOUND;
-                    values.erase(value);
-                    return ERROR_SUCCESS;
+                    const auto kept =
+                        takeName(name, text)
+                            ? std::remove_if(values.begin(), values.end(), isNamed(text))
+                            : values.end();
+                    const bool isMissing = kept == values.end();
+                    values.erase(kept, values.end());
+                    return isMissing ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;
                 });
         });
 }

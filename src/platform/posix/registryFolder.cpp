@@ -110,9 +110,10 @@ bool isFolder(int base, const dirent& entry)
     return ::fstatat(base, entry.d_name, &status, 0) == 0 && S_ISDIR(status.st_mode);
 }
 
-/// Calls `visit` for the folder of each key until it returns false.
+/// Calls `visit` for the folder of each key until it returns false. Returns false, with `errno`
+/// set, if they cannot be listed.
 template <class Visit>
-void visitFolders(int base, Visit visit)
+bool visitFolders(int base, Visit visit)
 {
     struct Close
     {
@@ -124,12 +125,13 @@ void visitFolders(int base, Visit visit)
     {
         if (listed >= 0)
             ::close(listed);
-        return;
+        return false;
     }
     while (const dirent* const entry = ::readdir(directory.get()))
         if (entry->d_name[0] != '.' && entry->d_name[0] != '@' && isFolder(base, *entry) &&
             !visit(entry->d_name))
-            return;
+            break;
+    return true;
 }
 
 /// The folder's name of a key as it is spelt there; as it would be if there is none.
@@ -278,16 +280,15 @@ KrDescriptor krMakeKeyFolder(int base, const KrRegistryPath& path, mode_t mode, 
     return folder;
 }
 
-std::vector<std::string> krListKeyFolders(int base)
+bool krListKeyFolders(int base, std::vector<std::string>& keys)
 {
-    std::vector<std::string> keys;
-    visitFolders(base,
-                 [&](const char* name)
-                 {
-                     keys.push_back(decodeName(name));
-                     return true;
-                 });
-    return keys;
+    keys.clear();
+    return visitFolders(base,
+                        [&](const char* name)
+                        {
+                            keys.push_back(decodeName(name));
+                            return true;
+                        });
 }
 
 /// The folder is moved aside first. What a process that was killed has left aside goes with the

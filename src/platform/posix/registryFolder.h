@@ -81,8 +81,8 @@ KrDescriptor krOpenKeyFolder(int base, const KrRegistryPath& path);
 /// @param made whether the last one was
 KrDescriptor krMakeKeyFolder(int base, const KrRegistryPath& path, mode_t mode, bool& made);
 
-/// The names of the keys in a folder.
-std::vector<std::string> krListKeyFolders(int base);
+/// Lists the names of the keys in a folder; false with `errno` set.
+bool krListKeyFolders(int base, std::vector<std::string>& keys);
 
 /// Removes a folder and all below in one step. Under the lock.
 DWORD krRemoveKeyFolder(const KrRegistryRoot& root, int base, const KrRegistryPath& path);
