@@ -256,4 +256,16 @@ void InSettings::setOverride(const char* handle, const char* text)
     table.setOverride(handle, text);
 }
 
+InSettingsStore* InSettings::setStore(InSettingsStore* store) noexcept
+{
+    return InNameTable::getInstance().setStore(store);
+}
+
+void InSettings::store(const InPackageInitBase& package)
+{
+    for (const auto& [handle, names] : InNameTable::getInstance().getHandles())
+        if (names.variable != nullptr && &names.variable->getPackage() == &package)
+            names.variable->store();
+}
+
 } // namespace Kr

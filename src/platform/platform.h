@@ -36,6 +36,12 @@ inline const char* krLoadDetail() noexcept
     return "";
 }
 
+/// The system's registry does not say where it is damaged.
+inline const char* krRegistryDetail() noexcept
+{
+    return "";
+}
+
 #else
 
 #include <cstddef>
@@ -147,7 +153,7 @@ constexpr DWORD ERROR_NEGATIVE_SEEK = 131;
 constexpr DWORD GENERIC_READ = 0x80000000;
 constexpr DWORD GENERIC_WRITE = 0x40000000;
 constexpr DWORD FILE_APPEND_DATA = 0x0004; ///< without GENERIC_WRITE: every write appends
-constexpr DWORD DELETE = 0x00010000;       ///< only what FILE_FLAG_DELETE_ON_CLOSE needs
+constexpr DWORD DELETE = 0x00010000;       ///< only what FILE_FLAG_DELETE_ON_CLOSE and registry keys need
 
 constexpr DWORD FILE_SHARE_READ = 0x1;
 constexpr DWORD FILE_SHARE_WRITE = 0x2;
@@ -495,6 +501,76 @@ BOOL TerminateProcess(HANDLE process, DWORD code) noexcept;
 
 /// What this process was started with, in the form of `krSplitCommandLine`.
 const char* GetCommandLineA() noexcept;
+// Wide texts (posix/wideText.cpp): UTF-16, to and from UTF-8 only. What is malformed is refused,
+// whatever the flags; lengths do not count a terminator and are above 0.
+
+using WCHAR = char16_t;
+
+constexpr UINT CP_UTF8 = 65001;
+constexpr DWORD MB_ERR_INVALID_CHARS = 0x8;
+constexpr DWORD WC_ERR_INVALID_CHARS = 0x80;
+constexpr DWORD ERROR_NO_UNICODE_TRANSLATION = 1113;
+
+int MultiByteToWideChar(UINT page, DWORD flags, const char* text, int length, WCHAR* wide,
+                        int size) noexcept;
+int WideCharToMultiByte(UINT page, DWORD flags, const WCHAR* wide, int length, char* text, int size,
+                        const char* substitute, BOOL* substituted) noexcept;
+
+// Registry (posix/registry.cpp): the user's and the machine's root, kept in files
+// (posix/registryFolder.h). The letters A to Z are the same in both cases.
+
+using BYTE = unsigned char;
+using HKEY = HANDLE;
+using REGSAM = DWORD;
+using LSTATUS = LONG;
+
+constexpr DWORD ERROR_MORE_DATA = 234;
+constexpr DWORD ERROR_NO_MORE_ITEMS = 259;
+constexpr DWORD ERROR_REGISTRY_CORRUPT = 1015;
+constexpr DWORD ERROR_KEY_DELETED = 1018;
+
+extern char krUserRoot; // only their addresses matter
+extern char krMachineRoot;
+#define HKEY_CURRENT_USER (static_cast<HKEY>(&krUserRoot))
+#define HKEY_LOCAL_MACHINE (static_cast<HKEY>(&krMachineRoot))
+
+constexpr DWORD REG_SZ = 1;
+constexpr DWORD REG_EXPAND_SZ = 2;
+constexpr DWORD REG_BINARY = 3;
+constexpr DWORD REG_DWORD = 4;
+constexpr DWORD REG_MULTI_SZ = 7;
+constexpr DWORD REG_QWORD = 11;
+
+constexpr REGSAM KEY_SET_VALUE = 0x2; ///< the only right that is asked for
+constexpr REGSAM KEY_READ = 0x20019;
+constexpr REGSAM KEY_WRITE = 0x20006;
+
+constexpr DWORD REG_CREATED_NEW_KEY = 1;
+constexpr DWORD REG_OPENED_EXISTING_KEY = 2;
+
+LSTATUS RegOpenKeyExW(HKEY key, const WCHAR* path, DWORD options, REGSAM access,
+                      HKEY* result) noexcept;
+LSTATUS RegCreateKeyExW(HKEY key, const WCHAR* path, DWORD reserved, WCHAR* keyClass, DWORD options,
+                        REGSAM access, SECURITY_ATTRIBUTES* security, HKEY* result,
+                        DWORD* disposition) noexcept;
+LSTATUS RegCloseKey(HKEY key) noexcept;
+
+/// Only below the key, not what is in the key itself.
+LSTATUS RegDeleteTreeW(HKEY key, const WCHAR* path) noexcept;
+
+/// What the index 0 finds is what the others count.
+LSTATUS RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* reserved,
+                      WCHAR* keyClass, DWORD* classSize, FILETIME* written) noexcept;
+LSTATUS RegEnumValueW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* reserved, DWORD* type,
+                      BYTE* data, DWORD* dataSize) noexcept;
+LSTATUS RegQueryValueExW(HKEY key, const WCHAR* name, DWORD* reserved, DWORD* type, BYTE* data,
+                         DWORD* size) noexcept;
+LSTATUS RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, const BYTE* data,
+                       DWORD size) noexcept;
+LSTATUS RegDeleteValueW(HKEY key, const WCHAR* name) noexcept;
+
+/// For the thread's last call that found the registry damaged: in which file and line.
+const char* krRegistryDetail() noexcept;
 
 #endif
 

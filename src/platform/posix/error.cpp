@@ -48,6 +48,12 @@ constexpr SystemText systemTexts[] = {
     {ERROR_BAD_EXE_FORMAT, "The file is not a program or library that this system can load."},
     {ERROR_FILENAME_EXCED_RANGE, "The filename or extension is too long."},
     {ERROR_DIRECTORY, "The directory name is invalid."},
+    {ERROR_NO_UNICODE_TRANSLATION, "The text is not well-formed."},
+    {ERROR_MORE_DATA, "More data is available."},
+    {ERROR_NO_MORE_ITEMS, "No more data is available."},
+    {ERROR_REGISTRY_CORRUPT, "The registry is corrupted."},
+    {ERROR_KEY_DELETED, "Illegal operation attempted on a registry key that has been marked for "
+                        "deletion."},
     {ERROR_MR_MID_NOT_FOUND, "The system cannot find message text for the given number."},
     {ERROR_IO_DEVICE, "The request could not be performed because of an I/O device error."},
     {ERROR_NO_SYSTEM_RESOURCES,
