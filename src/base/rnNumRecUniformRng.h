@@ -50,10 +50,18 @@ public:
 private:
     static const T RM; ///< 1/1771875
 
-    T _y; ///< chooses the entry that comes next
+    static constexpr unsigned int aheadLength = 64;
+
+    static T getFraction(std::uint32_t entry);
+    std::uint32_t exchange(std::uint32_t chosenBy, std::uint32_t replacement);
+    void refill();
+
+    std::uint32_t _pending; ///< the last entry that came out; it chooses the next
     unsigned int _seed;
-    std::uint32_t _x;
+    std::uint32_t _x; ///< the state of the last entry made
     std::unique_ptr<std::uint32_t[]> _table;
+    unsigned int _next; ///< which of those made ahead replaces the next that comes out
+    std::uint32_t _ahead[aheadLength];
 };
 
 template <class T>
