@@ -50,18 +50,21 @@ public:
 private:
     static const T RM; ///< 1/1771875
 
-    static constexpr unsigned int aheadLength = 64;
+    enum : unsigned int
+    {
+        aheadLength = 64
+    };
 
     static T getFraction(std::uint32_t entry);
-    std::uint32_t exchange(std::uint32_t chosenBy, std::uint32_t replacement);
-    void refill();
+    std::uint32_t exchange(std::uint32_t last, std::uint32_t replacement);
+    void makeGroups(unsigned int n, T* array);
 
-    std::uint32_t _pending; ///< the last entry that came out; it chooses the next
+    std::uint32_t _last; ///< the entry of the sample made last; it chooses the next
     unsigned int _seed;
-    std::uint32_t _x; ///< the state of the last entry made
+    std::uint32_t _x; ///< the state put into the table last
     std::unique_ptr<std::uint32_t[]> _table;
-    unsigned int _next; ///< which of those made ahead replaces the next that comes out
-    std::uint32_t _ahead[aheadLength];
+    unsigned int _next; ///< of the samples made ahead
+    T _ahead[aheadLength];
 };
 
 template <class T>
