@@ -199,13 +199,74 @@ TYPED_TEST(SamplingOf, DirectionsFollowTheirDensity)
     }
 }
 
+/// Turned directions are those around +z, seen in the frame; the density and the box turn with
+/// them.
+TYPED_TEST(SamplingOf, DirectionsTurnWithTheirFrame)
+{
+    using T = TypeParam;
+    const T eps = std::numeric_limits<T>::epsilon();
+    const T axes[][3] = {{0, 3, 4}, {1, 0, 0},  {T(-0.3), T(0.2), T(-7)},
+                         {0, 0, 2}, {0, 0, -1}, {std::numeric_limits<T>::max(), 1, -1}};
+    for (const T(&axis)[3] : axes)
+        for (const double angle : {0.1, 1., 2., pi})
+        {
+            RnHaltonBiRng<T> points, turnedPoints;
+            RnConeMultiRng<T> straight(&points, static_cast<T>(angle));
+            RnConeMultiRng<T> turned(&turnedPoints, static_cast<T>(angle));
+            turned.setAxis(axis);
+            T unit[3], min[3], max[3], lowest[] = {1, 1, 1}, highest[] = {-1, -1, -1};
+            turned.getAxis(unit);
+            turned.getEfficientMin(min);
+            turned.getEfficientMax(max);
+            for (int i = 0; i < 20000; ++i)
+            {
+                T from[3], to[3];
+                straight.getSample(from);
+                turned.getSample(to);
+                ASSERT_NEAR(std::hypot(std::hypot(to[0], to[1]), to[2]), 1, 2 * eps);
+                ASSERT_NEAR(to[0] * unit[0] + to[1] * unit[1] + to[2] * unit[2], from[2], 4 * eps);
+                ASSERT_EQ(turned.getPdf(to), straight.getPdf(from));
+                for (int d = 0; d < 3; ++d)
+                {
+                    lowest[d] = std::min(lowest[d], to[d]);
+                    highest[d] = std::max(highest[d], to[d]);
+                    ASSERT_TRUE(min[d] - eps <= to[d] && to[d] <= max[d] + eps);
+                    ASSERT_TRUE(axis[2] != 2 || to[d] == from[d]);
+                }
+            }
+            for (int d = 0; d < 3; ++d) // the box is no larger than need be
+            {
+                EXPECT_NEAR(lowest[d], min[d], 0.01);
+                EXPECT_NEAR(highest[d], max[d], 0.01);
+            }
+        }
+    RnVanDerCorputRng<T> steps; // 1/2, 1/4: the cosine sqrt(1/2), a quarter around
+    RnSeparableBiRng<T> square(&steps);
+    RnCosineHemisphereMultiRng<T> bounce(&square);
+    const T x[] = {0, 0, -1}, y[] = {0, 1, 0}, z[] = {1, 0, 0};
+    bounce.setFrame(x, y, z);
+    T direction[3];
+    bounce.getSample(direction);
+    EXPECT_NEAR(direction[0], std::sqrt(0.5), eps);
+    EXPECT_NEAR(direction[1], std::sqrt(0.5), eps);
+    EXPECT_NEAR(direction[2], 0, eps);
+    EXPECT_NEAR(bounce.getPdf(direction), std::sqrt(0.5) / pi, eps);
+    direction[0] = -direction[0];
+    EXPECT_EQ(bounce.getPdf(direction), 0);
+}
+
 TEST(Directions, RefuseNullAndAnglesThatAreNone)
 {
     RnHaltonBiRng<double> points;
     EXPECT_THROW(RnSphereMultiRng<double>(nullptr), ExInternalError);
     for (const double angle :
          {0., -1., 3.15, std::nan(""), std::numeric_limits<double>::infinity()})
+    {
         EXPECT_THROW(RnConeMultiRng<double>(&points, angle), ExInternalError) << angle;
+        RnSphereMultiRng<double> sphere(&points);
+        const double axis[] = {0, std::isfinite(angle) ? 0 : angle, 0};
+        EXPECT_THROW(sphere.setAxis(axis), ExInternalError) << axis[1];
+    }
 }
 
 // --- histograms

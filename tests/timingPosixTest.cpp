@@ -52,14 +52,16 @@ TEST(SleepingOnPosix, NeverEndsEarly)
     }
 }
 
-double getMedian(std::vector<double> values)
+/// What a tenth of them are below.
+double getTenth(std::vector<double> values)
 {
     std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
+    return values[values.size() / 10];
 }
 
-/// Both by turns, so that the machine is as busy for the one as for the other. What the runtime's
-/// sleep leaves to the kernel's convenience is more than half of its delay.
+/// Both by turns, so that the machine is as busy for the one as for the other; on one that has more
+/// to do than processors, only the best of either show more than the wait for a processor. What the
+/// runtime's sleep leaves to the kernel's convenience is more than half of their delay.
 TEST(SleepingOnPosix, EndsMuchSoonerThanTheRuntimes)
 {
     const std::unique_ptr<Kr::Sleeper> sleeper(Kr::Sleeper::create());
@@ -76,7 +78,7 @@ TEST(SleepingOnPosix, EndsMuchSoonerThanTheRuntimes)
         theirs.push_back(
             measure([] { std::this_thread::sleep_for(std::chrono::milliseconds(2)); }));
     }
-    EXPECT_LT(getMedian(ours), 0.75 * getMedian(theirs));
+    EXPECT_LT(getTenth(ours), 0.75 * getTenth(theirs));
 }
 
 TEST(WakeLeads, FollowTheDelaysUpToTheirGreatest)
