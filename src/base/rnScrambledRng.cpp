@@ -38,16 +38,19 @@ constexpr std::uint32_t getMixed(std::uint32_t seed)
 
 using Words = Lanes<std::uint32_t>;
 
-/// The fractions of four 32-bit numerators; a float keeps the 24 highest bits.
+/// The fractions of four 32-bit numerators; a float keeps the 24 highest bits. The conversions are
+/// the signed ones, which are fast, and all is exact.
 template <class T>
 void storeFractions(Words bits, T* array)
 {
     Lanes<T> fractions;
     if constexpr (std::is_same_v<T, float>)
-        fractions = __builtin_convertvector(bits >> 8, Lanes<T>) * (1.F / 16777216.F);
+    {
+        const auto high = reinterpret_cast<Lanes<std::int32_t>>(bits >> 8);
+        fractions = __builtin_convertvector(high, Lanes<T>) * (1.F / 16777216.F);
+    }
     else
     {
-        // The signed conversion is the fast one, and all of this is exact.
         const auto less = reinterpret_cast<Lanes<std::int32_t>>(bits ^ 0x80000000U);
         fractions = (__builtin_convertvector(less, Lanes<T>) + 2147483648.) * (1. / 4294967296.);
     }
@@ -75,7 +78,7 @@ void scramble(const std::uint32_t* mirrored, unsigned int count, std::uint32_t m
         storeScrambled(words, seeds, array);
     }
     T rest[length];
-    std::copy_n(mirrored, count, reinterpret_cast<std::uint32_t*>(&words));
+    std::memcpy(&words, mirrored, count * sizeof *mirrored);
     storeScrambled(words, seeds, rest);
     std::copy_n(rest, count, array);
 }
@@ -112,11 +115,12 @@ void RnScrambledVanDerCorputRng<T>::getBlock(unsigned int index, unsigned int n,
 {
     KR_ASSERT(array);
     const std::uint32_t mixedSeed = getMixed(_seed);
-    for (unsigned int done = 0; done < n; done += tileLength)
+    for (unsigned int done = 0, count = 0; done < n; done += count)
     {
+        count = std::min(n - done, tileLength);
         std::uint32_t indices[tileLength];
-        std::iota(indices, indices + tileLength, index + 1 + done);
-        scramble(indices, std::min(n - done, tileLength), mixedSeed, array + done);
+        std::iota(indices, indices + count, index + 1 + done);
+        scramble(indices, count, mixedSeed, array + done);
     }
 }
 
@@ -181,9 +185,9 @@ void RnScrambledNiederreiterMultiRng<T>::getBlock(unsigned int index, unsigned i
                                                   T** const array) const
 {
     KR_ASSERT(array);
-    for (unsigned int done = 0; done < n; done += tileLength)
+    for (unsigned int done = 0, count = 0; done < n; done += count)
     {
-        const unsigned int count = std::min(n - done, tileLength);
+        count = std::min(n - done, tileLength);
         std::uint32_t words[4][tileLength];
         std::uint32_t* const columns[] = {words[0], words[1], words[2], words[3]};
         Niederreiter::fillMirrored(index + done + skippedCount, count, columns);
