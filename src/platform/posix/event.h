@@ -5,6 +5,7 @@
 
 #include <platform/posix/handle.h>
 
+#include <atomic>
 #include <cstdint>
 #include <vector>
 
@@ -75,7 +76,10 @@ public:
 private:
     bool waitLocked(KrMoment deadline) noexcept;
     bool takeRelease(unsigned generation) noexcept;
-    void waitUntil(KrMoment moment) noexcept;
+    void waitForTimer(KrMoment moment) noexcept;
+    bool waitUntil(KrMoment moment) noexcept;
+    void stayAwakeUntil(KrMoment moment, unsigned wakes) noexcept;
+    void wake() noexcept;
     void release() noexcept;
     void fireTimers() noexcept;
     KrMoment getNextMoment(KrMoment deadline) const noexcept;
@@ -90,6 +94,7 @@ private:
         0;                  ///< of a manual event: counts the moments that released all who waited
     unsigned _released = 0; ///< of an automatic one: how many of those who wait may go
     std::vector<Timer> _timers;
+    std::atomic<unsigned> _wakes{0}; ///< counts the calls to those who wait, for one who is awake
 };
 
 /// Forgets the timers of an event that goes away.
