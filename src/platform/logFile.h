@@ -104,6 +104,9 @@ private:
     KrFileLock* _next = nullptr; ///< in the list of those that a forked process closes
 };
 
+/// Whether something stands there; so it is if that cannot be told.
+bool krLogExists(const char* path) noexcept;
+
 /// Renames a file, also over one that others have open.
 bool krMoveLog(const char* from, const char* to) noexcept;
 

@@ -380,6 +380,14 @@ void KrFileLock::close() noexcept
     _handle = none;
 }
 
+bool krLogExists(const char* path) noexcept
+{
+    std::string storage;
+    struct stat status = {};
+    const char* hostPath = krHostPath(path, storage);
+    return hostPath != nullptr && (::lstat(hostPath, &status) == 0 || errno != ENOENT);
+}
+
 bool krMoveLog(const char* from, const char* to) noexcept
 {
     std::string fromStorage;

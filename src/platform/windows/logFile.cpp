@@ -222,6 +222,12 @@ void KrFileLock::close() noexcept
     _handle = none;
 }
 
+bool krLogExists(const char* path) noexcept
+{
+    return GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES ||
+           GetLastError() != ERROR_FILE_NOT_FOUND;
+}
+
 bool krMoveLog(const char* from, const char* to) noexcept
 {
     if (MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING) != 0)

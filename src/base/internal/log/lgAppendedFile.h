@@ -62,6 +62,7 @@ private:
     bool isCurrent() const;
     bool hasRoom(std::size_t size) const;
     bool rotate() const;
+    std::string getRotatedPath(int number) const;
     void retire();
     std::size_t write(const char* text, std::size_t size, bool isAlone);
     std::size_t writeStream(const char* text, std::size_t size);

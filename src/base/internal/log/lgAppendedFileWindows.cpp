@@ -100,17 +100,22 @@ bool LgAppendedFile::hasRoom(std::size_t size) const
     return _settings.maxSize == 0 || used == 0 || used + size <= _settings.maxSize;
 }
 
+/// Moves each file on by one number up to the first that is free, or over the oldest. Where one
+/// cannot be moved those below it stay, and the numbers above it are not moved again.
 bool LgAppendedFile::rotate() const
 {
-    for (int number = _settings.keptFiles - 1; number >= 0; --number)
-    {
-        const std::string from =
-            number == 0 ? _settings.path : _settings.path + '.' + std::to_string(number);
-        const std::string to = _settings.path + '.' + std::to_string(number + 1);
-        if (!krMoveLog(from.c_str(), to.c_str()) && number == 0)
+    int free = 1;
+    while (free < _settings.keptFiles && krLogExists(getRotatedPath(free).c_str()))
+        ++free;
+    for (int number = free; number > 0; --number)
+        if (!krMoveLog(getRotatedPath(number - 1).c_str(), getRotatedPath(number).c_str()))
             return false;
-    }
     return true;
+}
+
+std::string LgAppendedFile::getRotatedPath(int number) const
+{
+    return number == 0 ? _settings.path : _settings.path + '.' + std::to_string(number);
 }
 
 /// A file that has been moved away is kept until it is on the disk, unless it was removed: it may
