@@ -89,19 +89,6 @@ int leaveBehind(const Arguments&)
     return 0;
 }
 
-/// Ends a process of its own, which obeys or not: the two share a terminal or console.
-int endAnother(const Arguments& arguments)
-{
-    Kr::OsCommand command(Kr::OsProcess::getCurrentProgram(), {"sleep", arguments.at(1)});
-    Kr::OsProcess process(command.pipeStream(Kr::OsCommand::Output).leadGroup());
-    char buffer[64];
-    process.read(Kr::OsCommand::Output, buffer, sizeof buffer); // it is ready
-    const bool obeys = arguments.at(1) == "obeying";
-    const Kr::OsExitStatus status = process.end(obeys ? 100. : 0.2);
-    std::cout << (!status.isAbnormal() ? "exits" : status.isTerminated() ? "is killed" : "obeys");
-    return 0;
-}
-
 int leave(const Arguments& arguments)
 {
     return std::stoi(arguments.at(1));
@@ -133,7 +120,6 @@ constexpr Mode modes[] = {
     {"leaveBehind", leaveBehind},
     {"exit", leave},
     {"crash", crash},
-    {"end", endAnother},
     {"folder", showFolder},
 };
 

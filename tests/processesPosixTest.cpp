@@ -99,6 +99,20 @@ TEST(ProcessesPosix, AStatusThatIsStolenIsLost)
     EXPECT_THROW(process.getExitStatus(), Kr::OsProcessEx::ExStatusLost);
 }
 
+TEST(ProcessesPosix, EndsArePoliteFirst)
+{
+    for (const bool leads : {false, true})
+    {
+        OsCommand command("sh",
+                          {"-c", "trap 'exit 7' TERM; echo ready; while :; do sleep 0.01; done"});
+        command.pipeStream(OsCommand::Output);
+        OsProcess process(leads ? command.leadGroup() : command);
+        char buffer[8];
+        process.read(OsCommand::Output, buffer, sizeof buffer);
+        EXPECT_EQ("exit status 7", process.end(100.).getText());
+    }
+}
+
 TEST(ProcessesPosix, SignalsThatEndProgramsAreCodes)
 {
     EXPECT_EQ("signal 15", OsProcess::run(OsCommand("sh", {"-c", "kill $$"})).status.getText());

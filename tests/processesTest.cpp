@@ -271,10 +271,14 @@ TEST(Processes, WhatIsLeftBehindDoesNotHoldTheCaller)
     EXPECT_EQ(OsProcess::Complete, process.communicate("", 100.).ending);
 }
 
-TEST(Processes, EndsArePoliteFirst)
+TEST(Processes, WhoDoesNotListenIsEndedByForce)
 {
-    EXPECT_EQ("obeys", OsProcess::run(child({"end", "obeying"}), "", 200.).output);
-    EXPECT_EQ("is killed", OsProcess::run(child({"end", "ignoring"}), "", 200.).output);
+    OsCommand command = child({"sleep", "ignoring"});
+    OsProcess process(command.pipeStream(OsCommand::Output).leadGroup());
+    awaitReady(process);
+    process.requestEnd();
+    EXPECT_FALSE(process.wait(0.1));
+    EXPECT_TRUE(process.end(0.1).isTerminated());
 }
 
 TEST(Processes, StatusesAreTold)

@@ -2,13 +2,17 @@
 
 /// @file
 /// A program with all that it is started with. `OsProcess` starts it, as often as one likes.
-/// @code
-/// Kr::OsCommand compiler("c++");
-/// compiler.addArguments({"-c", "-DNAME=\"a b\""}).addPath("scene.cpp");
-/// compiler.changeFolder("build").changeVariable("LANG", "C");
-/// compiler.writeFile(Kr::OsCommand::Output, "build/log.txt").mergeErrors();
-/// if (!Kr::OsProcess(compiler).wait().isSuccess())
-///     std::cerr << "It does not compile.\n";
+/// @code{.cpp}
+/// #include <base/osProcess.h>
+///
+/// bool compile()
+/// {
+///     Kr::OsCommand compiler("c++");
+///     compiler.addArguments({"-c", "-DNAME=\"a b\""}).addPath("scene.cpp");
+///     compiler.changeFolder("build").changeVariable("LANG", "C");
+///     compiler.writeFile(Kr::OsCommand::Output, "build/log.txt").mergeErrors();
+///     return Kr::OsProcess(compiler).wait().isSuccess();
+/// }
 /// @endcode
 /// Every argument reaches the program's `main` as it is: no shell reads it, and on Windows, where
 /// the system knows only one text, it is quoted for the runtime that takes it apart again.

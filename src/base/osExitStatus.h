@@ -2,12 +2,17 @@
 
 /// @file
 /// How a program has ended.
-/// @code
-/// const Kr::OsExitStatus status = Kr::OsProcess(Kr::OsCommand("compress")).wait();
-/// if (status.isAbnormal())
-///     std::cerr << "The compressor has crashed: " << status.getText() << '\n';
-/// else if (!status.isSuccess())
-///     std::cerr << "The compressor says no: " << status.getCode() << '\n';
+/// @code{.cpp}
+/// #include <base/osProcess.h>
+///
+/// void compress()
+/// {
+///     const Kr::OsExitStatus status = Kr::OsProcess(Kr::OsCommand("compress")).wait();
+///     if (status.isAbnormal())
+///         std::cerr << "The compressor has crashed: " << status.getText() << '\n';
+///     else if (!status.isSuccess())
+///         std::cerr << "The compressor says no: " << status.getCode() << '\n';
+/// }
 /// @endcode
 /// A crash looks alike on every system: where a signal ends programs, it has the code of the
 /// exception that ends them elsewhere, as 0xC0000005 for a bad access to memory. A signal that has
