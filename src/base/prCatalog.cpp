@@ -14,8 +14,8 @@ namespace Kr
 namespace
 {
 
-/// Whether the name fits the pattern. Where it fails behind a `*`, that
-/// one takes one character more; those before it need not be tried again.
+/// Whether the name fits the pattern. Where it fails behind a `*`, that one takes one character
+/// more; those before it need not be tried again.
 bool fits(std::string_view pattern, std::string_view name)
 {
     std::size_t p = 0;
