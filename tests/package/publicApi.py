@@ -90,9 +90,10 @@ class Program:
 
     def template(self, cursor):
         """The members of what the library instantiates of a template, where a name has one function."""
-        names = [m.spelling for m in cursor.get_children() if m.kind in FUNCTIONS and is_public(m)]
+        functions = [m for m in cursor.get_children() if m.kind in FUNCTIONS]
+        names = [m.spelling for m in functions]
         for argument in self.instances.get(cursor.spelling, ()):
-            for name in names:
+            for name in (m.spelling for m in functions if is_public(m)):
                 if names.count(name) == 1 and not name.startswith("operator"):
                     self.add(f"keep(&{qualified(cursor)}<{argument}>::{name});")
 
