@@ -542,7 +542,6 @@ TYPED_TEST(SamplingOf, BlocksOfSequencesAreTheirStepsFromAnyIndex)
         for (unsigned int i = 0; i < n; ++i)
             rng.getSample(a[0][i], a[1][i]);
     };
-    expectAnyBlock<1, T>(RnVanDerCorputRng<T>(3), one, sequenceOfOne);
     expectAnyBlock<1, T>(RnScrambledVanDerCorputRng<T>(5), one, sequenceOfOne);
     expectAnyBlock<2, T>(RnHaltonBiRng<T>(5, 7), two, sequenceOfTwo);
     expectAnyBlock<2, T>(RnHammersleyBiRng<T>(77), two, stepsOfTwo);
