@@ -134,7 +134,7 @@ namespace
 
 // --- the program -------------------------------------------------------------------------------
 
-constexpr int messages = 12;
+constexpr int messages = 8;
 
 void logWithRotation(const Kr::LgMinorGroup& group)
 {
@@ -142,7 +142,7 @@ void logWithRotation(const Kr::LgMinorGroup& group)
     for (int i = 0; i <= messages; ++i)
     {
         KR_LOG(group, Warning) << "message " << i << filler.c_str() << "end";
-        if (i % 3 == 2)
+        if (i % 2 == 1)
             Kr::LgLog::flush();
     }
     KR_LOG(group, FatalError) << "the end";
