@@ -60,24 +60,16 @@ int flood(const Arguments& arguments)
     return echo(arguments);
 }
 
-void sleepLong()
-{
-    std::this_thread::sleep_for(std::chrono::minutes(5));
-}
-
 int sleepAfter(const Arguments& arguments)
 {
-    for (const std::string& word : arguments)
-    {
-        if (word == "ignoring")
-            ProcessChild::ignoreEnd();
-        if (word == "closing")
-            for (std::FILE* stream : {stdin, stdout, stderr})
-                std::fclose(stream);
-    }
+    if (arguments.back() == "ignoring")
+        ProcessChild::ignoreEnd();
     std::puts("ready");
     std::fflush(stdout);
-    sleepLong();
+    if (arguments.back() == "closing")
+        for (std::FILE* stream : {stdin, stdout, stderr})
+            std::fclose(stream);
+    std::this_thread::sleep_for(std::chrono::minutes(5));
     return 0;
 }
 

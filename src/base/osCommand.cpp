@@ -160,8 +160,9 @@ OsCommand& OsCommand::mergeErrors()
     return setTarget(Errors, {Merged, {}, false});
 }
 
-OsCommand::Connection OsCommand::getConnection(Stream stream) const noexcept
+OsCommand::Connection OsCommand::getConnection(Stream stream) const
 {
+    KR_ASSERT(stream >= Input && stream <= Errors);
     return _targets[stream].connection;
 }
 

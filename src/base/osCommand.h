@@ -104,7 +104,7 @@ public:
     OsCommand& writeFile(Stream stream, const OsFilePath& path);
     OsCommand& appendFile(Stream stream, const OsFilePath& path); ///< the same behind what is there
     OsCommand& mergeErrors();                                     ///< into the output
-    Connection getConnection(Stream stream) const noexcept;
+    Connection getConnection(Stream stream) const;
 
     /// Has the process lead a group, to which its descendants belong too: what ends the process
     /// ends them all. An interrupt typed at the terminal does not reach a group. Without it an end

@@ -12,12 +12,6 @@ namespace Kr
 namespace
 {
 
-const char* nameOf(OsCommand::Stream stream)
-{
-    constexpr const char* names[] = {"input", "output", "errors"};
-    return names[stream];
-}
-
 char toLower(char c)
 {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -64,6 +58,7 @@ OsProcess::OsProcess(const OsCommand& command, OsCommand::Connection standard)
     performFind(command.getProgram());
     checkSafe(command);
     performStart(command, standard);
+    _feeds = isConnected(OsCommand::Input);
 }
 
 OsProcess::OsProcess(OsProcess&& other) noexcept = default;
@@ -75,6 +70,7 @@ OsProcess& OsProcess::operator=(OsProcess&& other) noexcept
     std::swap(_program, taken._program);
     std::swap(_commandLine, taken._commandLine);
     std::swap(_linger, taken._linger);
+    std::swap(_feeds, taken._feeds);
     return *this;
 }
 
@@ -196,7 +192,13 @@ void OsProcess::detach()
 
 // Its streams
 
-bool OsProcess::takes(Stream stream) const
+const char* OsProcess::nameOf(Stream stream)
+{
+    constexpr const char* names[] = {"input", "output", "errors"};
+    return names[stream];
+}
+
+bool OsProcess::isOutput(Stream stream)
 {
     return stream == OsCommand::Output || stream == OsCommand::Errors;
 }
@@ -209,7 +211,7 @@ void OsProcess::checkConnected(Stream stream) const
 
 bool OsProcess::isConnected(Stream stream) const
 {
-    KR_ASSERT(stream == OsCommand::Input || takes(stream));
+    KR_ASSERT(stream == OsCommand::Input || isOutput(stream));
     return performIsConnected(stream);
 }
 
@@ -231,7 +233,7 @@ void OsProcess::write(std::string_view text)
 
 std::size_t OsProcess::read(Stream stream, void* buffer, std::size_t size)
 {
-    KR_ASSERT(takes(stream));
+    KR_ASSERT(isOutput(stream));
     checkConnected(stream);
     KR_ASSERT(buffer != nullptr && size != 0);
     const std::size_t count = performRead(stream, buffer, size);
@@ -259,8 +261,8 @@ OsProcess::Served OsProcess::communicate(std::string_view input, const Sink& sin
 {
     KR_ASSERT(seconds >= 0.);
     KR_ASSERT(sink != nullptr);
-    if (!input.empty())
-        checkConnected(OsCommand::Input);
+    if (!input.empty() && !_feeds)
+        raise<OsProcessEx::ExNotConnected>(KR_HERE, nameOf(OsCommand::Input), getId());
     return performServe(input, sink, seconds);
 }
 

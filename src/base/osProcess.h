@@ -177,7 +177,8 @@ private:
     OsProcess(const OsCommand& command, OsCommand::Connection standard);
 
     State& getState() const;
-    bool takes(Stream stream) const;
+    static const char* nameOf(Stream stream);
+    static bool isOutput(Stream stream);
     void checkConnected(Stream stream) const;
     void checkSafe(const OsCommand& command) const;
     void endForSure() noexcept;
@@ -200,6 +201,7 @@ private:
     OsFilePath _program;
     std::string _commandLine;
     double _linger = 1.;
+    bool _feeds = false; ///< the input was connected at first
 };
 
 } // namespace Kr

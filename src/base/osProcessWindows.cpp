@@ -44,15 +44,16 @@ HANDLE openFile(OsCommand::Stream stream, const OsFilePath& path, bool isAppende
 /// A failed start for which nothing but the folder or the length of the arguments is to blame.
 [[noreturn]] void explainFailure(const OsCommand& command)
 {
+    constexpr std::size_t longestPath = 32000;
     const DWORD error = GetLastError();
     const OsFilePath& program = command.getProgram();
-    if (error == ERROR_FILENAME_EXCED_RANGE)
+    const std::size_t size = command.getCommandLine().size();
+    if (error == ERROR_FILENAME_EXCED_RANGE && size > longestPath)
     {
         std::size_t longest = 0;
         for (const std::string& argument : command.getArguments())
             longest = std::max(longest, argument.size());
-        raise<OsProcessEx::ExArgumentsTooLong>(KR_HERE, program.getChars(),
-                                               command.getCommandLine().size(), longest);
+        raise<OsProcessEx::ExArgumentsTooLong>(KR_HERE, program.getChars(), size, longest);
     }
     const OsFilePath& folder = command.getFolder();
     const bool isFolderMissing = !folder.isEmpty() && !OsDir(folder).exists();
@@ -81,7 +82,6 @@ void OsProcess::performFind(const OsFilePath& program)
 KrStream OsProcess::State::connect(const OsCommand& command, Stream stream,
                                    OsCommand::Connection standard)
 {
-    constexpr const char* names[] = {"input", "output", "errors"};
     const OsCommand::Target& target = command._targets[stream];
     HANDLE& end = childEnds[stream];
     switch (target.connection != OsCommand::Standard ? target.connection : standard)
@@ -93,7 +93,7 @@ KrStream OsProcess::State::connect(const OsCommand& command, Stream stream,
     case OsCommand::File:
         end = openFile(stream, target.path, target.isAppended);
         if (end == nullptr)
-            raise<OsProcessEx::ExNoStreamFile>(KR_HERE, target.path.getChars(), names[stream],
+            raise<OsProcessEx::ExNoStreamFile>(KR_HERE, target.path.getChars(), nameOf(stream),
                                                command.getProgram().getChars(),
                                                ExSysErrorWindows(KR_HERE).getReason());
         return {KrStream::handle, end};

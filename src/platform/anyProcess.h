@@ -41,7 +41,7 @@ struct KrStart
     const char* commandLine; ///< see commandLine.h; the program's name stands in it too
     const char* folder;      ///< null for this process's
     bool isEnvironmentKept = true;
-    const std::vector<KrVariableChange>* changes; ///< to the environment, or to an empty one
+    const std::vector<KrVariableChange>* changes; ///< by name; to an empty environment if not kept
     KrStream streams[3];                          ///< input, output, errors
     bool leadsGroup = false;
 };

@@ -497,7 +497,6 @@ constexpr DWORD STILL_ACTIVE = 259;
 /// A program that a signal has ended has the code of what ends one so on the system that the calls
 /// come from; there are a few of this layer's own (exitCodes.h).
 BOOL GetExitCodeProcess(HANDLE process, DWORD* code) noexcept;
-BOOL TerminateProcess(HANDLE process, DWORD code) noexcept;
 
 /// What this process was started with, in the form of `krSplitCommandLine`.
 const char* GetCommandLineA() noexcept;

@@ -36,18 +36,12 @@ public:
             ::close(descriptor);
     }
 
-    bool setStream(int number, const KrStream& stream);
-    void setFolder(const char* path)
-    {
-        check(::posix_spawn_file_actions_addchdir_np(&_actions, path));
-    }
-    void closeOthers()
-    {
-        check(::posix_spawn_file_actions_addclosefrom_np(&_actions, krFirstPrivate));
-    }
+    /// @param folder null for this process's
+    bool set(const KrStream* streams, const char* folder);
     const posix_spawn_file_actions_t* get() const { return &_actions; }
 
 private:
+    bool setStream(int number, const KrStream& stream);
     bool setFile(int number, HANDLE file);
     static void check(int error)
     {
@@ -65,6 +59,17 @@ bool hasStream(int number)
 {
     const int flags = ::fcntl(number, F_GETFD);
     return flags >= 0 && (flags & FD_CLOEXEC) == 0;
+}
+
+bool FileActions::set(const KrStream* streams, const char* folder)
+{
+    for (int number = 0; number < krFirstPrivate; ++number)
+        if (!setStream(number, streams[number]))
+            return false;
+    if (folder != nullptr)
+        check(::posix_spawn_file_actions_addchdir_np(&_actions, folder));
+    check(::posix_spawn_file_actions_addclosefrom_np(&_actions, krFirstPrivate));
+    return true;
 }
 
 bool FileActions::setStream(int number, const KrStream& stream)
@@ -127,34 +132,34 @@ private:
     posix_spawnattr_t _attributes;
 };
 
-/// The child's environment; the texts that are made for it are kept in `storage`.
-std::vector<char*> makeEnvironment(const KrStart& start, std::vector<std::string>& storage)
+std::vector<char*> pointersTo(std::vector<std::string>& texts)
 {
-    std::vector<const KrVariableChange*> changes;
-    for (const KrVariableChange& change : *start.changes)
-        changes.push_back(&change);
-    const auto byName = [](const KrVariableChange* lhs, const KrVariableChange* rhs)
-    { return lhs->name < rhs->name; };
-    std::sort(changes.begin(), changes.end(), byName);
+    std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (std::string& text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
 
-    std::vector<char*> environment;
-    char** const inherited = krEnvironment();
-    for (char** entry = inherited; start.isEnvironmentKept && entry != nullptr && *entry != nullptr;
-         ++entry)
-    {
-        const KrVariableChange key{std::string(*entry, std::strcspn(*entry, "=")), "", false};
-        if (!std::binary_search(changes.begin(), changes.end(), &key, byName))
-            environment.push_back(*entry);
-    }
-    storage.reserve(changes.size());
-    for (const KrVariableChange* change : changes)
-    {
-        if (change->isRemoved)
-            continue;
-        storage.push_back(change->name + '=' + change->value);
-        environment.push_back(storage.back().data());
-    }
-    environment.push_back(nullptr);
+bool isChanged(const std::vector<KrVariableChange>& changes, std::string_view name)
+{
+    const auto place = std::lower_bound(changes.begin(), changes.end(), name,
+                                        [](const KrVariableChange& change, std::string_view other)
+                                        { return change.name < other; });
+    return place != changes.end() && place->name == name;
+}
+
+std::vector<std::string> makeEnvironment(const KrStart& start)
+{
+    std::vector<std::string> environment;
+    char** const inherited = start.isEnvironmentKept ? krEnvironment() : nullptr;
+    for (char** entry = inherited; entry != nullptr && *entry != nullptr; ++entry)
+        if (!isChanged(*start.changes, {*entry, std::strcspn(*entry, "=")}))
+            environment.emplace_back(*entry);
+    for (const KrVariableChange& change : *start.changes)
+        if (!change.isRemoved)
+            environment.push_back(change.name + '=' + change.value);
     return environment;
 }
 
@@ -189,7 +194,7 @@ bool findInFolders(const std::string& name, std::string& found)
                                (path != nullptr ? path : "/usr/local/bin:/usr/bin:/bin"));
     for (std::string folder; std::getline(folders, folder, ':');)
     {
-        found = folder + '/' + name;
+        found.assign(folder).append("/").append(name);
         if (!folder.empty() && isProgram(found))
             return true;
     }
@@ -250,31 +255,23 @@ bool krStartProcess(const KrStart& start, KrProcess& process)
         return false;
 
     FileActions actions;
-    for (int stream = 0; stream < krFirstPrivate; ++stream)
-        if (!actions.setStream(stream, start.streams[stream]))
-            return false;
-    if (folder != nullptr)
-        actions.setFolder(folder);
-    actions.closeOthers();
+    if (!actions.set(start.streams, folder))
+        return false;
 
-    std::vector<std::string> texts = krSplitCommandLine(start.commandLine);
-    krHostPath(texts.front().c_str(), texts.front());
-    std::vector<char*> arguments;
-    for (std::string& text : texts)
-        arguments.push_back(text.data());
-    arguments.push_back(nullptr);
+    std::vector<std::string> arguments = krSplitCommandLine(start.commandLine);
+    const std::string name = arguments.front();
+    krHostPath(name.c_str(), arguments.front());
 
-    std::vector<std::string> storage;
-    std::vector<char*> environment;
     const bool isChanged = !start.isEnvironmentKept || !start.changes->empty();
+    std::vector<std::string> environment;
     if (isChanged)
-        environment = makeEnvironment(start, storage);
+        environment = makeEnvironment(start);
 
     const Attributes attributes(start.leadsGroup);
     pid_t number = 0;
-    const int error =
-        ::posix_spawn(&number, program, actions.get(), attributes.get(), arguments.data(),
-                      isChanged ? environment.data() : krEnvironment());
+    const int error = ::posix_spawn(&number, program, actions.get(), attributes.get(),
+                                    pointersTo(arguments).data(),
+                                    isChanged ? pointersTo(environment).data() : krEnvironment());
     if (error != 0)
     {
         setStartError(error, program, folder);
@@ -294,7 +291,8 @@ bool krAskToEnd(const KrProcess& process) noexcept
 
 bool krEndProcess(const KrProcess& process, DWORD code) noexcept
 {
-    return TerminateProcess(process.process, code) != 0;
+    auto* const object = krObject<KrChildProcess>(process.process);
+    return object != nullptr && object->terminate(code);
 }
 
 double krGetProcessorTime(const KrProcess& process) noexcept

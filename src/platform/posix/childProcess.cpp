@@ -202,7 +202,7 @@ double KrChildProcess::getProcessorTime() noexcept
     return _processorTime;
 }
 
-// The calls
+// The call
 
 BOOL GetExitCodeProcess(HANDLE process, DWORD* code) noexcept
 {
@@ -210,10 +210,4 @@ BOOL GetExitCodeProcess(HANDLE process, DWORD* code) noexcept
     if (object != nullptr)
         *code = object->getExitCode();
     return object != nullptr;
-}
-
-BOOL TerminateProcess(HANDLE process, DWORD code) noexcept
-{
-    auto* const object = krObject<KrChildProcess>(process);
-    return object != nullptr && object->terminate(code);
 }

@@ -24,7 +24,7 @@ public:
 
     /// STILL_ACTIVE while it runs.
     DWORD getExitCode() noexcept;
-    bool signal(int number) noexcept;
+    bool signal(int number) noexcept; ///< to the whole group, if it leads one
     bool terminate(DWORD code) noexcept;
     double getProcessorTime() noexcept;
 

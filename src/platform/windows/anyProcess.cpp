@@ -277,12 +277,14 @@ bool krFindProgram(const char* name, std::string& path)
                                  static_cast<DWORD>(found.size()), found.data(), nullptr)) >=
            found.size())
         found.resize(length + 1);
+    if (length == 0)
+        return false;
     found.resize(length);
     std::wstring full(GetFullPathNameW(found.c_str(), 0, nullptr, nullptr), L'\0');
     full.resize(
         GetFullPathNameW(found.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
     path = krNarrow(full.c_str());
-    return length != 0;
+    return true;
 }
 
 bool krStartProcess(const KrStart& start, KrProcess& process)
