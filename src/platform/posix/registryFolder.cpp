@@ -260,7 +260,13 @@ DWORD KrRegistryLock::acquire() const
 
 KrDescriptor krOpenKeyFolder(int base, const KrRegistryPath& path)
 {
-    KrDescriptor folder = openFolder(base, ".");
+    std::string asSpelt = ".";
+    for (const std::string& key : path)
+        asSpelt.append("/").append(encodeName(key));
+    KrDescriptor folder = openFolder(base, asSpelt.c_str());
+    if (folder.isOpen() || path.empty())
+        return folder;
+    folder = openFolder(base, ".");
     for (auto key = path.begin(); key != path.end() && folder.isOpen(); ++key)
         folder = openFolder(folder.get(), findFolder(folder.get(), *key).c_str());
     return folder;
