@@ -186,6 +186,11 @@ TEST(RegistryFiles, SurvivesProcessesThatAreKilled)
     const ScratchKey scratch;
     OsRegistryKey key = scratch.open();
     key.setText("v", "a");
+    // As a process leaves it that is killed while it removes the key.
+    OsRegistryKey aside(key, "aside", Mode::Create);
+    fs::rename(folderOf(scratch) / "aside", rootOf(scratch) / "@removed");
+    EXPECT_EQ(refusalOf([&] { aside.setInteger32("v", 1); }),
+              "Illegal operation attempted on a registry key that has been marked for deletion.");
     for (int i = 0; i < 20; ++i)
     {
         const pid_t child = ::fork();

@@ -47,7 +47,7 @@ public:
     /// What is stored for a variable.
     struct Entry
     {
-        std::string origin; ///< where, in words, such as "key HKEY_CURRENT_USER\Software\Viewer"
+        std::string origin; ///< where, in words, such as "key" and its path
         std::string text;
         bool isText; ///< false: `text` only says what stands there, which cannot be a value
     };

@@ -66,7 +66,7 @@ public:
 
     enum class ValueType
     {
-        Text, ///< also one that stands for others, such as "%TEMP%": it is given as it is
+        Text, ///< also one that names environment variables: it is given as it is
         TextList,
         Integer32,
         Integer64,

@@ -562,6 +562,7 @@ LSTATUS RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* re
                       WCHAR* keyClass, DWORD* classSize, FILETIME* written) noexcept;
 LSTATUS RegEnumValueW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* reserved, DWORD* type,
                       BYTE* data, DWORD* dataSize) noexcept;
+/// The values of a key that has been opened, as all calls for values.
 LSTATUS RegQueryValueExW(HKEY key, const WCHAR* name, DWORD* reserved, DWORD* type, BYTE* data,
                          DWORD* size) noexcept;
 LSTATUS RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, const BYTE* data,

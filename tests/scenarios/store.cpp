@@ -1,40 +1,16 @@
-// Settings that outlast their process, and processes that write at the same time.
+// Processes that write to one key at the same time.
 
 #include "scenario.h"
 
 #include <scratchKey.h>
 
-#include <base/inInit.imp>
-#include <base/inInitGuard.h>
-#include <base/inVariable.h>
-#include <base/krInitPackages.h>
-#include <base/osSettingsStore.h>
-
 #include <cstdlib>
 #include <thread>
-
-namespace KrInit
-{
-
-struct viewer
-{
-    static constexpr const char* name = "viewer";
-    using Dependencies = Kr::InDependencies<base>;
-    static void start() {}
-    static void stop() {}
-};
-
-} // namespace KrInit
-
-template class Kr::InInit<KrInit::viewer>;
 
 namespace
 {
 
 using Kr::OsRegistryKey;
-
-Kr::InInit<KrInit::viewer> viewerPackage;
-Kr::InVariable<std::int32_t> samples(viewerPackage, "viewer.samples", 4, "", {1, 64});
 
 constexpr int valueCount = 100;
 constexpr const char* keyVariable = "KR_STORE_TEST_KEY";
@@ -51,40 +27,6 @@ std::string getKey()
 {
     const char* const key = Kr::OsEnv::getVariable(keyVariable);
     return key != nullptr ? key : "";
-}
-
-void passOn(const ScratchKey& scratch)
-{
-    Kr::OsEnv::putVariable((std::string(keyVariable) + '=' + scratch.getPath()).c_str());
-}
-
-void run(const char* option, int expected)
-{
-    const Kr::OsSettingsStore store(getKey().c_str());
-    const char* const words[] = {"program", option};
-    const char* const* arguments = words;
-    int count = 2;
-    const Kr::InInitGuard guard(count, arguments);
-    SCENARIO_CHECK(samples.getValue() == expected);
-    Kr::InSettings::store(viewerPackage);
-}
-
-void runWithOption()
-{
-    run("--viewer.samples=16", 16);
-}
-
-void runWithout()
-{
-    run("word", 16);
-}
-
-void laterRun()
-{
-    const ScratchKey scratch;
-    passOn(scratch);
-    SCENARIO_CHECK(start("runWithOption") == 0);
-    SCENARIO_CHECK(start("runWithout") == 0);
 }
 
 /// Each writer has values of its own, and one that both write.
@@ -113,7 +55,7 @@ void writeB()
 void twoProcesses()
 {
     const ScratchKey scratch;
-    passOn(scratch);
+    Kr::OsEnv::putVariable((std::string(keyVariable) + '=' + scratch.getPath()).c_str());
     std::thread other([] { SCENARIO_CHECK(start("writeA") == 0); });
     SCENARIO_CHECK(start("writeB") == 0);
     other.join();
@@ -129,11 +71,6 @@ void twoProcesses()
 int main(int argc, char** argv)
 {
     ownPath = argv[0];
-    return Scenario::run({{"laterRun", laterRun},
-                          {"runWithOption", runWithOption},
-                          {"runWithout", runWithout},
-                          {"twoProcesses", twoProcesses},
-                          {"writeA", writeA},
-                          {"writeB", writeB}},
+    return Scenario::run({{"twoProcesses", twoProcesses}, {"writeA", writeA}, {"writeB", writeB}},
                          argc, argv);
 }

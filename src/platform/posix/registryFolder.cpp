@@ -22,7 +22,6 @@ namespace
 
 constexpr char lockFile[] = "@lock";
 constexpr char newFile[] = "@new";
-constexpr char removedFolder[] = "@removed";
 
 const char* getAbsolute(const char* variable)
 {
@@ -165,6 +164,18 @@ bool writeAll(int file, const std::string& text)
     return true;
 }
 
+/// Where a key's folder goes before it is removed.
+std::string getAside(const KrRegistryRoot& root)
+{
+    return root.folder + "/@removed";
+}
+
+void clearAside(const KrRegistryRoot& root)
+{
+    std::error_code error;
+    std::filesystem::remove_all(getAside(root), error);
+}
+
 struct flock wholeFile(int type)
 {
     struct flock lock = {};
@@ -230,6 +241,8 @@ KrRegistryLock::KrRegistryLock(const KrRegistryRoot& root)
     _file =
         KrDescriptor(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, root.mode));
     _status = _file.isOpen() ? acquire() : lastStatus();
+    if (_status == ERROR_SUCCESS)
+        clearAside(root); // of a process that was killed while it removed a key
 }
 
 KrRegistryLock::~KrRegistryLock()
@@ -260,7 +273,13 @@ DWORD KrRegistryLock::acquire() const
 
 KrDescriptor krOpenKeyFolder(int base, const KrRegistryPath& path)
 {
-    KrDescriptor folder = openFolder(base, ".");
+    std::string asSpelt = ".";
+    for (const std::string& key : path)
+        asSpelt.append("/").append(encodeName(key));
+    KrDescriptor folder = openFolder(base, asSpelt.c_str());
+    if (folder.isOpen() || path.empty())
+        return folder;
+    folder = openFolder(base, ".");
     for (auto key = path.begin(); key != path.end() && folder.isOpen(); ++key)
         folder = openFolder(folder.get(), findFolder(folder.get(), *key).c_str());
     return folder;
@@ -291,8 +310,7 @@ bool krListKeyFolders(int base, std::vector<std::string>& keys)
                         });
 }
 
-/// The folder is moved aside first. What a process that was killed has left aside goes with the
-/// next removal.
+/// The folder is moved aside first.
 DWORD krRemoveKeyFolder(const KrRegistryRoot& root, int base, const KrRegistryPath& path)
 {
     const KrDescriptor parent = krOpenKeyFolder(base, {path.begin(), path.end() - 1});
@@ -300,13 +318,10 @@ DWORD krRemoveKeyFolder(const KrRegistryRoot& root, int base, const KrRegistryPa
         return lastStatus();
     if (const DWORD status = krCheckChangeable(parent.get()); status != ERROR_SUCCESS)
         return status;
-    const std::string aside = root.folder + '/' + removedFolder;
-    std::error_code error;
-    std::filesystem::remove_all(aside, error);
     const std::string name = findFolder(parent.get(), path.back());
-    if (::renameat(parent.get(), name.c_str(), AT_FDCWD, aside.c_str()) != 0)
+    if (::renameat(parent.get(), name.c_str(), AT_FDCWD, getAside(root).c_str()) != 0)
         return lastStatus();
-    std::filesystem::remove_all(aside, error);
+    clearAside(root);
     return ERROR_SUCCESS;
 }
 
