@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -49,6 +51,8 @@ bool countsProcesses()
 /// Nobody logs: the samples are taken nevertheless.
 void sampled()
 {
+    // Until the first event the file of an earlier run would stand there.
+    std::remove((std::string(std::getenv("KR_LOG_DIR")) + "/sampled.json").c_str());
     std::string path;
     {
         const Library library;
