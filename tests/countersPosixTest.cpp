@@ -104,11 +104,11 @@ TEST(CountersOnPosix, SharesOfTheProcessorsAddUp)
     EXPECT_EQ(bytes.getValue(), 1024. * kilobytes.getValue());
 }
 
-/// A process of that name, until the end of the object's life.
+/// A process of that name, which uses so much of a processor, then waits for the end of the object.
 class Child
 {
 public:
-    explicit Child(const std::string& name)
+    explicit Child(const std::string& name, double seconds = 0.)
     {
         int ends[2];
         EXPECT_EQ(::pipe(ends), 0);
@@ -116,6 +116,8 @@ public:
         if (_id == 0)
         {
             ::prctl(PR_SET_NAME, name.c_str());
+            while (now(CLOCK_PROCESS_CPUTIME_ID) < seconds)
+                continue;
             ::close(ends[0]);
             ::close(ends[1]); // the parent has waited for this
             for (;;)
@@ -144,22 +146,23 @@ TEST(CountersOnPosix, ProcessesComeAndGo)
     const std::string instance = "k []_" + std::to_string(::getpid());
     PrQuery query;
     const PrCounter& load = query.addExpected({"Process", instance, "% Processor Time"});
-    const PrCounter& threads = query.addExpected({"Process", instance, "Thread Count"});
-    const PrCounter& second = query.addExpected({"Process", instance + "#1", "Thread Count"});
-    const auto expect = [&](PrCounter::Status expectedLoad, PrCounter::Status expectedThreads)
+    const PrCounter& parent = query.addExpected({"Process", instance, "Creating Process ID"});
+    const PrCounter& second =
+        query.addExpected({"Process", instance + "#1", "Creating Process ID"});
+    const auto expect = [&](PrCounter::Status expectedLoad, PrCounter::Status expectedParent)
     {
         query.collect();
         EXPECT_EQ(load.getStatus(), expectedLoad);
-        EXPECT_EQ(threads.getStatus(), expectedThreads);
+        EXPECT_EQ(parent.getStatus(), expectedParent);
         EXPECT_EQ(second.getStatus(), PrCounter::NoInstance);
     };
     expect(PrCounter::NoInstance, PrCounter::NoInstance);
     auto child = std::make_unique<Child>(name);
     expect(PrCounter::FirstOfTwo, PrCounter::Available);
     expect(PrCounter::Available, PrCounter::Available);
-    EXPECT_EQ(threads.getValue(), 1.);
+    EXPECT_EQ(parent.getValue(), ::getpid());
     child.reset();
-    child = std::make_unique<Child>(name); // another of the name: no value of both
+    child = std::make_unique<Child>(name, 0.05); // another of the name: no value of both
     expect(PrCounter::FirstOfTwo, PrCounter::Available);
     expect(PrCounter::Available, PrCounter::Available);
     {
@@ -167,10 +170,10 @@ TEST(CountersOnPosix, ProcessesComeAndGo)
         query.collect();
         EXPECT_TRUE(load.isAvailable());
         EXPECT_TRUE(second.isAvailable());
-        EXPECT_EQ(
-            Kr::PrCatalog::expand({"Process", "k*" + instance.substr(2) + "#*", "Thread Count"})
-                .size(),
-            1U);
+        EXPECT_EQ(Kr::PrCatalog::expand(
+                      {"Process", "k*" + instance.substr(2) + "#*", "Creating Process ID"})
+                      .size(),
+                  1U);
     }
     child.reset();
     expect(PrCounter::NoInstance, PrCounter::NoInstance);

@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <iostream>
 #include <map>
 #include <string>
 
@@ -78,9 +79,11 @@ const Setting<Format> format("KR_LOG_FORMAT", "logger.format", Format::Text, "Th
 const Setting<std::int32_t> maxFiles("KR_LOG_MAX_FILES", "logger.maxFiles", 1,
                                      "How many renamed files stay", {1, 999});
 
+const Kr::InValueForm<double> intervalForm(0., 3600.);
 const Setting<double> timelineCounters(
     "KR_LOG_TIMELINE_COUNTERS", "logger.timelineCounters", 0.,
-    "Seconds between the samples of processor and memory in the timeline; 0 for none", {0., 3600.});
+    "Seconds between the samples of processor and memory in the timeline; 0 for none",
+    intervalForm);
 
 std::map<std::string, std::string> given; // by the environment variable's name
 
@@ -138,6 +141,18 @@ const char* lookUp(const char* name)
     return isSetting && isSame(now, Kr::InInitMgr::getEnv(name)) ? nullptr : now;
 }
 
+/// Of the samples of counters, in seconds.
+double getInterval()
+{
+    double interval = timelineCounters.variable.getValue();
+    const bool isGiven =
+        timelineCounters.variable.getSource() != Kr::InNamedVariable::Source::Default;
+    const char* const now = isGiven ? nullptr : lookUp(timelineCounters.name);
+    if (now != nullptr && *now != '\0' && !intervalForm.parse(now, interval))
+        std::cout << "Invalid value for " << timelineCounters.name << ": " << now << std::endl;
+    return interval;
+}
+
 } // namespace
 
 void KrInit::logger::start()
@@ -145,7 +160,7 @@ void KrInit::logger::start()
     given.clear();
     takeAll();
     Kr::LgLog::init(lookUp);
-    Kr::LgSystemTracks::start(timelineCounters.variable.getValue());
+    Kr::LgSystemTracks::start(getInterval());
 }
 
 void KrInit::logger::stop()

@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -49,11 +51,17 @@ bool countsProcesses()
 /// Nobody logs: the samples are taken nevertheless.
 void sampled()
 {
-    const Library library;
-    const std::string path = Kr::LgLog::getTimelinePath();
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    while (!holds(getTimeline(path), processorTrack) && std::chrono::steady_clock::now() < deadline)
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    // Until the first event the file of an earlier run would stand there.
+    std::remove((std::string(std::getenv("KR_LOG_DIR")) + "/sampled.json").c_str());
+    std::string path;
+    {
+        const Library library;
+        path = Kr::LgLog::getTimelinePath();
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+        while (!holds(getTimeline(path), processorTrack) &&
+               std::chrono::steady_clock::now() < deadline)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
     SCENARIO_CHECK(holds(getTimeline(path), processorTrack));
     SCENARIO_CHECK(holds(getTimeline(path), memoryTrack) == countsProcesses());
 }
