@@ -65,6 +65,7 @@ private:
     void cancel(Stream stream);
     bool isOpen(Stream stream) const { return _state.pipes[stream].handle != nullptr; }
     bool isComplete() const;
+    bool isTimeOver() const { return _deadline.isOver() || _lingering.isOver(); }
     bool noticeEnd();
     void wait();
 
@@ -104,10 +105,11 @@ OsProcess::Served OsProcess::Service::serve()
 {
     for (;;)
     {
+        const bool isLastLook = isTimeOver(); // this thread may not have run for a while
         advanceWhilePossible();
         if (noticeEnd())
             continue; // what it has written last may have come just now
-        if (isComplete() || _deadline.isOver() || _lingering.isOver())
+        if (isComplete() || (isLastLook && isTimeOver()))
             break;
         wait();
     }
