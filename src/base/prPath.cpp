@@ -28,8 +28,8 @@ bool isControl(char c)
     return static_cast<unsigned char>(c) < ' ';
 }
 
-/// Takes the path apart; returns what is wrong with it, or null.
-const char* split(std::string_view text, Parts& parts)
+/// What is wrong with the text as a whole, or null.
+const char* findFault(std::string_view text)
 {
     if (text.empty() || text.front() != '\\')
         return "it does not begin with a backslash";
@@ -39,27 +39,39 @@ const char* split(std::string_view text, Parts& parts)
         return "it holds a control character";
     if (text.substr(0, 2) == "\\\\")
         return "it names a machine, and only this one's counters are read";
+    return nullptr;
+}
+
+/// Takes "(instance)" from the text, if it begins with one; returns what is wrong with it, or null.
+/// An instance may hold backslashes and parentheses: it ends at the last that close it.
+const char* takeInstance(std::string_view& text, std::string_view& instance)
+{
+    if (text.front() != '(')
+        return nullptr;
+    const std::size_t close = text.rfind(")\\");
+    if (close == text.npos)
+        return text.back() == ')' ? "it names no counter"
+                                  : "its instance is not closed by a parenthesis";
+    instance = text.substr(1, close - 1);
+    text.remove_prefix(close + 1);
+    return instance.empty() ? "its instance is empty" : nullptr;
+}
+
+/// Takes the path apart; returns what is wrong with it, or null.
+const char* split(std::string_view text, Parts& parts)
+{
+    if (const char* const fault = findFault(text))
+        return fault;
     text.remove_prefix(1);
-    const std::size_t objectEnd = text.find_first_of("(\\");
-    parts.object = text.substr(0, objectEnd);
+    parts.object = text.substr(0, text.find_first_of("(\\"));
+    text.remove_prefix(parts.object.size());
     if (parts.object.empty())
         return "it names no object";
-    if (objectEnd == text.npos)
+    if (text.empty())
         return "it names no counter";
-    std::size_t separator = objectEnd;
-    if (text[objectEnd] == '(')
-    {
-        // An instance may hold backslashes and parentheses: it ends at the last that close it.
-        const std::size_t close = text.rfind(")\\");
-        if (close == text.npos || close < objectEnd)
-            return text.back() == ')' ? "it names no counter"
-                                      : "its instance is not closed by a parenthesis";
-        parts.instance = text.substr(objectEnd + 1, close - objectEnd - 1);
-        if (parts.instance.empty())
-            return "its instance is empty";
-        separator = close + 1;
-    }
-    parts.counter = text.substr(separator + 1);
+    if (const char* const fault = takeInstance(text, parts.instance))
+        return fault;
+    parts.counter = text.substr(1);
     if (parts.counter.empty())
         return "it names no counter";
     return parts.counter.find('\\') != text.npos ? "its counter holds a backslash" : nullptr;

@@ -399,39 +399,39 @@ constexpr StatusText statusTexts[] = {
 
 // Lists
 
-void listProcesses(std::vector<std::string>& instances, Tables& tables)
+Tables::State listProcesses(std::vector<std::string>& instances)
 {
+    Tables tables;
     for (const KrProcessRecord& process : tables.getProcesses().record)
         instances.push_back(krToInstanceName(process.name));
+    return tables.getProcesses().state;
 }
 
-void listProcessors(std::vector<std::string>& instances, Tables& tables)
+Tables::State listProcessors(std::vector<std::string>& instances)
 {
+    Tables tables;
     for (const KrProcessorTimes& times : tables.getProcessors().record.processors)
         instances.push_back(std::to_string(times.number));
+    return tables.getProcessors().state;
 }
 
-void listDisks(std::vector<std::string>& instances, Tables& tables)
+Tables::State listDisks(std::vector<std::string>& instances)
 {
+    Tables tables;
     for (const KrDiskRecord& disk : tables.getDisks().record)
         instances.push_back(krToInstanceName(disk.name));
+    return tables.getDisks().state;
 }
 
 Tables::State listInstances(Source source, std::vector<std::string>& instances)
 {
-    Tables tables;
-    if (source == Source::process)
-        listProcesses(instances, tables);
-    else if (source == Source::processor)
-        listProcessors(instances, tables);
-    else if (source == Source::disk)
-        listDisks(instances, tables);
-    else
+    if (!krHasInstances(source))
         return Tables::good;
+    const Tables::State state = source == Source::process     ? listProcesses(instances)
+                                : source == Source::processor ? listProcessors(instances)
+                                                              : listDisks(instances);
     instances.emplace_back(krTotalInstance);
-    return source == Source::process     ? tables.getProcesses().state
-           : source == Source::processor ? tables.getProcessors().state
-                                         : tables.getDisks().state;
+    return state;
 }
 
 /// Runs what allocates memory.
