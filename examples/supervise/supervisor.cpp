@@ -1,5 +1,7 @@
 #include "supervisor.h"
 
+#include <base/prEx.h>
+
 #include <algorithm>
 #include <iomanip>
 #include <iostream>
@@ -11,6 +13,21 @@ Supervisor::Supervisor(const Kr::OsCommand& command, std::string input, double s
     , _input(std::move(input))
 {
     std::cout << "process " << _process.getId() << ": " << _process.getCommandLine() << '\n';
+    watchMemory();
+}
+
+void Supervisor::watchMemory()
+{
+    try
+    {
+        const std::string instance = Kr::PrQuery::findProcess(_process.getId());
+        if (!instance.empty()) // or it has ended already
+            _memory = &_query.addExpected(Kr::PrPath("Process", instance, "Working Set"));
+    }
+    catch (const Kr::PrEx& error)
+    {
+        std::cout << "no memory is shown: " << error.getReason() << '\n';
+    }
 }
 
 Kr::OsExitStatus Supervisor::supervise()
@@ -61,11 +78,18 @@ void Supervisor::take(Kr::OsProcess::Stream stream, std::string_view bytes)
     line.erase(0, begin);
 }
 
-void Supervisor::report() const
+void Supervisor::report()
 {
     std::cout << std::fixed << std::setprecision(2) << getElapsed() << " s: processor "
-              << _process.getProcessorTime() << " s, fed " << _fed << " of " << _input.size()
-              << " bytes, collected " << _collected << '\n';
+              << _process.getProcessorTime() << " s, ";
+    if (_memory != nullptr)
+    {
+        _query.collect();
+        if (_memory->isAvailable())
+            std::cout << "memory " << _memory->getValue() / 1e6 << " MB, ";
+    }
+    std::cout << "fed " << _fed << " of " << _input.size() << " bytes, collected " << _collected
+              << '\n';
 }
 
 double Supervisor::getElapsed() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <base/osProcess.h>
+#include <base/prQuery.h>
 
 #include <chrono>
 #include <string>
@@ -18,7 +19,8 @@ public:
 private:
     Kr::OsProcess::Ending serveForASecond();
     void take(Kr::OsProcess::Stream stream, std::string_view bytes);
-    void report() const;
+    void report();
+    void watchMemory();
     double getElapsed() const;
 
     static Kr::OsCommand connect(Kr::OsCommand command);
@@ -27,6 +29,8 @@ private:
     const double _seconds;
     Kr::OsProcess _process;
     const std::string _input;
+    Kr::PrQuery _query;
+    const Kr::PrCounter* _memory = nullptr; ///< null where the system does not count it
     std::size_t _fed = 0;
     std::size_t _collected = 0;
     std::string _lines[3]; ///< what has come of a line, by the stream
