@@ -99,6 +99,21 @@ TEST(ProcessesPosix, AStatusThatIsStolenIsLost)
     EXPECT_THROW(process.getExitStatus(), Kr::OsProcessEx::ExStatusLost);
 }
 
+TEST(ProcessesPosix, AnInputThatIsClosedIsFedNoMore)
+{
+    OsCommand command("sh", {"-c", "exec <&-; echo ready; exec sleep 100"});
+    OsProcess process(command.pipeStream(OsCommand::Input).pipeStream(OsCommand::Output));
+    char buffer[8];
+    process.read(OsCommand::Output, buffer, sizeof buffer);
+    for (int portion = 0; portion < 2; ++portion) // also when it is known already
+    {
+        const auto served = process.communicate("some", 0.01);
+        EXPECT_EQ(OsProcess::TimeOver, served.ending);
+        EXPECT_EQ(0u, served.inputTaken);
+        EXPECT_FALSE(process.isConnected(OsCommand::Input));
+    }
+}
+
 TEST(ProcessesPosix, EndsArePoliteFirst)
 {
     for (const bool leads : {false, true})

@@ -230,13 +230,6 @@ TEST(Processes, EverythingIsServedWithoutADeadlock)
     EXPECT_EQ(OsProcess::Complete, deaf.ending);
     EXPECT_GT(input.size(), deaf.inputTaken);
     EXPECT_EQ("exit status 3", deaf.status.getText());
-
-    OsCommand command = child({"sleep", "closing"});
-    OsProcess closed(command.pipeStream(OsCommand::Input).pipeStream(OsCommand::Output));
-    awaitReady(closed);
-    for (int portion = 0; portion < 3; ++portion) // also after it has closed its input
-        EXPECT_EQ(OsProcess::TimeOver, closed.communicate(input, 0.1).ending);
-    EXPECT_FALSE(closed.isConnected(OsCommand::Input));
 }
 
 TEST(Processes, TimeIsLimitedAndNothingLost)
