@@ -315,6 +315,9 @@ void namedPipe()
     SCENARIO_CHECK(steady_clock::now() - start < std::chrono::seconds(30));
     ::close(reader);
     SCENARIO_CHECK(!append(*file, "gone\n")); // and no signal ends the program
+    reader = ::open((folder / "pipe.log").c_str(), O_RDONLY | O_NONBLOCK);
+    SCENARIO_CHECK(append(*file, "back\n"));
+    ::close(reader);
 }
 
 /// The log goes to a standard stream that does not block, and is read slowly.

@@ -54,9 +54,12 @@ void LgOutput::close()
     flush(true);
     if (_unreported == 0 && _waiting.empty())
         return;
+    const bool isTorn = _isMidLine;
     dropAll();
     const std::uint64_t untold = _unreported;
     reportLoss();
+    if (isTorn)
+        _waiting.insert(0, 1, '\n');
     if (untold == 0 || writeWaiting())
         return;
     LgStandardStream::complain(std::to_string(untold) +
