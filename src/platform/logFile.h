@@ -46,6 +46,7 @@ public:
     /// Whether no path names it any more.
     bool isRemoved() const noexcept;
 
+    /// -1 if it cannot be told.
     std::int64_t getSize() const noexcept;
 
     /// Writes at the end; a stream waits no longer than `milliseconds` for whoever reads it.

@@ -218,6 +218,7 @@ void stoppedHolder()
     for (const auto& entry : std::filesystem::directory_iterator(folder.getPath()))
         found += countIn(readFile(entry.path().string()), " message ");
     SCENARIO_CHECK(found == 3 * messages);
+    SCENARIO_CHECK(!std::filesystem::exists(folder / "events.log.1"));
 }
 
 /// Nothing is written through a link, whatever its name stands for, and files are made for their
@@ -226,11 +227,9 @@ void links()
 {
     ::umask(0);
     const Folder folder;
-    for (const char* name : {"events.log", "timeline.json", "events.log.1", "other.log.lock"})
-    {
-        std::ofstream(folder / "private") << "private";
+    std::ofstream(folder / "private") << "private";
+    for (const char* name : {"events.log", "timeline.json", "rotated.log.1", "locked.log.lock"})
         SCENARIO_CHECK(::symlink((folder / "private").c_str(), (folder / name).c_str()) == 0);
-    }
     Kr::LgFileSettings settings = at(folder / "timeline.json");
     settings.isExclusive = true;
     for (const auto& each : {at(folder / "events.log"), settings})
@@ -240,11 +239,16 @@ void links()
         SCENARIO_CHECK(file->getProblem() ==
                        "It is a link, and the log is not written through links.");
     }
-    settings = at(folder / "made/other.log");
-    settings.maxSize = 1;
-    const auto file = Kr::LgFile::create(settings);
-    SCENARIO_CHECK(append(*file, "one\n") && append(*file, "two\n"));
+    for (const char* name : {"rotated.log", "locked.log", "made/other.log"})
+    {
+        settings = at(folder / name);
+        settings.maxSize = 1;
+        const auto file = Kr::LgFile::create(settings);
+        SCENARIO_CHECK(append(*file, "one\n") && append(*file, "two\n"));
+    }
     SCENARIO_CHECK(readFile(folder / "private") == "private");
+    SCENARIO_CHECK(readFile(folder / "rotated.log.1") == "one\n");
+    SCENARIO_CHECK(readFile(folder / "locked.log") == "one\ntwo\n"); // no lock, no rotation
     const auto modeOf = [&](const std::string& name)
     {
         struct stat status = {};
@@ -311,6 +315,9 @@ void namedPipe()
     SCENARIO_CHECK(steady_clock::now() - start < std::chrono::seconds(30));
     ::close(reader);
     SCENARIO_CHECK(!append(*file, "gone\n")); // and no signal ends the program
+    reader = ::open((folder / "pipe.log").c_str(), O_RDONLY | O_NONBLOCK);
+    SCENARIO_CHECK(append(*file, "back\n"));
+    ::close(reader);
 }
 
 /// The log goes to a standard stream that does not block, and is read slowly.

@@ -102,13 +102,14 @@ std::size_t writeAll(int descriptor, bool mayBlock, const char* text, std::size_
         const std::size_t rest = size - written;
         const ssize_t count =
             ::write(descriptor, text + written, mayBlock ? std::min(rest, atOnce) : rest);
-        if (count >= 0)
+        if (count > 0)
             written += static_cast<std::size_t>(count);
-        else if (errno == EAGAIN)
+        else if (count < 0 && errno == EAGAIN)
             mayBlock = true;
-        else if (errno != EINTR)
+        else if (count == 0 || errno != EINTR)
         {
-            SetLastError(errno == EPIPE ? krErrorNobodyReads : krErrorFromErrno(errno));
+            const DWORD code = count == 0 ? ERROR_IO_DEVICE : krErrorFromErrno(errno);
+            SetLastError(count < 0 && errno == EPIPE ? krErrorNobodyReads : code);
             break;
         }
     }
@@ -223,7 +224,10 @@ bool KrLogFile::isRemoved() const noexcept
 std::int64_t KrLogFile::getSize() const noexcept
 {
     struct stat status = {};
-    return ::fstat(descriptorOf(_handle), &status) == 0 ? status.st_size : 0;
+    if (::fstat(descriptorOf(_handle), &status) == 0)
+        return status.st_size;
+    SetLastError(krErrorFromErrno(errno));
+    return -1;
 }
 
 std::size_t KrLogFile::append(const char* text, std::size_t size, unsigned milliseconds) noexcept
@@ -285,8 +289,6 @@ struct KrOpenLocks
 
     void add(KrFileLock* lock)
     {
-        static const int isWatching = ::pthread_atfork(beforeFork, inParent, inChild);
-        static_cast<void>(isWatching);
         lock->_next = first;
         first = lock;
     }
@@ -303,6 +305,16 @@ struct KrOpenLocks
     std::mutex mutex;
     KrFileLock* first = nullptr;
 };
+
+namespace
+{
+
+// Before any other is asked for: so this is locked last before a fork, when the log has been
+// written.
+const int watchesForks =
+    ::pthread_atfork(KrOpenLocks::beforeFork, KrOpenLocks::inParent, KrOpenLocks::inChild);
+
+} // namespace
 
 KrFileLock::KrFileLock(const std::string& path)
     : _path(path)
@@ -339,18 +351,23 @@ KrFileLock::Outcome KrFileLock::tryAcquire() noexcept
 /// Also where the file is open already.
 KrFileLock::Outcome KrFileLock::openFile() noexcept
 {
-    const std::lock_guard<std::mutex> guard(KrOpenLocks::get().mutex);
     if (_handle != none)
         return Outcome::held;
+    const std::lock_guard<std::mutex> guard(KrOpenLocks::get().mutex);
     std::string storage;
     struct stat status = {};
     const char* hostPath = krHostPath(_path.c_str(), storage);
     const int descriptor = hostPath != nullptr ? openHostFile(hostPath, 0, 0600, status) : -1;
     if (descriptor < 0)
         return Outcome::impossible;
+    if (!S_ISREG(status.st_mode))
+    {
+        ::close(descriptor);
+        return Outcome::impossible;
+    }
     _handle = descriptor;
     KrOpenLocks::get().add(this);
-    return S_ISREG(status.st_mode) ? Outcome::held : Outcome::impossible;
+    return Outcome::held;
 }
 
 void KrFileLock::release() noexcept

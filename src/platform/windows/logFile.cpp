@@ -130,7 +130,7 @@ bool KrLogFile::isRemoved() const noexcept
 std::int64_t KrLogFile::getSize() const noexcept
 {
     LARGE_INTEGER size = {};
-    return GetFileSizeEx(handleOf(_handle), &size) != 0 ? size.QuadPart : 0;
+    return GetFileSizeEx(handleOf(_handle), &size) != 0 ? size.QuadPart : -1;
 }
 
 std::size_t KrLogFile::append(const char* text, std::size_t size, unsigned) noexcept

@@ -96,8 +96,9 @@ bool LgAppendedFile::isCurrent() const
 
 bool LgAppendedFile::hasRoom(std::size_t size) const
 {
-    const auto used = static_cast<std::uint64_t>(_file->getSize());
-    return _settings.maxSize == 0 || used == 0 || used + size <= _settings.maxSize;
+    const std::int64_t used = _file->getSize();
+    return _settings.maxSize == 0 || used <= 0 ||
+           static_cast<std::uint64_t>(used) + size <= _settings.maxSize;
 }
 
 /// Moves each file on by one number up to the first that is free, or over the oldest. Where one
@@ -138,6 +139,11 @@ std::size_t LgAppendedFile::write(const char* text, std::size_t size, bool isAlo
     if (!endHalfLine())
         return 0;
     const std::int64_t before = _file->getSize();
+    if (before < 0) // where to cut if the text finds no room
+    {
+        _problem.take();
+        return 0;
+    }
     const std::size_t written = _file->append(text, size, 0);
     _isWritten = _isWritten || written != 0;
     _knownEnd = before + static_cast<std::int64_t>(written == size ? size : 0);
@@ -156,7 +162,7 @@ bool LgAppendedFile::endHalfLine()
 {
     const std::int64_t end = _file->getSize();
     char last = '\n';
-    if (end == 0 || end == _knownEnd || !_file->read(end - 1, &last, 1) || last == '\n')
+    if (end <= 0 || end == _knownEnd || !_file->read(end - 1, &last, 1) || last == '\n')
         return true;
     const bool isEnded = _file->append("\n", 1, 0) == 1;
     if (!isEnded)
@@ -172,8 +178,8 @@ std::size_t LgAppendedFile::writeStream(const char* text, std::size_t size)
     if (!_isStuck)
         return written;
     _problem.take();
-    if (written == 0)
-        _file.reset(); // whoever reads a pipe may have gone
+    if (!isCurrent())
+        _file.reset();
     return written;
 }
 

@@ -41,8 +41,8 @@ bool LgExclusiveFile::replaceEnd(std::size_t removed, const char* text, std::siz
     char saved[maxRemoved];
     const std::int64_t before = _file->getSize();
     const std::int64_t start = before - static_cast<std::int64_t>(removed);
-    if (removed > maxRemoved || start < 0)
-        return false;
+    if (removed > maxRemoved || start < 0 || before < 0)
+        return failed();
     if (removed != 0 && !_file->read(start, saved, removed))
         return failed();
     if (_file->write(start, text, size) && _file->cut(start + static_cast<std::int64_t>(size)))

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <string_view>
 
 namespace Kr
@@ -37,7 +38,14 @@ LgOutput::LgOutput(std::unique_ptr<LgFile> file, const std::string& name, LgLine
 
 LgOutput::~LgOutput()
 {
-    close();
+    try
+    {
+        close();
+    }
+    catch (const std::bad_alloc&)
+    {
+        dropAll();
+    }
 }
 
 /// Where the waiting lines find no room, the record that counts them may.
@@ -46,15 +54,17 @@ void LgOutput::close()
     flush(true);
     if (_unreported == 0 && _waiting.empty())
         return;
+    const bool isTorn = _isMidLine;
     dropAll();
     const std::uint64_t untold = _unreported;
     reportLoss();
+    if (isTorn)
+        _waiting.insert(0, 1, '\n');
     if (untold == 0 || writeWaiting())
         return;
     LgStandardStream::complain(std::to_string(untold) +
-                               " messages were lost: the log could not be "
-                               "written to " +
-                               _name + "\n");
+                               " messages were lost: the log could not be written to " + _name +
+                               '\n');
     _waiting.clear();
     _reports.clear();
 }
@@ -70,8 +80,8 @@ void LgOutput::write(const LgRecord& record)
         continue;
 }
 
-/// Drops the oldest lines, a batch at a time: what was logged last tells most.
-/// Returns whether there was one.
+/// Drops the oldest lines, a batch at a time: what was logged last tells most. Returns whether
+/// there was one.
 bool LgOutput::makeRoom()
 {
     const std::size_t begin = getRestOfLine();
@@ -193,9 +203,17 @@ void LgOutput::beginOutage()
     _nextTry = std::chrono::steady_clock::now() + retryInterval;
     if (_hasComplained)
         return;
-    _hasComplained = true;
-    LgStandardStream::complain("The log cannot be written to " + _name + ": " +
-                               _file->getProblem() + " Messages that find no room are counted.\n");
+    try
+    {
+        LgStandardStream::complain("The log cannot be written to " + _name + ": " +
+                                   _file->getProblem() +
+                                   " Messages that find no room are counted.\n");
+        _hasComplained = true;
+    }
+    catch (const std::bad_alloc&)
+    {
+        // said at the next failure, when there is memory
+    }
 }
 
 /// Puts a record that tells of the lost messages where they would stand, before those that wait.

@@ -101,13 +101,13 @@ void LgSharedFile::goAway()
                                " until it can come back.\n");
 }
 
-void LgSharedFile::comeBack()
+void LgSharedFile::comeBack() noexcept
 {
     if (!_isAway)
         return;
-    _news = "Another process held this file: messages before this one stand in " + _own->getPath();
     _own->leave();
     _isAway = false;
+    _hasNews = true;
 }
 
 bool LgSharedFile::sync() noexcept
@@ -133,8 +133,11 @@ std::string LgSharedFile::getProblem() const
 
 std::string LgSharedFile::takeNews()
 {
-    std::string news;
-    news.swap(_news);
+    if (!_hasNews)
+        return {};
+    std::string news =
+        "Another process held this file: messages before this one stand in " + _own->getPath();
+    _hasNews = false;
     return news;
 }
 

@@ -34,15 +34,15 @@ private:
     std::size_t performAppend(const char* text, std::size_t size);
     std::size_t appendToOwn(const char* text, std::size_t size);
     void goAway();
-    void comeBack();
+    void comeBack() noexcept;
 
     const LgFileSettings _settings;
     LgAppendedFile _shared;
     std::unique_ptr<LgAppendedFile> _own; ///< null: it was never needed
     LgProblem _problem;
-    std::string _news;
     std::chrono::steady_clock::time_point _nextTry;
     bool _isAway = false;
+    bool _hasNews = false;
     bool _hasComplained = false;
 };
 

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <new>
 
 namespace Kr
 {
@@ -47,14 +48,20 @@ LgTimelineFile::LgTimelineFile(std::unique_ptr<LgFile> file, const std::string& 
 
 LgTimelineFile::~LgTimelineFile()
 {
-    drain();
-    flush(true);
-    _lost += countEvents(_waiting);
-    if (_lost != 0)
-        LgStandardStream::complain(std::to_string(_lost) +
-                                   " events were lost: the timeline could "
-                                   "not be written to " +
-                                   _path + "\n");
+    try
+    {
+        drain();
+        flush(true);
+        _lost += countEvents(_waiting);
+        if (_lost != 0)
+            LgStandardStream::complain(std::to_string(_lost) +
+                                       " events were lost: the timeline could not be written to " +
+                                       _path + '\n');
+    }
+    catch (const std::bad_alloc&)
+    {
+        // without memory nothing more can be told
+    }
 }
 
 void LgTimelineFile::addRing(std::shared_ptr<LgSpanRing> ring)
