@@ -6,6 +6,8 @@
 #include <base/lgListener.h>
 #include <base/lgTimeline.h>
 
+#include <new>
+
 namespace Kr
 {
 
@@ -26,6 +28,7 @@ LgSession::LgSession(const LgSettings& settings, LgSession* predecessor)
     , _settings(settings)
     , _format(makeFormat(_clock, settings))
     , _reader(_queues, _outputs)
+    , _lossReport(_reader)
 {
     _outputs.open(_settings, *_format);
     openTimeline();
@@ -37,19 +40,40 @@ LgSession::~LgSession()
     LgTimeline::_enabled = false;
 }
 
-std::size_t LgSession::drain(LgDrain how)
+std::size_t LgSession::drain(LgDrain how) noexcept
 {
     const std::size_t count = _reader.flushAll();
-    if (_timeline != nullptr)
-    {
-        _timeline->drain();
-        _timeline->flush();
-    }
-    if (how == LgDrain::toDisk)
-        _outputs.sync();
-    else
-        _outputs.flush(how == LgDrain::toSystem);
+    _lossReport.tell(how != LgDrain::toBuffers);
+    drainTimeline();
+    writeOutputs(how);
     return count;
+}
+
+void LgSession::writeOutputs(LgDrain how) noexcept
+{
+    try
+    {
+        if (how == LgDrain::toDisk)
+            _outputs.sync();
+        else
+            _outputs.flush(how == LgDrain::toSystem);
+    }
+    catch (const std::bad_alloc&)
+    {
+        // What waits there goes on waiting.
+    }
+}
+
+void LgSession::close() noexcept
+{
+    try
+    {
+        _outputs.close();
+    }
+    catch (const std::bad_alloc&)
+    {
+        // They try again when they go.
+    }
 }
 
 std::uint64_t LgSession::getLostCount() const
@@ -65,10 +89,33 @@ LgSession* LgSession::forFork(LgSession* parent)
     return new LgSession(settings, parent);
 }
 
-void LgSession::show(const LgRecord& record)
+/// Where memory is short the timeline goes without; the log's lines do not depend on it.
+void LgSession::drainTimeline() noexcept
 {
-    if (_timeline != nullptr)
-        _timeline->addMessage(record);
+    if (_timeline == nullptr)
+        return;
+    try
+    {
+        _timeline->drain();
+        _timeline->flush();
+    }
+    catch (const std::bad_alloc&)
+    {
+        // The spans wait for the next time.
+    }
+}
+
+void LgSession::show(const LgRecord& record) noexcept
+{
+    try
+    {
+        if (_timeline != nullptr)
+            _timeline->addMessage(record);
+    }
+    catch (const std::bad_alloc&)
+    {
+        // The message itself is not lost.
+    }
     if (LgListener::isAny())
         LgListener::notify({record.level, _clock.getTimeOfDay(record.timeStamp), record.thread,
                             record.threadName, record.group, record.text, record.lost,
