@@ -276,7 +276,7 @@ private:
     /// Set in the word of an overflow entry that the consumer has seen: it counts no more.
     static constexpr std::uint32_t closedBit = 0x80000000;
 
-    inline void setMessage(LgTypes::Level level, std::uint16_t group, std::uint64_t ticks) noexcept;
+    inline void setMessage(LgTypes::Level level, std::uint16_t group) noexcept;
     void setFirstLoss(std::uint64_t ticks) noexcept;
     bool countIfOpen() noexcept;
     void close() noexcept;
@@ -332,10 +332,8 @@ private:
     LgQueue& _queue;
 };
 
-inline void LgQueue::Entry::setMessage(LgTypes::Level level, std::uint16_t group,
-                                       std::uint64_t ticks) noexcept
+inline void LgQueue::Entry::setMessage(LgTypes::Level level, std::uint16_t group) noexcept
 {
-    _timeStamp = ticks;
     _oflow = false;
     _isCut = false;
     _group = group;
@@ -357,14 +355,14 @@ inline bool LgQueue::reserve(LgTypes::Level level, std::uint16_t group, LgTypes:
     return true;
 }
 
-/// The same for a message that leaves room to severer ones, unless more than that is to be done:
-/// then nothing is, and it returns false.
+/// The same for a message that leaves room to severer ones, if there is room without another look
+/// and nothing else is to be done; if not, it does nothing and returns false.
 inline bool LgQueue::reserveOrdinary(LgTypes::Level level, std::uint16_t group) noexcept
 {
     if (_entryReserved || _detours.load(std::memory_order_relaxed) != 0)
         return false;
     const unsigned int end = _end.load(std::memory_order_relaxed);
-    if (!hasRoom(end, level))
+    if (end == _nextLook || !_stream.hasSeenRoom(level))
         return false;
     fill(end, level, group);
     return true;
@@ -372,9 +370,12 @@ inline bool LgQueue::reserveOrdinary(LgTypes::Level level, std::uint16_t group) 
 
 inline void LgQueue::fill(unsigned int end, LgTypes::Level level, std::uint16_t group) noexcept
 {
-    _entries[end].setMessage(level, group, HwCounter::timeStamp());
+    // The stamp comes last: nothing else has to be kept over the call.
+    Entry& entry = _entries[end];
+    entry.setMessage(level, group);
     _stream.beginMessage();
     _entryReserved = true;
+    entry._timeStamp = HwCounter::timeStamp();
 }
 
 inline void LgQueue::addEntry()

@@ -247,10 +247,11 @@ private:
 
     /// What `LgQueue` calls around a message. The rank is the level that counts where room is
     /// kept for severe messages: "Internal Error" takes all that there is.
-    bool hasRoom(LgTypes::Level rank) noexcept
+    bool hasRoom(LgTypes::Level rank) noexcept { return hasSeenRoom(rank) || updateRoom(); }
+    bool hasSeenRoom(LgTypes::Level rank) noexcept
     {
         _rank = rank;
-        return _room != 0 || updateRoom();
+        return _room != 0;
     }
     inline void beginMessage() noexcept;
     inline bool endOrdinaryMessage() noexcept;
