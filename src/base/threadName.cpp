@@ -3,6 +3,7 @@
 #include <base/internal/errors/processIdentity.h>
 #include <base/internal/errors/threadLabel.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace Kr
@@ -28,8 +29,9 @@ void onThreadEnd() noexcept
 template <std::size_t size>
 void copyName(char (&to)[size], const char* name)
 {
-    std::strncpy(to, name, size - 1);
-    to[size - 1] = '\0';
+    const std::size_t length = std::min(std::strlen(name), size - 1);
+    std::memmove(to, name, length);
+    to[length] = '\0';
 }
 
 } // namespace

@@ -44,7 +44,7 @@ std::size_t LgSession::drain(LgDrain how) noexcept
 {
     const std::size_t count = _reader.flushAll();
     _lossReport.tell(how != LgDrain::toBuffers);
-    drainTimeline();
+    drainTimeline(how);
     writeOutputs(how);
     return count;
 }
@@ -90,7 +90,7 @@ LgSession* LgSession::forFork(LgSession* parent)
 }
 
 /// Where memory is short the timeline goes without; the log's lines do not depend on it.
-void LgSession::drainTimeline() noexcept
+void LgSession::drainTimeline(LgDrain how) noexcept
 {
     if (_timeline == nullptr)
         return;
@@ -98,6 +98,8 @@ void LgSession::drainTimeline() noexcept
     {
         _timeline->drain();
         _timeline->flush();
+        if (how == LgDrain::toDisk)
+            _timeline->sync();
     }
     catch (const std::bad_alloc&)
     {
@@ -128,6 +130,7 @@ void LgSession::openTimeline()
         return;
     LgFileSettings file;
     file.path = _settings.timelinePath;
+    file.privateFolder = _settings.getPrivateFolder(file.path);
     file.isExclusive = true;
     _timeline = std::make_unique<LgTimelineFile>(LgFile::create(file), file.path, _clock);
     LgTimeline::_enabled = true;

@@ -59,7 +59,7 @@ public:
 private:
     void openTimeline();
     void show(const LgRecord& record) noexcept;
-    void drainTimeline() noexcept;
+    void drainTimeline(LgDrain how) noexcept;
     void writeOutputs(LgDrain how) noexcept;
 
     // The parent's session is kept as it was when the process forked; nothing of it can be closed
