@@ -176,11 +176,13 @@ bool failAt(long n, bool inStart, bool forGood)
                      static_cast<unsigned long>(sent), static_cast<unsigned long>(found.messages),
                      static_cast<unsigned long>(lost), static_cast<unsigned long>(found.told));
     SCENARIO_CHECK(found.messages + lost == sent && found.told == lost);
+    SCENARIO_CHECK(LogTest::JsonCheck::isValue(LogTest::readFile(folder / "timeline.json")));
     return failures != 0;
 }
 
 void walk(bool inStart, bool forGood)
 {
+    Kr::OsEnv::putVariable("KR_LOG_TIMELINE=timeline.json");
     long n = 1;
     while (failAt(n, inStart, forGood) && Scenario::failures() == 0)
         ++n;

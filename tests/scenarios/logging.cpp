@@ -450,7 +450,42 @@ void exceedLimits()
     std::printf("lost %lu\n", static_cast<unsigned long>(Kr::LgLog::getLostCount()));
 }
 
+/// A flood of tracing, then warnings and errors, into a queue that nobody reads meanwhile.
+void fillTheQueue(const Kr::LgMinorGroup& group, std::size_t size, int warnings, int errors)
+{
+    std::atomic<bool> isReading{false};
+    std::atomic<bool> mayGoOn{false};
+    const Kr::LgListener listener(
+        [&](const Kr::LgMessage&)
+        {
+            isReading = true;
+            while (!mayGoOn)
+                std::this_thread::yield();
+        });
+    KR_LOG(group, Informational) << "stops the reader";
+    while (!isReading)
+        std::this_thread::yield();
+    const std::string text(size, 'x');
+    for (int i = 0; i < 2000; ++i)
+        KR_LOG(group, Tracing) << text.c_str();
+    for (int i = 0; i < warnings; ++i)
+        KR_LOG(group, Warning) << text.c_str();
+    for (int i = 0; i < errors; ++i)
+        KR_LOG(group, Error) << text.c_str();
+    mayGoOn = true;
+    Kr::LgLog::flush();
+}
+
+/// Of messages, then of characters.
+void fillTheQueues()
+{
+    const Program program;
+    fillTheQueue(program.group, 10, 90, 30);
+    fillTheQueue(program.group, 500, 5, 2);
+}
+
 constexpr Scenario::Case programs[] = {
+    {"fillTheQueues", fillTheQueues},
     {"logAfterTheStop", logAfterTheStop},
     {"exceedLimits", exceedLimits},
     {"endNormally", endNormally},
@@ -798,6 +833,33 @@ void limited()
     SCENARIO_CHECK(contains(output, "lost " + std::to_string(withheld) + "\n"));
 }
 
+/// Tracing gives way: every warning and error is there, and the record tells of which level the
+/// lost ones were.
+void severity()
+{
+    const LogFolder folder;
+    set("KR_LOG_DEFAULT_LEVEL", "Tracing");
+    SCENARIO_CHECK(start(folder, "fillTheQueues") == 0);
+    std::map<std::string, int> counts;
+    std::map<std::string, int> lost;
+    for (const std::string& line : readLines(folder / "events.log"))
+    {
+        const std::string level = line.substr(29, line.find("  ", 29) - 29);
+        const std::string text = textOf(line);
+        int sum = 0;
+        int tracing = 0;
+        char last = '?';
+        if (std::sscanf(text.c_str(), "Event overflow [%d]: %d Tracin%c", &sum, &tracing, &last) ==
+            3)
+            lost[sum == tracing && last == 'g' ? "Tracing" : text] += sum;
+        else if (text[0] == 'x' || text == "#")
+            ++counts[level];
+    }
+    SCENARIO_CHECK(counts["Warning"] == 90 + 5 && counts["Error"] == 30 + 2);
+    SCENARIO_CHECK(counts["Tracing"] + lost["Tracing"] == 2 * 2000 && lost.size() == 1);
+    SCENARIO_CHECK(counts["Tracing"] > 850 + 50);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -824,6 +886,7 @@ int main(int argc, char** argv)
         {"timeline", timeline},
         {"afterTheStop", afterTheStop},
         {"limited", limited},
+        {"severity", severity},
     };
     return Scenario::run(cases, argc, argv);
 }

@@ -22,12 +22,7 @@ void LgLosses::count(std::uint64_t messages) noexcept
 void LgLosses::countForWantOfMemory(LgTypes::Level level) noexcept
 {
     count(1);
-    tellLater(level, 1);
-}
-
-void LgLosses::tellLater(LgTypes::Level level, int messages) noexcept
-{
-    untold[level].fetch_add(static_cast<std::uint32_t>(messages), std::memory_order_relaxed);
+    untold[level].fetch_add(1, std::memory_order_relaxed);
 }
 
 LgQueue::Counts LgLosses::takeUntold() noexcept

@@ -19,9 +19,6 @@ void count(std::uint64_t messages) noexcept;
 /// Counts a message for which there was no memory. The log will tell of it.
 void countForWantOfMemory(LgTypes::Level level) noexcept;
 
-/// Has the log tell of messages, for want of memory, that are counted elsewhere.
-void tellLater(LgTypes::Level level, int messages) noexcept;
-
 /// What the log has to tell of since the last call, by level.
 LgQueue::Counts takeUntold() noexcept;
 

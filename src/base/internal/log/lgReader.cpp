@@ -3,12 +3,11 @@
 #include <base/hwCounter.h>
 #include <base/internal/errors/threadLabel.h>
 #include <base/internal/log/lgGroupNames.h>
-#include <base/internal/log/lgLosses.h>
+#include <base/internal/log/lgTry.h>
 
 #include <algorithm>
 #include <cassert>
 #include <cstdio>
-#include <new>
 
 namespace Kr
 {
@@ -70,15 +69,7 @@ std::size_t LgReader::flushAll() noexcept
 bool LgReader::makeRoomForHeads(std::size_t count) noexcept
 {
     _heads.clear();
-    try
-    {
-        _heads.reserve(count);
-        return true;
-    }
-    catch (const std::bad_alloc&)
-    {
-        return false;
-    }
+    return lgTry([&] { _heads.reserve(count); });
 }
 
 std::size_t LgReader::flushInOrder(const LgRegistry::Queues& queues, unsigned long long until)
@@ -159,17 +150,7 @@ void LgReader::write(const LgRecord& record) noexcept
 {
     if (_watcher)
         _watcher(record);
-    try
-    {
-        _outputs.write(record);
-    }
-    catch (const std::bad_alloc&)
-    {
-        if (record.lost == 0)
-            LgLosses::countForWantOfMemory(record.level);
-        else
-            LgLosses::tellLater(record.level, record.lost);
-    }
+    _outputs.write(record);
 }
 
 } // namespace Kr

@@ -6,8 +6,6 @@
 #include <base/lgListener.h>
 #include <base/lgTimeline.h>
 
-#include <new>
-
 namespace Kr
 {
 
@@ -45,35 +43,11 @@ std::size_t LgSession::drain(LgDrain how) noexcept
     const std::size_t count = _reader.flushAll();
     _lossReport.tell(how != LgDrain::toBuffers);
     drainTimeline(how);
-    writeOutputs(how);
+    if (how == LgDrain::toDisk)
+        _outputs.sync();
+    else
+        _outputs.flush(how == LgDrain::toSystem);
     return count;
-}
-
-void LgSession::writeOutputs(LgDrain how) noexcept
-{
-    try
-    {
-        if (how == LgDrain::toDisk)
-            _outputs.sync();
-        else
-            _outputs.flush(how == LgDrain::toSystem);
-    }
-    catch (const std::bad_alloc&)
-    {
-        // What waits there goes on waiting.
-    }
-}
-
-void LgSession::close() noexcept
-{
-    try
-    {
-        _outputs.close();
-    }
-    catch (const std::bad_alloc&)
-    {
-        // They try again when they go.
-    }
 }
 
 std::uint64_t LgSession::getLostCount() const
@@ -89,35 +63,20 @@ LgSession* LgSession::forFork(LgSession* parent)
     return new LgSession(settings, parent);
 }
 
-/// Where memory is short the timeline goes without; the log's lines do not depend on it.
 void LgSession::drainTimeline(LgDrain how) noexcept
 {
     if (_timeline == nullptr)
         return;
-    try
-    {
-        _timeline->drain();
-        _timeline->flush();
-        if (how == LgDrain::toDisk)
-            _timeline->sync();
-    }
-    catch (const std::bad_alloc&)
-    {
-        // The spans wait for the next time.
-    }
+    _timeline->drain();
+    _timeline->flush();
+    if (how == LgDrain::toDisk)
+        _timeline->sync();
 }
 
 void LgSession::show(const LgRecord& record) noexcept
 {
-    try
-    {
-        if (_timeline != nullptr)
-            _timeline->addMessage(record);
-    }
-    catch (const std::bad_alloc&)
-    {
-        // The message itself is not lost.
-    }
+    if (_timeline != nullptr)
+        _timeline->addMessage(record);
     if (LgListener::isAny())
         LgListener::notify({record.level, _clock.getTimeOfDay(record.timeStamp), record.thread,
                             record.threadName, record.group, record.text, record.lost,

@@ -44,7 +44,7 @@ public:
     std::size_t drain(LgDrain how) noexcept;
 
     /// Writes the rest of it.
-    void close() noexcept;
+    void close() noexcept { _outputs.close(); }
 
     /// Messages that overflow entries or outputs report as lost.
     std::uint64_t getLostCount() const;
@@ -60,7 +60,6 @@ private:
     void openTimeline();
     void show(const LgRecord& record) noexcept;
     void drainTimeline(LgDrain how) noexcept;
-    void writeOutputs(LgDrain how) noexcept;
 
     // The parent's session is kept as it was when the process forked; nothing of it can be closed
     // without harm to the parent.
