@@ -285,8 +285,6 @@ struct KrOpenLocks
 
     void add(KrFileLock* lock)
     {
-        static const int isWatching = ::pthread_atfork(beforeFork, inParent, inChild);
-        static_cast<void>(isWatching);
         lock->_next = first;
         first = lock;
     }
@@ -303,6 +301,16 @@ struct KrOpenLocks
     std::mutex mutex;
     KrFileLock* first = nullptr;
 };
+
+namespace
+{
+
+// Before any other is asked for: so this is locked last before a fork, when the log has been
+// written.
+const int watchesForks =
+    ::pthread_atfork(KrOpenLocks::beforeFork, KrOpenLocks::inParent, KrOpenLocks::inChild);
+
+} // namespace
 
 KrFileLock::KrFileLock(const std::string& path)
     : _path(path)
@@ -339,9 +347,9 @@ KrFileLock::Outcome KrFileLock::tryAcquire() noexcept
 /// Also where the file is open already.
 KrFileLock::Outcome KrFileLock::openFile() noexcept
 {
-    const std::lock_guard<std::mutex> guard(KrOpenLocks::get().mutex);
     if (_handle != none)
         return Outcome::held;
+    const std::lock_guard<std::mutex> guard(KrOpenLocks::get().mutex);
     std::string storage;
     struct stat status = {};
     const char* hostPath = krHostPath(_path.c_str(), storage);
