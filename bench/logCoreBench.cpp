@@ -1,8 +1,9 @@
 // What a message costs the thread that logs it.
 //
 // Producers are measured in bursts of 500 that fit the ring; each burst is drained outside the
-// timing. "median_ns" is the figure to read: nanoseconds for one message or value, from the median
-// burst. The time column is the mean of whole bursts, with whatever interrupted them.
+// timing.
+
+#include "logBench.h"
 
 #include <base/hwCounter.h>
 #include <base/lgQueue.h>
@@ -13,7 +14,6 @@
 #include <spdlog/async.h>
 #include <spdlog/sinks/base_sink.h>
 
-#include <algorithm>
 #include <atomic>
 #include <charconv>
 #include <cmath>
@@ -28,29 +28,17 @@
 namespace
 {
 
-constexpr int burst = 500;
-const char constantText[] = "a message of just 32 characters."; // and its terminator
-static_assert(sizeof constantText == 33);
+using LogBench::Constant;
+using LogBench::constantText;
+using LogBench::everydayNumbers;
+using LogBench::IntAndDouble;
 
-/// Times bursts of `produce(i)`; `drain()` is not timed.
+constexpr int burst = 500;
+
 template <class Produce, class Drain>
 void measure(benchmark::State& state, Produce produce, Drain drain)
 {
-    std::vector<double> times;
-    for (auto _ : state)
-    {
-        const unsigned long long start = Kr::HwCounter::timeStamp();
-        for (int i = 0; i < burst; ++i)
-            produce(i);
-        const double seconds = Kr::HwCounter::seconds(start, Kr::HwCounter::timeStamp());
-        state.SetIterationTime(seconds);
-        times.push_back(seconds);
-        drain();
-    }
-    const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
-    std::nth_element(times.begin(), middle, times.end());
-    state.counters["median_ns"] =
-        benchmark::Counter(*middle / burst * 1e9, benchmark::Counter::kAvgThreads);
+    LogBench::measureBursts(state, burst, produce, drain);
 }
 
 void manual(benchmark::internal::Benchmark* bench)
@@ -58,39 +46,7 @@ void manual(benchmark::internal::Benchmark* bench)
     bench->UseManualTime()->MinTime(0.1);
 }
 
-/// Numbers as programs log them: up to a million, with some decimals.
-const std::vector<double>& everydayNumbers()
-{
-    static const std::vector<double> numbers = []
-    {
-        std::mt19937 random(1);
-        std::vector<double> made(burst);
-        for (double& number : made)
-            number = std::exp(std::uniform_real_distribution<>(-7., 14.)(random));
-        return made;
-    }();
-    return numbers;
-}
-
 // Messages
-
-struct Constant
-{
-    template <class Stream>
-    static void write(Stream& stream, int)
-    {
-        stream << constantText;
-    }
-};
-
-struct IntAndDouble
-{
-    template <class Stream>
-    static void write(Stream& stream, int i)
-    {
-        stream << "cycle " << i << " took " << everydayNumbers()[static_cast<std::size_t>(i)];
-    }
-};
 
 void BM_timeStamp(benchmark::State& state)
 {
@@ -169,15 +125,7 @@ void BM_spdlogAsync(benchmark::State& state)
 {
     static Spdlog spdlog; // one queue for all threads: that is its design
     measure(
-        state,
-        [](int i)
-        {
-            if constexpr (std::is_same_v<Message, Constant>)
-                spdlog.logger->info(constantText);
-            else
-                spdlog.logger->info("cycle {} took {:f}", i,
-                                    everydayNumbers()[static_cast<std::size_t>(i)]);
-        },
+        state, [](int i) { LogBench::logToSpdlog<Message>(*spdlog.logger, i); },
         []
         {
             while (spdlog.pool->queue_size() != 0)

@@ -1,9 +1,8 @@
 // What a whole statement of the log costs the thread that makes it, as programs make them: bursts
 // of 256, with 4 ms behind each in which the backend takes them to its file; and how many messages
 // are lost, by the rate at which they come.
-//
-// "median_ns" is the figure to read: nanoseconds for one statement, from the median burst. The time
-// column is the mean of whole bursts, with whatever interrupted them.
+
+#include "logBench.h"
 
 #include <base/hwCounter.h>
 #include <base/log.h>
@@ -14,10 +13,8 @@
 #include <spdlog/async.h>
 #include <spdlog/sinks/basic_file_sink.h>
 
-#include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <cmath>
 #include <filesystem>
 #include <memory>
 #include <random>
@@ -28,24 +25,13 @@
 namespace
 {
 
+using LogBench::Constant;
+using LogBench::constantText;
+using LogBench::everydayNumber;
+using LogBench::IntAndDouble;
+
 constexpr int burst = 256;
 constexpr std::chrono::milliseconds pauseBehindBurst(4);
-const char constantText[] = "a message of just 32 characters."; // and its terminator
-static_assert(sizeof constantText == 33);
-
-/// Numbers as programs log them: up to a million, with some decimals.
-double everydayNumber(int i)
-{
-    static const std::vector<double> numbers = []
-    {
-        std::mt19937 random(1);
-        std::vector<double> made(burst);
-        for (double& number : made)
-            number = std::exp(std::uniform_real_distribution<>(-7., 14.)(random));
-        return made;
-    }();
-    return numbers[static_cast<std::size_t>(i)];
-}
 
 /// A folder among the temporary ones that goes away.
 struct TemporaryFolder
@@ -94,48 +80,17 @@ private:
     const TemporaryFolder _folder;
 };
 
-/// Times bursts of `produce(i)`.
 template <class Produce>
 void measure(benchmark::State& state, Produce produce)
 {
-    std::vector<double> times;
-    for (auto _ : state)
-    {
-        const unsigned long long start = Kr::HwCounter::timeStamp();
-        for (int i = 0; i < burst; ++i)
-            produce(i);
-        const double seconds = Kr::HwCounter::seconds(start, Kr::HwCounter::timeStamp());
-        state.SetIterationTime(seconds);
-        times.push_back(seconds);
-        std::this_thread::sleep_for(pauseBehindBurst);
-    }
-    const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
-    std::nth_element(times.begin(), middle, times.end());
-    state.counters["median_ns"] = *middle / burst * 1e9;
+    LogBench::measureBursts(state, burst, produce,
+                            [] { std::this_thread::sleep_for(pauseBehindBurst); });
 }
 
 void manual(benchmark::internal::Benchmark* bench)
 {
     bench->UseManualTime()->Iterations(200);
 }
-
-struct Constant
-{
-    template <class Stream>
-    static void write(Stream& stream, int)
-    {
-        stream << constantText;
-    }
-};
-
-struct IntAndDouble
-{
-    template <class Stream>
-    static void write(Stream& stream, int i)
-    {
-        stream << "cycle " << i << " took " << everydayNumber(i);
-    }
-};
 
 /// The queue alone, which another thread drains once a millisecond.
 template <class Message>
@@ -196,14 +151,7 @@ void BM_spdlogAsync(benchmark::State& state)
     const auto logger = std::make_shared<spdlog::async_logger>(
         "peer", std::make_shared<spdlog::sinks::basic_file_sink_st>(folder.path + "/peer.log"),
         pool, spdlog::async_overflow_policy::overrun_oldest);
-    measure(state,
-            [&](int i)
-            {
-                if constexpr (std::is_same_v<Message, Constant>)
-                    logger->info(constantText);
-                else
-                    logger->info("cycle {} took {:f}", i, everydayNumber(i));
-            });
+    measure(state, [&](int i) { LogBench::logToSpdlog<Message>(*logger, i); });
 }
 BENCHMARK_TEMPLATE(BM_spdlogAsync, Constant)->Apply(manual);
 BENCHMARK_TEMPLATE(BM_spdlogAsync, IntAndDouble)->Apply(manual);
@@ -230,7 +178,7 @@ void BM_loss(benchmark::State& state)
             while (Kr::HwCounter::timeStamp() < next)
             {
             }
-            KR_LOG(group, Informational) << "cycle " << i << " took " << everydayNumber(i % burst);
+            KR_LOG(group, Informational) << "cycle " << i << " took " << everydayNumber(i);
         }
         Kr::LgLog::flush();
         lost += static_cast<double>(Kr::LgLog::getLostCount() - before);
@@ -249,6 +197,7 @@ BENCHMARK(BM_loss)
     ->Args({100000, 500})
     ->Args({100000, 1000})
     ->Args({100000, 2000})
+    ->Args({100000, 5000})
     ->Iterations(5)
     ->Unit(benchmark::kMillisecond);
 

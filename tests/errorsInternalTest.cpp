@@ -1,10 +1,13 @@
 #include <base/internal/errors/calendar.h>
 #include <base/internal/errors/demangle.h>
 #include <base/internal/errors/invariant.h>
+#include <base/internal/errors/processIdentity.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <thread>
 #include <typeinfo>
 #include <vector>
 
@@ -78,6 +81,25 @@ TEST(InvariantDeathTest, ReportsTheStatedTextAndLine)
     EXPECT_DEATH(Kr::failInvariant("src/base/a", 87, "size > 0"),
                  testing::AllOf(HasSubstr("src/base/a"), HasSubstr("87"), HasSubstr("size > 0")));
     EXPECT_DEBUG_DEATH(KR_INVARIANT_TEXT(1 > 2, "size > 0", 87), "size > 0");
+}
+
+std::atomic<int> ends{0};
+
+TEST(ProcessIdentity, TellsOfTheEndOfAThreadOnce)
+{
+    const auto countEnd = +[]() noexcept { ++ends; };
+    for (int threads = 1; threads <= 3; ++threads)
+    {
+        std::thread(
+            [&]
+            {
+                EXPECT_TRUE(Kr::ProcessIdentity::atThreadEnd(countEnd));
+                EXPECT_TRUE(Kr::ProcessIdentity::atThreadEnd(countEnd));
+                EXPECT_EQ(threads - 1, ends);
+            })
+            .join();
+        EXPECT_EQ(threads, ends);
+    }
 }
 
 } // namespace

@@ -6,9 +6,12 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <iostream>
+#include <memory>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace
 {
@@ -219,6 +222,37 @@ TEST_F(LogGroups, MisuseFailsItsCheck)
     for (const char* settings : {"UI=Error,Database", "UI=Error,Database=", "UI=Error,Database=,"})
         expectAssertion("s", types, 49, [&] { LgMajorGroup::parse(settings); });
     EXPECT_EQ(0xE0U, levelsOf("UI"));
+}
+
+/// A list that is searched from its beginning takes a minute for that.
+TEST_F(LogGroups, ManyGroups)
+{
+    constexpr std::size_t count = 60000;
+    open(nullptr);
+    const auto start = std::chrono::steady_clock::now();
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < count; ++i)
+        names.push_back("group" + std::to_string(i));
+    std::vector<std::unique_ptr<Kr::LgGroup>> groups;
+    for (const std::string& name : names)
+        groups.push_back(std::make_unique<Kr::LgGroup>(name.c_str(), name.c_str()));
+    groups.erase(groups.begin() + 1, groups.end()); // in the order of their making
+    EXPECT_TRUE(groups.front()->isLevelEnabled(LgTypes::Warning));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+}
+
+/// What statements look at is there for the life of the process.
+TEST_F(LogGroups, MajorGroupsAreOffWhileTheRegistryIsClosed)
+{
+    open("UI=Tracing");
+    const LgMinorGroup minor(LgMajorGroup::getInstanceForName("UI"), "minor");
+    EXPECT_TRUE(minor.isLevelEnabled(LgTypes::Tracing));
+    LgMajorGroup::finalize();
+    EXPECT_FALSE(minor.isLevelEnabled(LgTypes::InternalError));
+    LgMajorGroup::initialize(nullptr);
+    EXPECT_EQ("Major Groups:\n", listing());
+    EXPECT_EQ(0xF0U, levelsOf("UI"));
+    EXPECT_TRUE(minor.isLevelEnabled(LgTypes::Warning));
 }
 
 } // namespace

@@ -102,6 +102,7 @@ TEST(LogStream, ValuesReadAsPrinted)
     EXPECT_EQ("(null)", textOf(static_cast<const char*>(nullptr)));
     EXPECT_EQ("no ends inside", textOf(std::string_view("no\0 ends\0 inside\0", 17)));
     EXPECT_EQ("", textOf('\0'));
+    EXPECT_EQ("", textOf(std::string_view()));
 }
 
 TEST(LogStream, DoublesReadAsPrintedWhateverTheirKind)
@@ -467,6 +468,22 @@ TEST(LogQueue, ALossWithinAMessage)
     expectAssertion("_end+2U != _beg", file, 235, [&] { queue.addEntry(); });
     while (!queue.isEmpty())
         next(queue);
+}
+
+TEST(LogQueue, TellsOfWhichLevelsTheLostMessagesWere)
+{
+    LgQueue queue(0, 8, 64);
+    while (log(queue, "m", LgTypes::Tracing))
+        continue; // the last one is lost
+    EXPECT_FALSE(log(queue, "lost", LgTypes::Error));
+    EXPECT_FALSE(log(queue, "lost", LgTypes::Tracing));
+    while (!queue.readEntry().isOverflowEntry())
+        next(queue);
+    const int count = queue.readEntry().getOverflowCount();
+    EXPECT_EQ(3, count);
+    EXPECT_EQ((LgQueue::Counts{0, 0, 1, 0, 0, 2, 0}), queue.takeLosses(count));
+    EXPECT_EQ(LgQueue::Counts(), queue.takeLosses(count));
+    queue.removeEntry();
 }
 
 /// How often the producer was told to wake the consumer.

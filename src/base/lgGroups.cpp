@@ -1,42 +1,27 @@
 #include <base/lgGroups.h>
 
 #include <base/assert.h>
+#include <base/internal/errors/immortal.h>
 #include <base/internal/log/lgGroupNames.h>
+#include <base/internal/log/lgLimit.h>
 #include <base/lgEx.h>
 #include <base/osEnv.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cstring>
+#include <functional>
 #include <iostream>
-#include <list>
 #include <map>
+#include <memory>
 #include <string>
+#include <string_view>
 
 namespace Kr
 {
 
 namespace
 {
-
-struct NameOrder
-{
-    bool operator()(const char* left, const char* right) const
-    {
-        return std::strcmp(left, right) < 0;
-    }
-};
-
-using Names = std::list<std::string>;
-using MajorGroups = std::map<const char*, LgMajorGroup, NameOrder>; // keys: the texts of `names`
-
-Names* names = nullptr;
-MajorGroups* majorGroups = nullptr;
-
-const char* storeName(const char* name)
-{
-    const auto found = std::find(names->begin(), names->end(), name);
-    return found != names->end() ? found->c_str() : names->emplace_back(name).c_str();
-}
 
 /// Cuts the text at the next of `end` and returns what stands before it, leading characters of
 /// `skip` left out; null if nothing is left. Moves `text` behind the cut.
@@ -62,7 +47,46 @@ void complain(const char* variable, const char* text)
     std::cerr << std::endl;
 }
 
+bool parseNumber(std::string_view text, unsigned int& number)
+{
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && rest == end;
+}
+
 } // namespace
+
+/// All groups that ever were. Statements look at them at any time, also after the logger has
+/// stopped.
+struct LgMajorGroup::Registry
+{
+    struct Entry
+    {
+        LgMajorGroup group;
+        std::unique_ptr<LgLimit> limit = nullptr;
+        bool isListed = false; // since the registry was opened
+    };
+
+    std::map<std::string, Entry, std::less<>> entries; // by name
+    bool isOpen = false;
+
+    static Registry& get()
+    {
+        static Immortal<Registry> registry;
+        return *registry;
+    }
+
+    /// The group is off if it is a new one.
+    Entry& find(std::string_view name)
+    {
+        const auto found = entries.find(name);
+        if (found != entries.end())
+            return found->second;
+        Entry& entry = entries[std::string(name)];
+        entry.group._logLevels = 0;
+        return entry;
+    }
+};
 
 const std::uint32_t LgMajorGroup::_levelMask[] = {0x80, 0xC0, 0xE0, 0xF0, 0xF8, 0xFC, 0x02};
 
@@ -75,20 +99,27 @@ LgMajorGroup::LgMajorGroup()
 
 LgMajorGroup& LgMajorGroup::getInstanceForName(const char* name)
 {
-    KR_ASSERT_AT(names, 129);
-    KR_ASSERT_AT(majorGroups, 130);
-    return (*majorGroups)[storeName(name)];
+    KR_ASSERT_TEXT(Registry::get().isOpen, "names", 129);
+    Registry::Entry& entry = Registry::get().find(name);
+    if (!entry.isListed)
+        entry.group = LgMajorGroup();
+    entry.isListed = true;
+    return entry.group;
+}
+
+/// The group of that name, whether the registry is open or not.
+LgMajorGroup& LgMajorGroup::find(const char* name)
+{
+    return Registry::get().isOpen ? getInstanceForName(name) : Registry::get().find(name).group;
 }
 
 void LgMajorGroup::initialize(const char* settings)
 {
-    KR_ASSERT_AT(!names, 166);
-    KR_ASSERT_AT(!majorGroups, 167);
-    names = new Names;
-    majorGroups = new MajorGroups;
+    KR_ASSERT_TEXT(!Registry::get().isOpen, "!names", 166);
+    Registry::get().isOpen = true;
     if (settings != nullptr)
         parse(settings);
-    LgGroup::bindAll();
+    LgGroup::listMajors();
 }
 
 void LgMajorGroup::initializeFromEnvironment()
@@ -119,8 +150,7 @@ bool LgMajorGroup::setDefaultThreshold(const char* name)
 
 void LgMajorGroup::parse(const char* settings)
 {
-    KR_ASSERT_AT(names, 183);
-    KR_ASSERT_AT(majorGroups, 184);
+    KR_ASSERT_TEXT(Registry::get().isOpen, "names", 183);
     std::string copy(settings);
     char* rest = copy.data();
     while (const char* group = takeToken(rest, "=,", '='))
@@ -143,15 +173,42 @@ void LgMajorGroup::parse(const char* settings)
     }
 }
 
+void LgMajorGroup::setLimit(const char* name, unsigned int messagesPerSecond)
+{
+    LgMajorGroup& group = getInstanceForName(name);
+    std::unique_ptr<LgLimit>& limit = Registry::get().find(name).limit;
+    if (limit == nullptr)
+        limit = std::make_unique<LgLimit>(name);
+    limit->setRate(messagesPerSecond);
+    group._limit = messagesPerSecond != 0 ? limit.get() : nullptr;
+}
+
+void LgMajorGroup::parseLimits(const char* settings)
+{
+    std::string copy(settings);
+    char* rest = copy.data();
+    while (const char* group = takeToken(rest, "=,", '='))
+    {
+        const char* const text = takeToken(rest, ",", ',');
+        unsigned int rate = 0;
+        if (text != nullptr && parseNumber(text, rate))
+            setLimit(group, rate);
+        else
+            std::cout << "Invalid value for KR_LOG_LIMITS: " << group << '='
+                      << (text != nullptr ? text : "") << std::endl;
+    }
+}
+
 void LgMajorGroup::finalize()
 {
-    KR_ASSERT_AT(names, 216);
-    KR_ASSERT_AT(majorGroups, 217);
-    LgGroup::unbindAll();
-    delete majorGroups;
-    majorGroups = nullptr;
-    delete names;
-    names = nullptr;
+    KR_ASSERT_TEXT(Registry::get().isOpen, "names", 216);
+    for (auto& [name, entry] : Registry::get().entries)
+    {
+        entry.group._logLevels = 0;
+        entry.group._limit = nullptr;
+        entry.isListed = false;
+    }
+    Registry::get().isOpen = false;
 }
 
 void LgMajorGroup::setDefaultThreshold(LgTypes::Level l)
@@ -188,11 +245,12 @@ void LgMajorGroup::printAll(std::ostream& os)
 {
     constexpr std::size_t width = 24;
     os << "Major Groups:\n";
-    for (const auto& [name, group] : *majorGroups)
+    for (const auto& [name, entry] : Registry::get().entries)
     {
-        const std::size_t length = std::strlen(name);
-        os << std::string(width - std::min(length, width), ' ') << name << ' ';
-        group.printLevels(os);
+        if (!entry.isListed)
+            continue;
+        os << std::string(width - std::min(name.size(), width), ' ') << name << ' ';
+        entry.group.printLevels(os);
         os << '\n';
     }
 }
@@ -212,49 +270,30 @@ LgMinorGroup::LgMinorGroup(const LgMajorGroup& major, const char* n)
     _number = LgGroupNames::getNumber(n);
 }
 
-/// Never destroyed: groups that own themselves may outlive every other object.
-const LgMajorGroup& LgMajorGroup::getOff()
-{
-    static const LgMajorGroup& off = []() -> LgMajorGroup&
-    {
-        auto* group = new LgMajorGroup;
-        group->_logLevels = 0;
-        return *group;
-    }();
-    return off;
-}
-
 LgGroup* LgGroup::_first = nullptr;
 
 LgGroup::LgGroup(const char* majorName, const char* name)
-    : LgMinorGroup(LgMajorGroup::getOff(), name)
+    : LgMinorGroup((KR_ASSERT(majorName), LgMajorGroup::find(majorName)), name)
     , _majorName(majorName)
     , _next(_first)
+    , _link(&_first)
 {
-    KR_ASSERT(majorName);
-    if (majorGroups != nullptr)
-        _major = &LgMajorGroup::getInstanceForName(_majorName);
+    if (_next != nullptr)
+        _next->_link = &_next;
     _first = this;
 }
 
 LgGroup::~LgGroup()
 {
-    LgGroup** link = &_first;
-    while (*link != this)
-        link = &(*link)->_next;
-    *link = _next;
+    *_link = _next;
+    if (_next != nullptr)
+        _next->_link = _link;
 }
 
-void LgGroup::bindAll()
+void LgGroup::listMajors()
 {
-    for (LgGroup* group = _first; group != nullptr; group = group->_next)
-        group->_major = &LgMajorGroup::getInstanceForName(group->_majorName);
-}
-
-void LgGroup::unbindAll() noexcept
-{
-    for (LgGroup* group = _first; group != nullptr; group = group->_next)
-        group->_major = &LgMajorGroup::getOff();
+    for (const LgGroup* group = _first; group != nullptr; group = group->_next)
+        LgMajorGroup::getInstanceForName(group->_majorName);
 }
 
 } // namespace Kr

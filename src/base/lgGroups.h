@@ -36,6 +36,11 @@
 ///     setenv KR_LOG_GROUPS Database=Warning,UI=Informational,Radiosity=Profiling
 ///     setenv KR_LOG_DEFAULT_LEVEL Tracing
 ///
+/// A third says how many messages a second a group may log, of each level but the two that report
+/// fatal errors; those beyond are counted, and a line tells how many there were:
+///
+///     setenv KR_LOG_LIMITS UI=100,Radiosity=20
+///
 /// A group that owns itself needs no package: it may be static, exists before the logger starts and
 /// after it stops, and is off then.
 /// @code{.cpp}
@@ -49,7 +54,8 @@
 /// Pitfalls: a level switches on itself and everything more severe, but "Profiling" only itself.
 /// Internal and fatal errors are always on. Blanks in the variables are not trimmed. The registry
 /// of groups is for start-up and shut-down, by one thread; asking a group is for any thread at any
-/// time.
+/// time. Major groups live as long as the process, and are off while the registry is closed; a
+/// minor group that threads may still ask when its package has stopped is an `LgGroup`.
 
 #include <base/krBaseApi.h>
 #include <base/lgTypes.h>
@@ -65,6 +71,8 @@
 namespace Kr
 {
 
+class LgLimit;
+
 /// The levels that are switched on for an area of work: a set of level bits, 0x80 for "Internal
 /// Error" down to 0x02 for "Profiling". A value: copies are independent of the registry.
 class KR_BASE_API LgMajorGroup
@@ -74,11 +82,13 @@ public:
     LgMajorGroup();
     LgMajorGroup(const LgMajorGroup& other) noexcept
         : _logLevels(other.getLogLevels())
+        , _limit(other.getLimit())
     {
     }
     LgMajorGroup& operator=(const LgMajorGroup& other) noexcept
     {
         _logLevels.store(other.getLogLevels(), std::memory_order_relaxed);
+        _limit.store(other.getLimit(), std::memory_order_relaxed);
         return *this;
     }
 
@@ -100,7 +110,8 @@ public:
     // The registry. For one thread, between `initialize` and `finalize`.
 
     /// The group of that name, made with the default threshold at the first request. The reference
-    /// holds until `finalize`.
+    /// holds for the life of the process; from `finalize` on every level of the group is off, until
+    /// the registry is open again and the group is asked for.
     static LgMajorGroup& getInstanceForName(const char* name);
 
     /// Opens the registry and applies the settings, unless null. If they raise, as a name without a
@@ -122,7 +133,16 @@ public:
     /// `ExInternalError` for a name without a level.
     static void parse(const char* settings);
 
-    /// Closes the registry and forgets every group. Delete the minor groups before.
+    /// Lets the group of that name log so many messages a second of each level, from all threads
+    /// together; 0: as many as it likes. Fatal and internal errors are always logged. The others
+    /// count as lost (`LgLog::getLostCount`), and a record a second tells how many there were.
+    static void setLimit(const char* name, unsigned int messagesPerSecond);
+
+    /// Applies limits: pairs of a group's name, "=" and a number, separated by commas. A pair
+    /// without a number is reported on standard output and skipped.
+    static void parseLimits(const char* settings);
+
+    /// Closes the registry: every group is off, and without a limit.
     static void finalize();
 
     /// The threshold of groups made from now on, "Warning" at first; "Internal Error" counts as
@@ -139,15 +159,20 @@ public:
 
 private:
     friend class LgGroup;
+    friend class LgMinorGroup;
 
-    static const LgMajorGroup& getOff();
+    struct Registry;
+
+    static LgMajorGroup& find(const char* name);
     static bool setDefaultThreshold(const char* name);
+    LgLimit* getLimit() const noexcept { return _limit.load(std::memory_order_relaxed); }
     void printLevels(std::ostream& os) const;
 
     static const std::uint32_t _levelMask[LgTypes::NUM_LEVELS];
     static LgTypes::Level _defaultThreshold;
 
     std::atomic<std::uint32_t> _logLevels;
+    std::atomic<LgLimit*> _limit{nullptr}; // lives as long as the process; null: none
 };
 
 /// The handle through which code logs about one topic.
@@ -158,26 +183,13 @@ public:
     /// the process remembers the texts of up to 65534 names for that, and those of more groups read
     /// "(other)". Raises `ExInternalError` for a null name.
     LgMinorGroup(const LgMajorGroup& major, const char* name);
-    LgMinorGroup(const LgMinorGroup& other) noexcept
-        : _major(other._major.load(std::memory_order_acquire))
-        , _name(other._name)
-        , _number(other._number)
-    {
-    }
-    LgMinorGroup& operator=(const LgMinorGroup& other) noexcept
-    {
-        _major.store(other._major.load(std::memory_order_acquire), std::memory_order_release);
-        _name = other._name;
-        _number = other._number;
-        return *this;
-    }
 
     /// Whether to log. One load and one test; for any thread. The level is not checked.
     bool isLevelEnabled(LgTypes::Level level) const noexcept
     {
         static constexpr std::uint32_t levelBit[LgTypes::NUM_LEVELS] = {0x80, 0x40, 0x20, 0x10,
                                                                         0x08, 0x04, 0x02};
-        return (levelBit[level] & _major.load(std::memory_order_acquire)->getLogLevels()) != 0;
+        return (levelBit[level] & _major->getLogLevels()) != 0;
     }
 
     const char* getName() const noexcept { return _name; }
@@ -187,16 +199,18 @@ public:
     std::uint16_t getNumber() const noexcept { return _number; }
 
 private:
-    friend class LgGroup;
+    friend class LgStatement;
 
-    std::atomic<const LgMajorGroup*> _major;
+    LgLimit* getLimit() const noexcept { return _major->getLimit(); }
+
+    const LgMajorGroup* _major;
     const char* _name;
     std::uint16_t _number;
 };
 
-/// A minor group that owns itself: it belongs to its major group whenever the logger is up, and has
-/// every level off when it is not. Threads may log through it at any time but while the logger
-/// stops. Making and ending one is for the thread that starts and stops the logger.
+/// A minor group that owns itself, and has every level off while the logger is not up. Threads may
+/// log through it at any time. Making and ending one is for the thread that starts and stops the
+/// logger.
 class KR_BASE_API LgGroup : public LgMinorGroup
 {
 public:
@@ -209,11 +223,13 @@ public:
 private:
     friend class LgMajorGroup;
 
-    static void bindAll();
-    static void unbindAll() noexcept;
+    static void listMajors();
 
     const char* const _majorName;
-    LgGroup* _next; // in the list of all that exist
+
+    // In the list of all that exist.
+    LgGroup* _next;
+    LgGroup** _link; // what points to this one
 
     static LgGroup* _first;
 };

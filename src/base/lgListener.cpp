@@ -1,8 +1,11 @@
 #include <base/lgListener.h>
 
+#include <base/internal/errors/immortal.h>
+
 #include <algorithm>
 #include <atomic>
 #include <mutex>
+#include <new>
 #include <vector>
 
 namespace Kr
@@ -11,7 +14,7 @@ namespace Kr
 namespace
 {
 
-/// Never destroyed: messages may come while the process ends.
+/// Messages may come while the process ends.
 struct State
 {
     std::recursive_mutex mutex; // a function may end or make listeners
@@ -21,8 +24,8 @@ struct State
 
 State& state()
 {
-    static State& instance = *new State;
-    return instance;
+    static Immortal<State> instance;
+    return *instance;
 }
 
 } // namespace
@@ -41,6 +44,22 @@ LgListener::~LgListener()
     auto& all = state().listeners;
     all.erase(std::remove(all.begin(), all.end(), this), all.end());
     state().count = all.size();
+}
+
+void LgListener::lockForFork() noexcept
+{
+    state().mutex.lock();
+}
+
+void LgListener::unlockInParent() noexcept
+{
+    state().mutex.unlock();
+}
+
+/// The mutex knows its owner by a number that the thread no longer has.
+void LgListener::unlockInChild() noexcept
+{
+    ::new (&state().mutex) std::recursive_mutex;
 }
 
 bool LgListener::isAny() noexcept

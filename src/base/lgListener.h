@@ -55,8 +55,12 @@ public:
     ~LgListener();
 
 private:
+    friend class LgFork;
     friend class LgSession;
 
+    static void lockForFork() noexcept;
+    static void unlockInParent() noexcept;
+    static void unlockInChild() noexcept;
     static bool isAny() noexcept;
     static void notify(const LgMessage& message) noexcept;
 

@@ -8,9 +8,31 @@
 #include <base/osEnv.h>
 
 #include <iostream>
+#include <new>
 
 namespace Kr
 {
+
+namespace
+{
+
+/// A start that memory was too short for can be tried again.
+void openGroups(LgLog::Lookup lookup)
+{
+    try
+    {
+        LgMajorGroup::initialize(lookup("KR_LOG_DEFAULT_LEVEL"), lookup("KR_LOG_GROUPS"));
+        if (const char* limits = lookup("KR_LOG_LIMITS"))
+            LgMajorGroup::parseLimits(limits);
+    }
+    catch (const std::bad_alloc&)
+    {
+        LgMajorGroup::finalize();
+        throw;
+    }
+}
+
+} // namespace
 
 void LgLog::init()
 {
@@ -20,7 +42,7 @@ void LgLog::init()
 void LgLog::init(Lookup lookup)
 {
     auto session = std::make_unique<LgSession>(LgSettings::read(lookup, std::cout));
-    LgMajorGroup::initialize(lookup("KR_LOG_DEFAULT_LEVEL"), lookup("KR_LOG_GROUPS"));
+    openGroups(lookup);
     LgFork::install();
     LgTermination::install();
     LgLogState::start(std::move(session));

@@ -21,7 +21,7 @@
 ///
 /// Pitfalls: the messages of a thread that fill its queue before the reader comes are dropped and
 /// counted, unless `KR_BLOCKING_TRACE` has the thread wait. While the logger is not up, statements
-/// do nothing. The queue of a thread is for that thread alone.
+/// do nothing, whatever thread they are in. The queue of a thread is for that thread alone.
 
 #include <base/krBaseApi.h>
 #include <base/lgQueue.h>
@@ -47,14 +47,15 @@ public:
     /// The same with the settings of the environment alone.
     static void init();
 
-    /// Takes no more messages, writes those that wait, closes the files, and deletes the groups.
+    /// Takes no more messages, writes those that wait, closes the files, and switches all groups
+    /// off.
     static void destroy();
 
     /// The calling thread's queue, for those who write into it without `KR_LOG`: made by the first
-    /// call, then at no cost. Null while the logger is not up, when the thread is ending, and in
-    /// code that the logger calls for its output. The thread that started the logger has the
-    /// default queue, of number 0; the others have their thread's number. What the thread logs with
-    /// `KR_LOG` between `reserveEntry` and `addEntry` goes into another queue.
+    /// call, then at no cost. Null while the logger is not up, when the thread is ending or memory
+    /// is short, and in code that the logger calls for its output. The thread that started the
+    /// logger has the default queue, of number 0; the others have their thread's number. What the
+    /// thread logs with `KR_LOG` between `reserveEntry` and `addEntry` goes into another queue.
     static LgQueue* getQueue() noexcept;
 
     /// Returns when everything that was logged before the call has been handed to the system. May
@@ -64,8 +65,8 @@ public:
     /// The same, and the disk has it.
     static void flushToDisk() noexcept;
 
-    /// How many messages were dropped since the process began: by full queues, by outputs that
-    /// could not be written, or while the logger stopped.
+    /// How many messages were dropped since the process began: by full queues or for want of one,
+    /// by outputs that could not be written, by the limits of groups, or while the logger stopped.
     static std::uint64_t getLostCount();
 
     /// How many messages were written of which a part is missing, since the process began: a value

@@ -1,5 +1,6 @@
 #include <base/lgQueue.h>
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -21,6 +22,8 @@ LgQueue::LgQueue(unsigned long threadId, unsigned int numEntries, unsigned int n
     , _threadId(threadId)
 {
     KR_ASSERT(numEntries >= 4 && (numEntries & _mask) == 0);
+    for (std::atomic<std::uint32_t>& losses : _losses)
+        losses.store(0, std::memory_order_relaxed);
 }
 
 LgQueue::~LgQueue() noexcept(false)
@@ -31,9 +34,10 @@ LgQueue::~LgQueue() noexcept(false)
 
 // The producer's side
 
-/// Looks at the consumer's position again. Returns whether there is room for a message: the last
-/// free slot is kept for an overflow entry.
-bool LgQueue::look(unsigned int end) noexcept
+/// Looks at the consumer's position again. Returns whether there is room for a message of that
+/// rank: the last free slot is kept for an overflow entry, and some before it for severe messages,
+/// which look each time.
+bool LgQueue::look(unsigned int end, LgTypes::Level rank) noexcept
 {
     const unsigned int half = (_mask + 1) / 2;
     const unsigned int beg = _beg.load(std::memory_order_acquire);
@@ -41,8 +45,15 @@ bool LgQueue::look(unsigned int end) noexcept
     if (((end - beg) & _mask) < half)
         return true;
     tellHalfFull();
-    const bool hasSlot = getRoom(beg, end) >= 2;
-    _nextLook = hasSlot ? (beg - 2) & _mask : end;
+    const unsigned int room = getRoom(beg, end);
+    const unsigned int kept = LgStream::getMostKept(_mask + 1, rank);
+    if (room >= 2 + kept)
+    {
+        _nextLook = (beg - 2 - kept) & _mask;
+        return true;
+    }
+    const bool hasSlot = room >= 2 + LgStream::getKept(_mask + 1, rank);
+    _nextLook = hasSlot ? (end + 1) & _mask : end;
     return hasSlot;
 }
 
@@ -58,7 +69,10 @@ void LgQueue::completeUnusual()
     const bool isHalfFull = _stream.takeHalfFull();
     const bool isDisplaced = std::exchange(_isDisplaced, false);
     if ((_stream.getOutputFlags() & LgStream::TextWritten) == 0)
+    {
+        _stream.returnKept();
         return;
+    }
     const unsigned int end = _end.load(std::memory_order_relaxed);
     if (isDisplaced)
         checkRoom(end);
@@ -80,8 +94,11 @@ void LgQueue::checkRoom(unsigned int end)
 
 /// Counts a refused message in the newest entry, or in a new one if that is a message or is already
 /// in the consumer's hands.
-void LgQueue::countLoss() noexcept
+void LgQueue::countLoss(LgTypes::Level level) noexcept
 {
+    if (level < LgTypes::NUM_LEVELS)
+        _losses[level].store(_losses[level].load(std::memory_order_relaxed) + 1,
+                             std::memory_order_relaxed);
     const unsigned int end = _end.load(std::memory_order_relaxed);
     if (_entries[(end - 1) & _mask].countIfOpen())
         return;
@@ -122,11 +139,29 @@ void LgQueue::removeEntry()
         _observer->entryRemoved(this);
 }
 
+/// The least severe first: should there be more than were asked for, those are left over for which
+/// the next entry is being made.
+LgQueue::Counts LgQueue::takeLosses(int count) noexcept
+{
+    Counts taken = {};
+    auto rest = static_cast<std::uint32_t>(count);
+    for (std::size_t level = taken.size(); level-- != 0;)
+    {
+        const std::uint32_t losses = _losses[level].load(std::memory_order_acquire);
+        taken[level] = std::min(losses - _toldLosses[level], rest);
+        _toldLosses[level] += taken[level];
+        rest -= taken[level];
+    }
+    return taken;
+}
+
 ObjPtrRet<LgQueue::Observer> LgQueue::changeObserver(ObjPtr<Observer> observer)
 {
     KR_ASSERT_AT(_observer.isNull(), 312);
     ObjPtr<Observer> previous(_observer);
     _observer = observer;
+    if (!_observer.isNull())
+        _detours.fetch_or(Observed, std::memory_order_relaxed);
     return previous;
 }
 
@@ -182,7 +217,7 @@ bool LgQueue::Entry::countIfOpen() noexcept
     std::uint32_t word = _word.load(std::memory_order_acquire);
     while ((word & closedBit) == 0)
         if (word == ~closedBit ||
-            _word.compare_exchange_weak(word, word + 1, std::memory_order_acquire))
+            _word.compare_exchange_weak(word, word + 1, std::memory_order_acq_rel))
             return true;
     return false;
 }

@@ -53,6 +53,7 @@
 #include <base/lgTypes.h>
 #include <base/objPtr.h>
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <memory>
@@ -91,7 +92,10 @@ public:
     bool reserveEntry(LgTypes::Level level) { return reserveGroupEntry(level, 0); }
 
     /// The same for a message of the group of that number, see `LgMinorGroup::getNumber`.
-    inline bool reserveGroupEntry(LgTypes::Level level, std::uint16_t group);
+    bool reserveGroupEntry(LgTypes::Level level, std::uint16_t group)
+    {
+        return reserve(level, group, LgTypes::InternalError);
+    }
 
     /// Hands the message to the consumer. A message without text is dropped.
     inline void addEntry();
@@ -120,6 +124,14 @@ public:
     /// Done with the oldest entry. Raises `ExInternalError` if there is none.
     void removeEntry();
 
+    /// A number of messages for each level.
+    using Counts = std::array<std::uint32_t, LgTypes::NUM_LEVELS>;
+
+    /// Of which levels the lost messages were: to be asked with the count of each overflow entry,
+    /// once. The answers add up to what was lost of each level; a loss that happens at this moment
+    /// may be told with its neighbour's entry.
+    Counts takeLosses(int count) noexcept;
+
     /// Once this is false the producer adds nothing more: what is in the queue now is the rest.
     bool isCreatorAlive() const noexcept { return _creatorAlive.load(std::memory_order_acquire); }
 
@@ -146,9 +158,19 @@ public:
     ObjPtrRet<Observer> changeObserver(ObjPtr<Observer> observer);
 
 private:
+    friend class LgProducer;
+    friend class LgRegistry;
     friend class LgStatement;
 
     static constexpr unsigned int defaultNumEntries = 1024;
+
+    /// What keeps a statement from going straight into the queue.
+    enum Detour : unsigned int
+    {
+        Suppressed = 1,
+        Observed = 2,
+        Left = 4, ///< the session that the queue belongs to has ended
+    };
 
     /// Which slots of the ring are free from the producer's end up to the consumer's beginning, one
     /// apart: 0 when only that one is left.
@@ -156,14 +178,16 @@ private:
     {
         return (beg - end - 1) & _mask;
     }
-    bool look(unsigned int end) noexcept;
-    bool hasRoom(unsigned int end) noexcept
+    bool look(unsigned int end, LgTypes::Level rank) noexcept;
+    bool hasRoom(unsigned int end, LgTypes::Level rank) noexcept
     {
-        return (end != _nextLook || look(end)) && _stream.hasRoom();
+        return (end != _nextLook || look(end, rank)) && _stream.hasRoom(rank);
     }
+    inline bool reserve(LgTypes::Level level, std::uint16_t group, LgTypes::Level rank);
     inline bool reserveOrdinary(LgTypes::Level level, std::uint16_t group) noexcept;
     inline void fill(unsigned int end, LgTypes::Level level, std::uint16_t group) noexcept;
-    void countLoss() noexcept;
+    void leave() noexcept { _detours.fetch_or(Left, std::memory_order_relaxed); }
+    void countLoss(LgTypes::Level level) noexcept;
     void completeUnusual();
     void checkRoom(unsigned int end);
     void tellHalfFull() const noexcept;
@@ -172,12 +196,14 @@ private:
     const std::unique_ptr<Entry[]> _entries;
     const unsigned int _mask; // the ring's size less 1
 
-    // Positions count modulo the ring's size. The consumer writes this one ...
+    // Positions count modulo the ring's size. The consumer writes these ...
     alignas(LgStream::cacheLineSize) std::atomic<unsigned int> _beg{0}; // the next entry to read
+    Counts _toldLosses = {};
 
     // ... and the producer these.
     alignas(LgStream::cacheLineSize) std::atomic<unsigned int> _end{0}; // the next entry to fill
     unsigned int _nextLook; // up to where there is room without another look at `_beg`
+    std::atomic<unsigned int> _detours{0};
     int _suppressCount = 0;
     bool _entryReserved = false;
     bool _isDisplaced = false; // a loss was counted where the reserved entry was
@@ -187,6 +213,7 @@ private:
     std::shared_ptr<const ThreadLabel> _label;
     ObjPtr<Observer> _observer;
     void (*_halfFullHandler)() noexcept = nullptr;
+    std::array<std::atomic<std::uint32_t>, LgTypes::NUM_LEVELS> _losses; // all that ever were
 };
 
 /// A message's level and time, or a number of lost messages and the time of the first.
@@ -249,7 +276,7 @@ private:
     /// Set in the word of an overflow entry that the consumer has seen: it counts no more.
     static constexpr std::uint32_t closedBit = 0x80000000;
 
-    inline void setMessage(LgTypes::Level level, std::uint16_t group, std::uint64_t ticks) noexcept;
+    inline void setMessage(LgTypes::Level level, std::uint16_t group) noexcept;
     void setFirstLoss(std::uint64_t ticks) noexcept;
     bool countIfOpen() noexcept;
     void close() noexcept;
@@ -290,9 +317,14 @@ public:
     explicit SuppressGuard(LgQueue& queue) noexcept
         : _queue(queue)
     {
-        ++_queue._suppressCount;
+        if (_queue._suppressCount++ == 0)
+            _queue._detours.fetch_or(Suppressed, std::memory_order_relaxed);
     }
-    ~SuppressGuard() { --_queue._suppressCount; }
+    ~SuppressGuard()
+    {
+        if (--_queue._suppressCount == 0)
+            _queue._detours.fetch_and(~unsigned{Suppressed}, std::memory_order_relaxed);
+    }
     SuppressGuard(const SuppressGuard&) = delete;
     SuppressGuard& operator=(const SuppressGuard&) = delete;
 
@@ -300,37 +332,37 @@ private:
     LgQueue& _queue;
 };
 
-inline void LgQueue::Entry::setMessage(LgTypes::Level level, std::uint16_t group,
-                                       std::uint64_t ticks) noexcept
+inline void LgQueue::Entry::setMessage(LgTypes::Level level, std::uint16_t group) noexcept
 {
-    _timeStamp = ticks;
     _oflow = false;
     _isCut = false;
     _group = group;
     _word.store(level, std::memory_order_relaxed);
 }
 
-inline bool LgQueue::reserveGroupEntry(LgTypes::Level level, std::uint16_t group)
+/// @param rank how severe it counts as where room is kept for severe messages
+inline bool LgQueue::reserve(LgTypes::Level level, std::uint16_t group, LgTypes::Level rank)
 {
     if (_suppressCount > 0)
         return false;
     const unsigned int end = _end.load(std::memory_order_relaxed);
-    if (!hasRoom(end))
+    if (!hasRoom(end, rank))
     {
-        countLoss();
+        countLoss(level);
         return false;
     }
     fill(end, level, group);
     return true;
 }
 
-/// The same, unless more than that is to be done: then nothing is, and it returns false.
+/// The same for a message that leaves room to severer ones, if there is room without another look
+/// and nothing else is to be done; if not, it does nothing and returns false.
 inline bool LgQueue::reserveOrdinary(LgTypes::Level level, std::uint16_t group) noexcept
 {
-    if (_entryReserved || _suppressCount > 0 || !_observer.isNull())
+    if (_entryReserved || _detours.load(std::memory_order_relaxed) != 0)
         return false;
     const unsigned int end = _end.load(std::memory_order_relaxed);
-    if (!hasRoom(end))
+    if (end == _nextLook || !_stream.hasSeenRoom(level))
         return false;
     fill(end, level, group);
     return true;
@@ -338,9 +370,12 @@ inline bool LgQueue::reserveOrdinary(LgTypes::Level level, std::uint16_t group) 
 
 inline void LgQueue::fill(unsigned int end, LgTypes::Level level, std::uint16_t group) noexcept
 {
-    _entries[end].setMessage(level, group, HwCounter::timeStamp());
+    // The stamp comes last: nothing else has to be kept over the call.
+    Entry& entry = _entries[end];
+    entry.setMessage(level, group);
     _stream.beginMessage();
     _entryReserved = true;
+    entry._timeStamp = HwCounter::timeStamp();
 }
 
 inline void LgQueue::addEntry()

@@ -73,7 +73,7 @@ bool LgStream::isFull() const noexcept
 
 /// Looks at the consumer's position again, and steps over a waiting terminator once there is room
 /// behind it. Returns whether there is any room. The next look is due when half of the ring is
-/// filled, and if that is so already, when all of it is.
+/// filled, then when all is that is not kept for severe messages, then when all of it is.
 bool LgStream::updateRoom() noexcept
 {
     const unsigned int half = (_mask + 1) / 2;
@@ -83,16 +83,44 @@ bool LgStream::updateRoom() noexcept
         _writePosition = (_writePosition + 1) & _mask;
         _pendingAdvance = false;
     }
-    _room = room > half ? room - half : room;
+    const unsigned int mostKept = getMostKept(_mask + 1, _rank);
+    if (room > half)
+        _room = room - half;
+    else if (room > mostKept)
+        _room = room - mostKept;
+    else
+        takeWholeRoom(room);
     _flags |= room > half ? 0U : HalfFull;
-    return room != 0;
+    return _room != 0;
 }
 
-/// Does without the look at half of the ring.
-void LgStream::takeWholeRoom() noexcept
+/// Takes all that messages of this rank may, and has it returned if others may not.
+void LgStream::takeWholeRoom(unsigned int room) noexcept
 {
-    _room = getNumCharacters();
-    _flags |= HalfFull;
+    const unsigned int kept = getKept(_mask + 1, _rank);
+    _room = room > kept ? room - kept : 0;
+    _flags |= static_cast<unsigned int>(HalfFull) |
+              (kept != getMostKept(_mask + 1, _rank) ? FromKept : 0U);
+}
+
+/// Room that only severe messages may take is granted to one of them at a time.
+void LgStream::returnKept() noexcept
+{
+    if ((_flags & FromKept) != 0)
+        _room = 0;
+    _flags &= ~FromKept;
+}
+
+unsigned int LgStream::getKept(unsigned int ringSize, LgTypes::Level rank) noexcept
+{
+    if (rank <= LgTypes::Error)
+        return 0;
+    return rank == LgTypes::Warning ? ringSize / 32 : ringSize / 8;
+}
+
+unsigned int LgStream::getMostKept(unsigned int ringSize, LgTypes::Level rank) noexcept
+{
+    return rank == LgTypes::InternalError ? 0 : getKept(ringSize, LgTypes::Tracing);
 }
 
 /// For a text that may not fit in the room last seen.
@@ -104,7 +132,7 @@ void LgStream::appendTight(const char* text, std::size_t length) noexcept
         return;
     }
     if (length > _room)
-        takeWholeRoom();
+        takeWholeRoom(getNumCharacters());
     if (length <= _room)
     {
         copyIn(text, static_cast<unsigned int>(length));
@@ -159,6 +187,7 @@ void LgStream::endMessage() noexcept
     if ((_flags & Published) == 0)
         publish();
     _message = Message::None;
+    returnKept();
 }
 
 /// The terminator may have taken the last free place.
@@ -172,6 +201,8 @@ void LgStream::publishTight() noexcept
 
 LgStream& LgStream::operator<<(std::string_view text)
 {
+    if (text.empty())
+        return append("", 0);
     while (const void* nul = std::memchr(text.data(), '\0', text.size()))
     {
         const auto length = static_cast<std::size_t>(static_cast<const char*>(nul) - text.data());

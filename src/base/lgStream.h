@@ -29,6 +29,7 @@
 
 #include <base/internal/log/lgFormat.h>
 #include <base/krBaseApi.h>
+#include <base/lgTypes.h>
 
 #include <atomic>
 #include <cstddef>
@@ -213,6 +214,7 @@ private:
         Published = 4, ///< the message's text is visible to the consumer
         Cut = 8,       ///< something of the message was cut
         HalfFull = 16, ///< no more than half of the ring is free
+        FromKept = 32, ///< the message may take room that less severe ones may not
     };
 
     /// A message is a text that an entry of a queue announces. Texts and entries must agree in
@@ -243,16 +245,29 @@ private:
     void publishTight() noexcept;
     inline void stepOverTerminator() noexcept;
 
-    /// What `LgQueue` calls around a message.
-    bool hasRoom() noexcept { return _room != 0 || updateRoom(); }
+    /// What `LgQueue` calls around a message. The rank is the level that counts where room is
+    /// kept for severe messages: "Internal Error" takes all that there is.
+    bool hasRoom(LgTypes::Level rank) noexcept { return hasSeenRoom(rank) || updateRoom(); }
+    bool hasSeenRoom(LgTypes::Level rank) noexcept
+    {
+        _rank = rank;
+        return _room != 0;
+    }
     inline void beginMessage() noexcept;
     inline bool endOrdinaryMessage() noexcept;
     void endMessage() noexcept;
     bool isCut() const noexcept { return (_flags & Cut) != 0; }
     bool takeHalfFull() noexcept;
+    void returnKept() noexcept;
+
+    /// How much of a ring of that size messages of the rank leave to severer ones, and how much the
+    /// least severe do.
+    static unsigned int getKept(unsigned int ringSize, LgTypes::Level rank) noexcept;
+    static unsigned int getMostKept(unsigned int ringSize, LgTypes::Level rank) noexcept;
 
     bool updateRoom() noexcept;
-    void takeWholeRoom() noexcept;
+    unsigned int getUsable(unsigned int room) const noexcept;
+    void takeWholeRoom(unsigned int room) noexcept;
     unsigned int getRoom(unsigned int readPosition) const noexcept;
     unsigned int findStart(unsigned int readPosition) const noexcept;
     unsigned int findEnd(unsigned int start, unsigned int committed) const noexcept;
@@ -272,6 +287,7 @@ private:
     unsigned int _flags = 0;
     bool _pendingAdvance = false;
     Message _message = Message::None;
+    LgTypes::Level _rank = LgTypes::InternalError;
 
     std::atomic<bool> _overflowed{false};
 };
@@ -321,7 +337,7 @@ inline void LgStream::stepOverTerminator() noexcept
 /// That the ring is half full is told with the message.
 inline void LgStream::beginMessage() noexcept
 {
-    _flags &= HalfFull;
+    _flags &= static_cast<unsigned int>(HalfFull) | FromKept;
     _message = Message::Open;
 }
 

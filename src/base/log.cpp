@@ -1,6 +1,8 @@
 #include <base/log.h>
 
+#include <base/internal/log/lgLimit.h>
 #include <base/internal/log/lgLogState.h>
+#include <base/internal/log/lgLosses.h>
 #include <base/internal/log/lgProducer.h>
 #include <base/internal/log/lgThreadSlot.h>
 
@@ -8,29 +10,40 @@ namespace Kr
 {
 
 /// The way of nearly every statement: into the queue that its thread has already.
-void LgStatement::open(std::uint16_t group) noexcept
+LgStatement::Place LgStatement::open(const LgMinorGroup& group, LgTypes::Level level) noexcept
 {
-    const LgTarget* const target = LgThreadSlot::get();
-    _isOrdinary = _level > LgTypes::FatalError && target != nullptr &&
-                  target->session == LgLogState::getSessionNumber() &&
-                  target->queue->reserveOrdinary(_level, group);
-    if (_isOrdinary)
-        _queue = target->queue;
-    else
-        openUnusual(group);
+    LgQueue* const queue = LgThreadSlot::get();
+    if (queue != nullptr && level > LgTypes::FatalError && group.getLimit() == nullptr &&
+        queue->reserveOrdinary(level, group.getNumber()))
+        return {queue, true};
+    return openUnusual(group, level);
 }
 
-void LgStatement::openUnusual(std::uint16_t group) noexcept
+LgStatement::Place LgStatement::openUnusual(const LgMinorGroup& group,
+                                            LgTypes::Level level) noexcept
 {
-    if (LgProducer* producer = LgProducer::get())
-        _queue = producer->open(group, _level);
+    if (!LgLogState::isAvailable())
+        return {};
+    LgLimit* const limit = group.getLimit();
+    if (limit != nullptr && !limit->admits(level))
+    {
+        LgLosses::count(1);
+        return {};
+    }
+    LgProducer* const producer = LgProducer::get();
+    LgQueue* const queue = producer != nullptr ? producer->open(group.getNumber(), level) : nullptr;
+    if (producer == nullptr)
+        LgLosses::countForWantOfMemory(level);
+    if (queue == nullptr)
+        LgProducer::endIfDone();
+    return {queue, false};
 }
 
-void LgStatement::completeUnusual() noexcept
+void LgStatement::completeUnusual(LgQueue* queue, LgTypes::Level level) noexcept
 {
-    _queue->addEntry();
+    queue->addEntry();
     LgProducer::endIfDone();
-    if (_level <= LgTypes::FatalError)
+    if (level <= LgTypes::FatalError)
         LgLog::flushToDisk();
 }
 

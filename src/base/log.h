@@ -26,8 +26,6 @@
 #include <base/lgTypes.h>
 #include <base/lgValues.h>
 
-#include <cstdint>
-
 namespace Kr
 {
 
@@ -37,16 +35,14 @@ class KR_BASE_API LgStatement
 public:
     LgStatement(const LgMinorGroup& group, LgTypes::Level level)
         : _level(level)
+        , _place(group.isLevelEnabled(level) ? open(group, level) : Place())
     {
-        if (group.isLevelEnabled(level))
-            open(group.getNumber());
     }
 
     LgStatement(const LgMinorGroup* group, LgTypes::Level level)
         : _level(level)
+        , _place(group != nullptr && group->isLevelEnabled(level) ? open(*group, level) : Place())
     {
-        if (group != nullptr && group->isLevelEnabled(level))
-            open(group->getNumber());
     }
 
     LgStatement(const LgStatement&) = delete;
@@ -55,29 +51,36 @@ public:
     ~LgStatement() { close(); }
 
     /// False if the level is off or the message was dropped.
-    bool isOpen() const { return _queue != nullptr; }
+    bool isOpen() const { return _place.queue != nullptr; }
 
-    LgStream& getStream() { return _queue->getStream(); }
+    LgStream& getStream() { return _place.queue->getStream(); }
 
     void close()
     {
-        if (_queue == nullptr)
+        if (_place.queue == nullptr)
             return;
-        if (_isOrdinary)
-            _queue->addEntry();
+        if (_place.isOrdinary)
+            _place.queue->addEntry();
         else
-            completeUnusual();
-        _queue = nullptr;
+            completeUnusual(_place.queue, _level);
+        _place.queue = nullptr;
     }
 
 private:
-    void open(std::uint16_t group) noexcept;
-    void openUnusual(std::uint16_t group) noexcept;
-    void completeUnusual() noexcept;
+    /// Where the message goes. Passed by value, so that the compiler need not keep the statement in
+    /// memory.
+    struct Place
+    {
+        LgQueue* queue = nullptr;
+        bool isOrdinary = false; ///< nothing is left to do behind the message
+    };
+
+    static Place open(const LgMinorGroup& group, LgTypes::Level level) noexcept;
+    static Place openUnusual(const LgMinorGroup& group, LgTypes::Level level) noexcept;
+    static void completeUnusual(LgQueue* queue, LgTypes::Level level) noexcept;
 
     const LgTypes::Level _level;
-    bool _isOrdinary = false; // it costs what the queue costs, and nothing is left to do behind it
-    LgQueue* _queue = nullptr;
+    Place _place;
 };
 
 } // namespace Kr

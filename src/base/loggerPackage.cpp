@@ -52,6 +52,7 @@ const Setting<std::string> texts[] = {
     {"KR_LOG_DEFAULT_LEVEL", "logger.defaultLevel", "",
      "The threshold of groups not named in KR_LOG_GROUPS; Warning if not given"},
     {"KR_LOG_GROUPS", "logger.groups", "", "Thresholds of groups: Database=Warning,UI=Tracing"},
+    {"KR_LOG_LIMITS", "logger.limits", "", "Messages a second of groups: Database=100,UI=20"},
     {"KR_LOG_DIR", "logger.directory", "",
      "The log directory; by default among the temporary files"},
     {"KR_LOG_INTERNAL_ERROR", "logger.internalError", "file", destinationHelp},

@@ -1,5 +1,6 @@
 #include <base/threadName.h>
 
+#include <base/internal/errors/processIdentity.h>
 #include <base/internal/errors/threadLabel.h>
 
 #include <algorithm>
@@ -18,23 +19,12 @@ thread_local char ownName[ThreadName::size] = "";
 thread_local std::shared_ptr<ThreadLabel>* ownLabel = nullptr;
 thread_local bool isEnded = false;
 
-struct LabelEnd
+void onThreadEnd() noexcept
 {
-    LabelEnd() = default;
-    LabelEnd(const LabelEnd&) = delete;
-    LabelEnd& operator=(const LabelEnd&) = delete;
-
-    ~LabelEnd()
-    {
-        isEnded = true;
-        delete ownLabel;
-        ownLabel = nullptr;
-    }
-
-    void arm() {}
-};
-
-thread_local LabelEnd labelEnd;
+    isEnded = true;
+    delete ownLabel;
+    ownLabel = nullptr;
+}
 
 template <std::size_t size>
 void copyName(char (&to)[size], const char* name)
@@ -64,11 +54,8 @@ std::shared_ptr<ThreadLabel> ThreadLabel::ofCaller()
         return *ownLabel;
     auto label = std::make_shared<ThreadLabel>();
     label->set(ownName);
-    if (!isEnded)
-    {
-        labelEnd.arm();
+    if (!isEnded && ProcessIdentity::atThreadEnd(onThreadEnd))
         ownLabel = new std::shared_ptr<ThreadLabel>(label);
-    }
     return label;
 }
 

@@ -574,6 +574,12 @@ const char* krRegistryDetail() noexcept;
 
 #endif
 
+// The end of a thread, on every system
+
+/// Has `action` called when the calling thread ends, once, whoever asks how often; 0 if there is no
+/// memory for that. For at most four actions.
+BOOL krAtThreadEnd(void (*action)() noexcept) noexcept;
+
 // Processor identification, on every system
 
 #if defined(__i386__) || defined(__x86_64__)

@@ -5,6 +5,7 @@
 
 #include <base/inInitGuard.h>
 #include <base/internal/log/lgFile.h>
+#include <base/lgListener.h>
 #include <base/log.h>
 #include <base/osEnv.h>
 
@@ -13,8 +14,10 @@
 #include <atomic>
 #include <csignal>
 #include <cstdlib>
+#include <fstream>
 #include <map>
 #include <thread>
+#include <vector>
 
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -85,6 +88,123 @@ void forkedProcess()
     SCENARIO_CHECK(counts.size() == 4);
 }
 
+/// Two threads fork at once, and a listener hears the messages meanwhile: the thread that started
+/// the logger is known in its child, and no child waits for a lock that nobody holds.
+void forkInTwoThreads()
+{
+    int argc = 0;
+    const char* const* argv = nullptr;
+    const Kr::InInitGuard guard(argc, argv);
+    const Kr::LgMinorGroup group(Kr::LgMajorGroup::getInstanceForName("Test"), "Fork");
+    std::atomic<int> heard{0};
+    const Kr::LgListener listener([&](const Kr::LgMessage&) { ++heard; });
+    const auto forkSome = [&](bool isMain)
+    {
+        for (int i = 0; i < 30; ++i)
+        {
+            KR_LOG(group, Warning) << "parent";
+            const pid_t child = ::fork();
+            if (child == 0)
+            {
+                const bool isKnown = (Kr::LgLog::getQueue()->getThreadId() == 0) == isMain;
+                const Kr::LgListener own([](const Kr::LgMessage&) {});
+                KR_LOG(group, FatalError) << "child";
+                std::_Exit(isKnown ? 0 : 1);
+            }
+            int status = -1;
+            SCENARIO_CHECK(::waitpid(child, &status, 0) == child && status == 0);
+        }
+    };
+    std::thread other(forkSome, false);
+    forkSome(true);
+    other.join();
+}
+
+void forksOfTwoThreads()
+{
+    const LogTest::Folder folder;
+    Kr::OsEnv::putVariable(("KR_LOG_DIR=" + folder.getPath()).c_str());
+    SCENARIO_CHECK(std::system(("'" + ownPath + "' forkInTwoThreads").c_str()) == 0);
+    std::map<std::string, int> counts;
+    for (const std::string& line : LogTest::readLines(folder / "events.log"))
+        ++counts[LogTest::textOf(line)];
+    SCENARIO_CHECK(counts["parent"] == 60 && counts["child"] == 60);
+}
+
+/// How much address space the process may take beyond what it has.
+void limitMemory(rlim_t more)
+{
+    long pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    rlimit limit = {};
+    SCENARIO_CHECK(::getrlimit(RLIMIT_AS, &limit) == 0);
+    limit.rlim_cur = more == RLIM_INFINITY
+                         ? limit.rlim_max
+                         : static_cast<rlim_t>(pages * ::sysconf(_SC_PAGESIZE)) + more;
+    SCENARIO_CHECK(::setrlimit(RLIMIT_AS, &limit) == 0);
+}
+
+/// Threads for whose queues there is no memory: each message is in the file or told.
+void logInManyThreads(rlim_t memory)
+{
+    constexpr int numThreads = 200;
+    const std::uint64_t lostBefore = Kr::LgLog::getLostCount();
+    const LogTest::Folder folder;
+    Kr::OsEnv::putVariable(("KR_LOG_DIR=" + folder.getPath()).c_str());
+    Kr::LgLog::init();
+    {
+        const Kr::LgMinorGroup group(Kr::LgMajorGroup::getInstanceForName("Test"), "Memory");
+        std::atomic<int> waiting{0};
+        std::atomic<bool> mayGo{false};
+        std::vector<std::thread> threads;
+        for (int i = 0; i < numThreads; ++i)
+            threads.emplace_back(
+                [&]
+                {
+                    ++waiting;
+                    while (!mayGo)
+                        std::this_thread::yield();
+                    for (int n = 0; n < 10; ++n)
+                        KR_LOG(group, Warning) << "message " << n;
+                });
+        while (waiting != numThreads)
+            std::this_thread::yield();
+        limitMemory(memory);
+        mayGo = true;
+        for (std::thread& thread : threads)
+            thread.join();
+        limitMemory(RLIM_INFINITY);
+    }
+    Kr::LgLog::destroy();
+    std::uint64_t told = 0;
+    std::uint64_t written = 0;
+    for (const std::string& line : LogTest::readLines(folder / "events.log"))
+    {
+        unsigned long count = 0;
+        const std::string text = LogTest::textOf(line);
+        std::sscanf(text.c_str(), "%lu messages were lost", &count);
+        told += count;
+        written += text.find("message ") == 0 ? 1 : 0;
+    }
+    SCENARIO_CHECK(told != 0 && told == Kr::LgLog::getLostCount() - lostBefore);
+    SCENARIO_CHECK(written + told == 10 * numThreads);
+}
+
+void noMemoryForThreads()
+{
+    for (const rlim_t memory : {0, 100000, 1000000})
+    {
+        const pid_t child = ::fork(); // what one leaves free the next would find
+        if (child == 0)
+        {
+            logInManyThreads(memory);
+            std::_Exit(Scenario::failures());
+        }
+        int status = -1;
+        SCENARIO_CHECK(::waitpid(child, &status, 0) == child && status == 0);
+    }
+}
+
 void limitFileSize(rlim_t size)
 {
     rlimit limit = {};
@@ -120,8 +240,9 @@ void fullDisk()
 int main(int argc, char** argv)
 {
     ownPath = argv[0];
-    const Scenario::Case cases[] = {{"forkedProcess", forkedProcess},
-                                    {"logOnBothSides", logOnBothSides},
-                                    {"fullDisk", fullDisk}};
+    const Scenario::Case cases[] = {
+        {"forkedProcess", forkedProcess},           {"logOnBothSides", logOnBothSides},
+        {"forksOfTwoThreads", forksOfTwoThreads},   {"forkInTwoThreads", forkInTwoThreads},
+        {"noMemoryForThreads", noMemoryForThreads}, {"fullDisk", fullDisk}};
     return Scenario::run(cases, argc, argv);
 }

@@ -395,7 +395,99 @@ void spansCutShort()
     std::_Exit(0);
 }
 
+/// A thread that outlives the logger, with a group of either kind, through two of its lives.
+void logAfterTheStop()
+{
+    std::optional<Program> program(std::in_place);
+    const Kr::LgMinorGroup group = program->group;
+    std::atomic<bool> isStopping{false};
+    std::atomic<int> rounds{0};
+    std::thread other(
+        [&]
+        {
+            for (; !isStopping; ++rounds)
+            {
+                KR_LOG(group, Warning) << "message";
+                KR_LOG(selfOwned, Warning) << "message";
+            }
+        });
+    const auto waitForRounds = [&]
+    {
+        for (const int end = rounds + 100; rounds < end;)
+            std::this_thread::yield();
+    };
+    waitForRounds();
+    program.reset();
+    std::string filler; // takes the memory of what the stop has freed
+    for (int i = 0; i < 10000; ++i)
+        filler += std::make_unique<std::string>(64, 'x')->back();
+    waitForRounds();
+    SCENARIO_CHECK(!group.isLevelEnabled(Kr::LgTypes::InternalError));
+    Kr::LgLog::init();
+    SCENARIO_CHECK(&Kr::LgMajorGroup::getInstanceForName("Test") != nullptr);
+    SCENARIO_CHECK(group.isLevelEnabled(Kr::LgTypes::Warning));
+    waitForRounds();
+    isStopping = true;
+    other.join();
+    Kr::LgLog::destroy();
+}
+
+/// More than the limits of the groups allow.
+void exceedLimits()
+{
+    std::optional<Program> program(std::in_place);
+    const Kr::LgMinorGroup other(Kr::LgMajorGroup::getInstanceForName("Free"), "Free");
+    const unsigned long long start = Kr::HwCounter::timeStamp();
+    do
+    {
+        KR_LOG(program->group, Warning) << "limited";
+        KR_LOG(program->group, Error) << "more severe";
+        KR_LOG(other, Warning) << "free";
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    } while (Kr::HwCounter::seconds(start, Kr::HwCounter::timeStamp()) < 1.2);
+    KR_LOG(program->group, FatalError) << "fatal";
+    program.reset();
+    std::printf("lost %lu\n", static_cast<unsigned long>(Kr::LgLog::getLostCount()));
+}
+
+/// A flood of tracing, then warnings and errors, into a queue that nobody reads meanwhile.
+void fillTheQueue(const Kr::LgMinorGroup& group, std::size_t size, int warnings, int errors)
+{
+    std::atomic<bool> isReading{false};
+    std::atomic<bool> mayGoOn{false};
+    const Kr::LgListener listener(
+        [&](const Kr::LgMessage&)
+        {
+            isReading = true;
+            while (!mayGoOn)
+                std::this_thread::yield();
+        });
+    KR_LOG(group, Informational) << "stops the reader";
+    while (!isReading)
+        std::this_thread::yield();
+    const std::string text(size, 'x');
+    for (int i = 0; i < 2000; ++i)
+        KR_LOG(group, Tracing) << text.c_str();
+    for (int i = 0; i < warnings; ++i)
+        KR_LOG(group, Warning) << text.c_str();
+    for (int i = 0; i < errors; ++i)
+        KR_LOG(group, Error) << text.c_str();
+    mayGoOn = true;
+    Kr::LgLog::flush();
+}
+
+/// Of messages, then of characters.
+void fillTheQueues()
+{
+    const Program program;
+    fillTheQueue(program.group, 10, 90, 30);
+    fillTheQueue(program.group, 500, 5, 2);
+}
+
 constexpr Scenario::Case programs[] = {
+    {"fillTheQueues", fillTheQueues},
+    {"logAfterTheStop", logAfterTheStop},
+    {"exceedLimits", exceedLimits},
     {"endNormally", endNormally},
     {"endByExit", endByExit},
     {"endByExitWithStatics", endByExitWithStatics},
@@ -704,6 +796,70 @@ void timeline()
     SCENARIO_CHECK(!before.empty() && readFile(folder / "earlier.json") == before);
 }
 
+void afterTheStop()
+{
+    const LogFolder folder;
+    SCENARIO_CHECK(start(folder, "logAfterTheStop") == 0);
+    SCENARIO_CHECK(contains(readFile(folder / "events.log"), "message"));
+}
+
+/// Each level has its own limit in each second; what was withheld is told and counted.
+void limited()
+{
+    const LogFolder folder;
+    set("KR_LOG_LIMITS", "Test=20,Other=x");
+    SCENARIO_CHECK(start(folder, "exceedLimits") == 0);
+    std::map<std::string, unsigned long> counts;
+    unsigned long withheld = 0;
+    for (const std::string& text : textsIn(folder / "events.log"))
+    {
+        unsigned long number = 0;
+        unsigned long errors = 0;
+        unsigned long warnings = 0;
+        const bool isReport = std::sscanf(text.c_str(),
+                                          "%lu messages were withheld, above the limit of 20 a "
+                                          "second: %lu Error, %lu Warning",
+                                          &number, &errors, &warnings) == 3;
+        SCENARIO_CHECK(isReport == (number != 0) && number == errors + warnings);
+        withheld += number;
+        ++counts[isReport ? "report" : text];
+    }
+    const unsigned long sent = counts["free"];
+    SCENARIO_CHECK(counts["limited"] >= 20 && counts["limited"] <= 60 && sent > 100);
+    SCENARIO_CHECK(counts["limited"] + counts["more severe"] + withheld == 2 * sent);
+    SCENARIO_CHECK(counts["fatal"] == 1 && counts["report"] >= 1 && counts["report"] <= 4);
+    const std::string output = readFile(folder / "out");
+    SCENARIO_CHECK(contains(output, "Invalid value for KR_LOG_LIMITS: Other=x"));
+    SCENARIO_CHECK(contains(output, "lost " + std::to_string(withheld) + "\n"));
+}
+
+/// Tracing gives way: every warning and error is there, and the record tells of which level the
+/// lost ones were.
+void severity()
+{
+    const LogFolder folder;
+    set("KR_LOG_DEFAULT_LEVEL", "Tracing");
+    SCENARIO_CHECK(start(folder, "fillTheQueues") == 0);
+    std::map<std::string, int> counts;
+    std::map<std::string, int> lost;
+    for (const std::string& line : readLines(folder / "events.log"))
+    {
+        const std::string level = line.substr(29, line.find("  ", 29) - 29);
+        const std::string text = textOf(line);
+        int sum = 0;
+        int tracing = 0;
+        char last = '?';
+        if (std::sscanf(text.c_str(), "Event overflow [%d]: %d Tracin%c", &sum, &tracing, &last) ==
+            3)
+            lost[sum == tracing && last == 'g' ? "Tracing" : text] += sum;
+        else if (text[0] == 'x' || text == "#")
+            ++counts[level];
+    }
+    SCENARIO_CHECK(counts["Warning"] == 90 + 5 && counts["Error"] == 30 + 2);
+    SCENARIO_CHECK(counts["Tracing"] + lost["Tracing"] == 2 * 2000 && lost.size() == 1);
+    SCENARIO_CHECK(counts["Tracing"] > 850 + 50);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -728,6 +884,9 @@ int main(int argc, char** argv)
         {"statementForm", statementForm},
         {"unwritable", unwritable},
         {"timeline", timeline},
+        {"afterTheStop", afterTheStop},
+        {"limited", limited},
+        {"severity", severity},
     };
     return Scenario::run(cases, argc, argv);
 }

@@ -18,6 +18,11 @@ public:
     /// Has `before` called in the thread that forks the process, then `inParent` or `inChild`; on a
     /// system that has no fork, nothing is ever called. Once in a process.
     static void onFork(void (*before)(), void (*inParent)(), void (*inChild)()) noexcept;
+
+    /// Has `action` called when the calling thread ends, once, whoever asks how often; its
+    /// thread-local objects may go before that or after. Not where the end of the process ends it.
+    /// False if there is no memory for that, or the process is ending.
+    static bool atThreadEnd(void (*action)() noexcept) noexcept;
 };
 
 } // namespace Kr

@@ -20,4 +20,9 @@ void ProcessIdentity::onFork(void (*before)(), void (*inParent)(), void (*inChil
     krOnFork(before, inParent, inChild);
 }
 
+bool ProcessIdentity::atThreadEnd(void (*action)() noexcept) noexcept
+{
+    return krAtThreadEnd(action) != 0;
+}
+
 } // namespace Kr

@@ -19,7 +19,7 @@ public:
     static constexpr std::size_t size = 32; ///< of a name, its terminator included
 
     /// That of the calling thread; it follows what the thread is called from then on. A thread that
-    /// is ending gets one of its own each time.
+    /// is ending, or whose end nothing will tell of, gets one of its own each time.
     static std::shared_ptr<ThreadLabel> ofCaller();
 
     void set(const char* name);

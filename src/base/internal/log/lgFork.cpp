@@ -3,39 +3,41 @@
 #include <base/internal/errors/processIdentity.h>
 #include <base/internal/log/lgGroupNames.h>
 #include <base/internal/log/lgLogState.h>
+#include <base/lgListener.h>
 
 namespace Kr
 {
 
-namespace
-{
+bool LgFork::_isMainForking = false;
 
-bool isMainForking = false;
-
-void beforeFork()
+/// Several threads may fork at once: they do it one after the other.
+void LgFork::prepare()
 {
-    isMainForking = LgLogState::isMainThread();
     LgLogState::lockForFork();
+    LgListener::lockForFork();
     LgGroupNames::getMutex().lock();
+    _isMainForking = LgLogState::isMainThread();
 }
 
-void inParent()
+void LgFork::goOnInParent()
 {
     LgGroupNames::getMutex().unlock();
+    LgListener::unlockInParent();
     LgLogState::unlockAfterFork();
 }
 
-void inChild()
+void LgFork::goOnInChild()
 {
-    LgLogState::beginForkedSession(isMainForking);
-    inParent();
+    LgLogState::beginForkedSession(_isMainForking);
+    LgGroupNames::getMutex().unlock();
+    LgListener::unlockInChild();
+    LgLogState::unlockAfterFork();
 }
-
-} // namespace
 
 void LgFork::install()
 {
-    static const bool isInstalled = (ProcessIdentity::onFork(beforeFork, inParent, inChild), true);
+    static const bool isInstalled =
+        (ProcessIdentity::onFork(prepare, goOnInParent, goOnInChild), true);
     static_cast<void>(isInstalled);
 }
 

@@ -7,11 +7,19 @@
 
 namespace Kr
 {
-namespace LgFork
+
+class LgFork
 {
+public:
+    /// Once and for all: later calls do nothing.
+    static void install();
 
-/// Once and for all: later calls do nothing.
-void install();
+private:
+    static void prepare();
+    static void goOnInParent();
+    static void goOnInChild();
 
-} // namespace LgFork
+    static bool _isMainForking; // guarded by the locks that a fork holds
+};
+
 } // namespace Kr

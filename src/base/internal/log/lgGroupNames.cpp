@@ -1,6 +1,8 @@
 #include <base/internal/log/lgGroupNames.h>
 
-#include <deque>
+#include <base/internal/errors/immortal.h>
+
+#include <atomic>
 #include <limits>
 #include <mutex>
 #include <string>
@@ -14,19 +16,20 @@ namespace
 
 constexpr std::uint16_t lastNumber = std::numeric_limits<std::uint16_t>::max();
 
-/// Never destroyed: threads may log while the process ends.
+/// Threads may log while the process ends.
 struct Names
 {
     std::mutex mutex;
-    std::deque<std::string> texts = {""}; // by number; what is in it stays where it is
-    std::unordered_map<std::string_view, std::uint16_t> numbers;
+    std::unordered_map<std::string, std::uint16_t> numbers;
 };
 
 Names& names()
 {
-    static Names& instance = *new Names;
-    return instance;
+    static Immortal<Names> instance;
+    return *instance;
 }
+
+std::atomic<const std::string*> texts[lastNumber]; // by number: keys of `numbers`
 
 } // namespace
 
@@ -38,20 +41,25 @@ std::mutex& LgGroupNames::getMutex()
 std::uint16_t LgGroupNames::getNumber(const char* name)
 {
     const std::lock_guard<std::mutex> lock(names().mutex);
-    const auto found = names().numbers.find(name);
+    std::string text = name;
+    const auto found = names().numbers.find(text);
     if (found != names().numbers.end())
         return found->second;
-    const std::size_t count = names().texts.size();
-    if (count == lastNumber)
+    const std::size_t number = names().numbers.size() + 1;
+    if (number == lastNumber)
         return lastNumber;
-    const std::string& text = names().texts.emplace_back(name);
-    return names().numbers[text] = static_cast<std::uint16_t>(count);
+    const auto added =
+        names().numbers.emplace(std::move(text), static_cast<std::uint16_t>(number)).first;
+    texts[number].store(&added->first, std::memory_order_release);
+    return added->second;
 }
 
-std::string_view LgGroupNames::getName(std::uint16_t number)
+std::string_view LgGroupNames::getName(std::uint16_t number) noexcept
 {
-    const std::lock_guard<std::mutex> lock(names().mutex);
-    return number == lastNumber ? "(other)" : std::string_view(names().texts.at(number));
+    if (number == lastNumber)
+        return "(other)";
+    const std::string* const text = texts[number].load(std::memory_order_acquire);
+    return text != nullptr ? std::string_view(*text) : std::string_view();
 }
 
 } // namespace Kr

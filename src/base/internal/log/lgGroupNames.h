@@ -21,8 +21,8 @@ std::uint16_t getNumber(const char* name);
 /// To be held while the process forks.
 std::mutex& getMutex();
 
-/// The name of that number, for the life of the process; empty for 0.
-std::string_view getName(std::uint16_t number);
+/// The name of that number, for the life of the process; empty for 0. Neither locks nor allocates.
+std::string_view getName(std::uint16_t number) noexcept;
 
 } // namespace LgGroupNames
 } // namespace Kr

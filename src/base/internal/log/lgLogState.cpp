@@ -1,6 +1,8 @@
 #include <base/internal/log/lgLogState.h>
 
+#include <base/internal/errors/immortal.h>
 #include <base/internal/errors/processIdentity.h>
+#include <base/internal/log/lgLosses.h>
 #include <base/internal/log/lgReaderThread.h>
 #include <base/internal/log/lgThread.h>
 
@@ -8,6 +10,7 @@
 #include <chrono>
 #include <exception>
 #include <mutex>
+#include <new>
 #include <thread>
 
 namespace Kr
@@ -21,24 +24,23 @@ std::size_t drainToBuffers() noexcept
     return LgLogState::drain(LgDrain::toBuffers);
 }
 
-/// Never destroyed: threads may log while the process ends.
+/// Threads may log while the process ends.
 struct State
 {
     std::mutex draining; // held by whoever drains; taken before `pointer`
     std::mutex pointer;  // guards `session` against those who add to it
     LgSession* session = nullptr;
     std::uint32_t lastNumber = 0;
-    std::atomic<std::uint64_t> lost{0};
     std::uint64_t cut = 0; // in sessions that have ended
     std::atomic<bool> isBlocking{false};
     std::atomic<unsigned long> mainThread{0}; // the one that started the session
-    std::atomic<LgReaderThread*> readerThread{new LgReaderThread(drainToBuffers)};
+    LgReaderThread readerThread{drainToBuffers};
 };
 
 State& state()
 {
-    static State& instance = *new State;
-    return instance;
+    static Immortal<State> instance;
+    return *instance;
 }
 
 /// The caller holds the lock.
@@ -48,20 +50,17 @@ std::size_t drainSession(LgDrain how) noexcept
     if (session == nullptr)
         return 0;
     const LgThread::OutputGuard guard;
-    try
-    {
-        return session->drain(how);
-    }
-    catch (const std::exception&)
-    {
-        LgLogState::countLost(1); // memory is short: the others wait
-        return 0;
-    }
+    return session->drain(how);
 }
 
 } // namespace
 
 std::atomic<std::uint32_t> LgLogState::_number{0};
+
+bool LgLogState::isAvailable() noexcept
+{
+    return _number != 0 && !LgThread::get().isInOutput;
+}
 
 bool LgLogState::isMainThread() noexcept
 {
@@ -94,23 +93,16 @@ bool LgLogState::addRing(std::uint32_t sessionNumber, const std::shared_ptr<LgSp
 void LgLogState::startReader(std::uint32_t sessionNumber) noexcept
 {
     const std::lock_guard<std::mutex> lock(state().pointer);
-    if (_number == sessionNumber)
-        state().readerThread.load()->start();
+    if (_number == sessionNumber && sessionNumber != 0)
+        state().readerThread.start();
 }
 
 void LgLogState::wakeReader() noexcept
 {
-    state().readerThread.load()->wake();
-}
-
-void LgLogState::countLost(std::uint64_t count) noexcept
-{
-    state().lost.fetch_add(count, std::memory_order_relaxed);
-}
-
-bool LgLogState::mayDrain() noexcept
-{
-    return !LgThread::get().isInOutput && _number != 0;
+    if (state().readerThread.isStarted())
+        state().readerThread.wake();
+    else
+        startReader(getSessionNumber());
 }
 
 std::size_t LgLogState::drain(LgDrain how) noexcept
@@ -144,8 +136,9 @@ void LgLogState::start(std::unique_ptr<LgSession> session)
     _number = ++state().lastNumber;
 }
 
-/// The number goes first, so that nothing new is logged and no reader started. Messages that were
-/// being written just then are given a second chance.
+/// The number goes first, so that nothing new is logged and no reader started; then those are
+/// turned away that find their queue without asking. Messages that were being written just then are
+/// given a second chance.
 void LgLogState::stop()
 {
     {
@@ -154,15 +147,16 @@ void LgLogState::stop()
     }
     if (state().session == nullptr)
         return;
-    state().readerThread.load()->stop();
+    state().readerThread.stop();
     const std::lock_guard<std::mutex> draining(state().draining);
+    state().session->getRegistry().leaveQueues();
     drainSession(LgDrain::toSystem);
     drainSession(LgDrain::toSystem);
     const std::lock_guard<std::mutex> lock(state().pointer);
     const std::unique_ptr<LgSession> session(state().session);
     state().session = nullptr;
     session->close();
-    countLost(session->getLostCount());
+    LgLosses::count(session->getLostCount());
     state().cut += session->getCutCount();
 }
 
@@ -171,7 +165,7 @@ std::uint64_t LgLogState::getLostCount()
     const std::lock_guard<std::mutex> lock(state().pointer);
     const std::uint64_t inSession =
         state().session != nullptr ? state().session->getLostCount() : 0;
-    return state().lost + inSession;
+    return LgLosses::getTotal() + inSession;
 }
 
 std::uint64_t LgLogState::getCutCount()
@@ -204,16 +198,26 @@ void LgLogState::unlockAfterFork() noexcept
         state().draining.unlock();
 }
 
-void LgLogState::beginForkedSession(bool isMainThread)
+/// The parent's reader thread is not there, so nothing of it can be destroyed. Without memory for
+/// a session the child logs nothing.
+void LgLogState::beginForkedSession(bool isMainThread) noexcept
 {
-    state().readerThread = new LgReaderThread(drainToBuffers, state().readerThread);
-    if (state().session != nullptr)
+    ::new (&state().readerThread) LgReaderThread(drainToBuffers);
+    if (isMainThread)
+        state().mainThread = ProcessIdentity::getThreadId();
+    if (state().session == nullptr)
+        return;
+    state().session->getRegistry().leaveQueues();
+    try
     {
         state().session = LgSession::forFork(state().session);
         _number = ++state().lastNumber;
     }
-    if (isMainThread)
-        state().mainThread = ProcessIdentity::getThreadId();
+    catch (const std::exception&)
+    {
+        state().session = nullptr;
+        _number = 0;
+    }
 }
 
 } // namespace Kr

@@ -24,6 +24,10 @@ public:
         return _number.load(std::memory_order_acquire);
     }
 
+    /// Whether the calling thread can log and drain: not inside the logger's own output, nor while
+    /// the logger is not up.
+    static bool isAvailable() noexcept;
+
     /// Whether the calling thread is the one that started the session.
     static bool isMainThread() noexcept;
     static bool isBlocking() noexcept;
@@ -35,17 +39,10 @@ public:
     /// Starts the thread that drains the session of that number, unless it runs or that has ended.
     static void startReader(std::uint32_t sessionNumber) noexcept;
 
-    /// Has that thread drain at once.
+    /// Has that thread drain at once; starts it if that was not possible before.
     static void wakeReader() noexcept;
 
-    /// Counts messages that neither a queue nor an output counts.
-    static void countLost(std::uint64_t count) noexcept;
-
     // For those who drain
-
-    /// Whether the calling thread can: not inside the logger's own output, nor while the logger is
-    /// not up.
-    static bool mayDrain() noexcept;
 
     /// Drains the session. Returns how many events there were.
     static std::size_t drain(LgDrain how) noexcept;
@@ -72,7 +69,7 @@ public:
 
     /// Replaces the session by one that goes on in the child. The caller holds the locks.
     /// @param isMainThread whether the thread that forked had started the session
-    static void beginForkedSession(bool isMainThread);
+    static void beginForkedSession(bool isMainThread) noexcept;
 
 private:
     static std::atomic<std::uint32_t> _number;

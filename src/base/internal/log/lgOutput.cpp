@@ -2,6 +2,7 @@
 
 #include <base/hwCounter.h>
 #include <base/internal/log/lgStandardStream.h>
+#include <base/internal/log/lgTry.h>
 
 #include <algorithm>
 #include <limits>
@@ -38,18 +39,11 @@ LgOutput::LgOutput(std::unique_ptr<LgFile> file, const std::string& name, LgLine
 
 LgOutput::~LgOutput()
 {
-    try
-    {
-        close();
-    }
-    catch (const std::bad_alloc&)
-    {
-        dropAll();
-    }
+    close();
 }
 
 /// Where the waiting lines find no room, the record that counts them may.
-void LgOutput::close()
+void LgOutput::close() noexcept
 {
     flush(true);
     if (_unreported == 0 && _waiting.empty())
@@ -59,29 +53,46 @@ void LgOutput::close()
     const std::uint64_t untold = _unreported;
     reportLoss();
     if (isTorn)
-        _waiting.insert(0, 1, '\n');
+        lgTry([this] { _waiting.insert(0, 1, '\n'); });
     if (untold == 0 || writeWaiting())
         return;
-    LgStandardStream::complain(std::to_string(untold) +
-                               " messages were lost: the log could not be written to " + _name +
-                               '\n');
+    lgTry(
+        [&]
+        {
+            LgStandardStream::complain(std::to_string(untold) +
+                                       " messages were lost: the log could not be written to " +
+                                       _name + "\n");
+        });
     _waiting.clear();
     _reports.clear();
 }
 
-void LgOutput::write(const LgRecord& record)
+void LgOutput::write(const LgRecord& record) noexcept
 {
-    _format.append(_waiting, record);
-    if (record.lost != 0)
-        _reports.push_back({_waiting.size(), record.lost});
+    const std::size_t before = _waiting.size();
+    if (!lgTry([&] { append(record); }))
+    {
+        _waiting.resize(before);
+        if (!_isFailing && _unreported == 0)
+            _outageStamp = record.timeStamp;
+        _lost += record.lost == 0 ? 1 : 0;
+        _unreported += record.lost == 0 ? 1 : static_cast<std::uint64_t>(record.lost);
+    }
     if (_waiting.size() >= _maxBatch)
         flush();
     while (_waiting.size() > maxWaiting && makeRoom())
         continue;
 }
 
-/// Drops the oldest lines, a batch at a time: what was logged last tells most. Returns whether
-/// there was one.
+void LgOutput::append(const LgRecord& record)
+{
+    _format.append(_waiting, record);
+    if (record.lost != 0)
+        _reports.push_back({_waiting.size(), record.lost});
+}
+
+/// Drops the oldest lines, a batch at a time: what was logged last tells most.
+/// Returns whether there was one.
 bool LgOutput::makeRoom()
 {
     const std::size_t begin = getRestOfLine();
@@ -116,7 +127,7 @@ void LgOutput::drop(std::size_t begin, std::size_t end)
     takeOut(begin, end);
 }
 
-void LgOutput::flush(bool now)
+void LgOutput::flush(bool now) noexcept
 {
     if (_waiting.empty() && _unreported == 0)
         return rest();
@@ -138,7 +149,7 @@ void LgOutput::rest()
     _file->rest();
 }
 
-void LgOutput::sync()
+void LgOutput::sync() noexcept
 {
     flush(true);
     if (!_file->sync() && !_isFailing)
@@ -201,32 +212,30 @@ void LgOutput::beginOutage()
         _outageStamp = HwCounter::timeStamp();
     _isFailing = true;
     _nextTry = std::chrono::steady_clock::now() + retryInterval;
-    if (_hasComplained)
-        return;
-    try
-    {
-        LgStandardStream::complain("The log cannot be written to " + _name + ": " +
-                                   _file->getProblem() +
-                                   " Messages that find no room are counted.\n");
-        _hasComplained = true;
-    }
-    catch (const std::bad_alloc&)
-    {
-        // said at the next failure, when there is memory
-    }
+    if (!_hasComplained)
+        _hasComplained = lgTry([this] { complainOfOutage(); });
+}
+
+void LgOutput::complainOfOutage()
+{
+    LgStandardStream::complain("The log cannot be written to " + _name + ": " +
+                               _file->getProblem() + " Messages that find no room are counted.\n");
 }
 
 /// Puts a record that tells of the lost messages where they would stand, before those that wait.
 void LgOutput::reportLoss()
 {
-    if (_unreported == 0)
-        return;
+    if (_unreported != 0 && lgTry([this] { insertLossReport(); }))
+        _unreported = 0;
+}
+
+void LgOutput::insertLossReport()
+{
     const std::string text =
         std::to_string(_unreported) + " messages were lost: the log could not be written";
     const auto lost =
         static_cast<int>(std::min<std::uint64_t>(_unreported, std::numeric_limits<int>::max()));
     insertReport({LgTypes::Warning, _outageStamp, 0, "Logger", text, lost});
-    _unreported = 0;
 }
 
 /// Before the lines that wait, behind the rest of one that was begun.
@@ -235,6 +244,7 @@ void LgOutput::insertReport(const LgRecord& record)
     std::string line;
     _format.append(line, record);
     const std::size_t begin = getRestOfLine();
+    _reports.reserve(_reports.size() + 1);
     _waiting.insert(begin, line);
     for (Report& report : _reports)
         if (report.end > begin)
@@ -244,9 +254,13 @@ void LgOutput::insertReport(const LgRecord& record)
 
 void LgOutput::takeNews()
 {
-    const std::string news = _file->takeNews();
-    if (!news.empty())
-        insertReport({LgTypes::Warning, HwCounter::timeStamp(), 0, "Logger", news, 0});
+    lgTry(
+        [this]
+        {
+            const std::string news = _file->takeNews();
+            if (!news.empty())
+                insertReport({LgTypes::Warning, HwCounter::timeStamp(), 0, "Logger", news, 0});
+        });
 }
 
 } // namespace Kr

@@ -43,16 +43,17 @@ public:
     ~LgOutput();
 
     /// Writes what waits, as far as that is possible; the rest is lost.
-    void close();
+    void close() noexcept;
 
-    /// Puts the record into the buffer, and a full buffer into the file.
-    void write(const LgRecord& record);
+    /// Puts the record into the buffer, and a full buffer into the file. Where there is no memory
+    /// for that, the record is lost.
+    void write(const LgRecord& record) noexcept;
 
     /// Writes the buffer. After a failure the next try is made a little later, unless `now` is set.
-    void flush(bool now = false);
+    void flush(bool now = false) noexcept;
 
     /// Writes the buffer and returns when it is on the disk.
-    void sync();
+    void sync() noexcept;
 
     /// How many messages were lost here: records that report others' loss do not count. May be
     /// called by any thread.
@@ -66,6 +67,7 @@ private:
         int lost;
     };
 
+    void append(const LgRecord& record);
     void rest();
     bool makeRoom();
     void dropAll();
@@ -76,7 +78,9 @@ private:
     std::size_t getRestOfLine() const;
     void takeOut(std::size_t begin, std::size_t end);
     void beginOutage();
+    void complainOfOutage();
     void reportLoss();
+    void insertLossReport();
     void insertReport(const LgRecord& record);
     void takeNews();
 

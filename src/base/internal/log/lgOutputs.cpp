@@ -75,25 +75,25 @@ void LgOutputs::setOutput(LgTypes::Level level, std::shared_ptr<LgOutput> output
             _distinctOutputs.push_back(each.get());
 }
 
-void LgOutputs::write(const LgRecord& record)
+void LgOutputs::write(const LgRecord& record) noexcept
 {
     if (_outputs[record.level] != nullptr)
         _outputs[record.level]->write(record);
 }
 
-void LgOutputs::flush(bool now)
+void LgOutputs::flush(bool now) noexcept
 {
     for (LgOutput* output : _distinctOutputs)
         output->flush(now);
 }
 
-void LgOutputs::sync()
+void LgOutputs::sync() noexcept
 {
     for (LgOutput* output : _distinctOutputs)
         output->sync();
 }
 
-void LgOutputs::close()
+void LgOutputs::close() noexcept
 {
     for (LgOutput* output : _distinctOutputs)
         output->close();

@@ -34,16 +34,16 @@ public:
     void setOutput(LgTypes::Level level, std::shared_ptr<LgOutput> output);
 
     /// Puts the record into the buffer of its level's output.
-    void write(const LgRecord& record);
+    void write(const LgRecord& record) noexcept;
 
     /// Writes what the outputs hold in their buffers.
-    void flush(bool now);
+    void flush(bool now) noexcept;
 
     /// The same, and returns when it is on the disk.
-    void sync();
+    void sync() noexcept;
 
     /// Writes what can be written; the rest counts as lost.
-    void close();
+    void close() noexcept;
 
     /// How many records the outputs have lost. May be called by any thread.
     std::uint64_t getLostCount() const;

@@ -3,10 +3,13 @@
 #include <base/internal/errors/processIdentity.h>
 #include <base/internal/errors/threadLabel.h>
 #include <base/internal/log/lgLogState.h>
+#include <base/internal/log/lgLosses.h>
 #include <base/internal/log/lgThreadSlot.h>
 #include <base/lgTimeline.h>
 
+#include <algorithm>
 #include <atomic>
+#include <exception>
 #include <new>
 #include <thread>
 
@@ -27,7 +30,7 @@ bool hasRoom(const LgQueue& queue)
 /// The producer that waits does the reader's work meanwhile, if nobody else is doing it.
 void waitForRoom(const LgQueue& queue)
 {
-    while (!hasRoom(queue) && LgLogState::mayDrain())
+    while (!hasRoom(queue) && LgLogState::isAvailable())
     {
         LgLogState::drain(LgDrain::toBuffers);
         std::this_thread::yield();
@@ -49,7 +52,7 @@ void discardQueue(LgQueue* queue)
     {
         const LgQueue::Entry& entry = queue->readEntry();
         const int count = entry.isOverflowEntry() ? entry.getOverflowCount() : 1;
-        LgLogState::countLost(static_cast<std::uint64_t>(count));
+        LgLosses::count(static_cast<std::uint64_t>(count));
     }
     delete queue;
 }
@@ -63,33 +66,21 @@ std::atomic<LgProducer*> mainProducer{nullptr};
 
 /// Ends the producer of its thread. That of the main thread lives on with the session: static
 /// objects may log while they are destroyed.
-struct ProducerEnd
+void onThreadEnd() noexcept
 {
-    ProducerEnd() = default;
-    ProducerEnd(const ProducerEnd&) = delete;
-    ProducerEnd& operator=(const ProducerEnd&) = delete;
-
-    ~ProducerEnd()
-    {
-        if (producer == nullptr ||
-            (LgLogState::isMainThread() && LgLogState::getSessionNumber() != 0))
-            return;
-        isEnded = true;
-        LgProducer::end();
-    }
-
-    void arm() {}
-};
-
-thread_local ProducerEnd producerEnd;
+    if (producer == nullptr || (LgLogState::isMainThread() && LgLogState::getSessionNumber() != 0))
+        return;
+    isEnded = true;
+    LgProducer::end();
+}
 
 } // namespace
 
 LgProducer* LgProducer::get() noexcept
 {
-    const std::uint32_t number = LgLogState::getSessionNumber();
-    if (number == 0 || LgThread::get().isInOutput)
+    if (!LgLogState::isAvailable())
         return nullptr;
+    const std::uint32_t number = LgLogState::getSessionNumber();
     if (producer != nullptr && producer->_sessionNumber == number)
         return producer;
     return joinCaller(number);
@@ -97,7 +88,11 @@ LgProducer* LgProducer::get() noexcept
 
 LgProducer* LgProducer::getLasting() noexcept
 {
-    return isEnded ? nullptr : get();
+    LgProducer* const caller = isEnded ? nullptr : get();
+    if (caller == nullptr || !caller->_isForOneMessage)
+        return caller;
+    endIfDone();
+    return nullptr;
 }
 
 void LgProducer::end() noexcept
@@ -112,11 +107,12 @@ void LgProducer::end() noexcept
 LgProducer* LgProducer::joinCaller(std::uint32_t sessionNumber) noexcept
 {
     if (producer == nullptr)
-        producer = new (std::nothrow) LgProducer(isEnded);
+    {
+        const bool isForOneMessage = isEnded || !ProcessIdentity::atThreadEnd(onThreadEnd);
+        producer = new (std::nothrow) LgProducer(isForOneMessage);
+    }
     if (producer == nullptr)
         return nullptr;
-    if (!isEnded)
-        producerEnd.arm();
     const bool isMain = LgLogState::isMainThread();
     if (isMain)
         mainProducer = producer;
@@ -150,32 +146,51 @@ LgSpanRing* LgProducer::getRing() noexcept
         if (LgLogState::addRing(_sessionNumber, ring))
             _ring = std::move(ring);
     }
-    catch (const std::bad_alloc&)
+    catch (const std::exception&)
     {
+        // Memory is short.
     }
     return _ring.get();
 }
 
-/// Fatal and internal errors make room for themselves in any mode.
+/// Fatal and internal errors make room for themselves in any mode. Where nobody waits, less severe
+/// messages leave some to the severer ones.
 LgQueue* LgProducer::open(std::uint16_t group, LgTypes::Level level) noexcept
 {
     LgQueue* queue = findFreeQueue();
     if (queue == nullptr)
     {
-        LgLogState::countLost(1);
+        countUnqueued(level);
         return nullptr;
     }
+    const bool mayWait = level <= LgTypes::FatalError || LgLogState::isBlocking();
     if (level <= LgTypes::FatalError)
         waitForRoom(*queue);
     else
         queue->waitForSpace(1);
-    return queue->reserveGroupEntry(level, group) ? queue : nullptr;
+    return queue->reserve(level, group, mayWait ? LgTypes::InternalError : level) ? queue : nullptr;
+}
+
+/// There was no memory for a queue, or the session has just ended.
+void LgProducer::countUnqueued(LgTypes::Level level) const noexcept
+{
+    if (_sessionNumber == LgLogState::getSessionNumber())
+        LgLosses::countForWantOfMemory(level);
+    else
+        LgLosses::count(1);
 }
 
 void LgProducer::endIfDone() noexcept
 {
-    if (producer != nullptr && producer->_isForOneMessage && !producer->_queues[0]->isReserved())
+    if (producer != nullptr && producer->_isForOneMessage && !producer->isWriting())
         end();
+}
+
+bool LgProducer::isWriting() const noexcept
+{
+    return std::any_of(_queues.begin(), _queues.end(),
+                       [](const std::shared_ptr<LgQueue>& queue)
+                       { return queue != nullptr && queue->isReserved(); });
 }
 
 void LgProducer::leave() noexcept
@@ -203,8 +218,9 @@ LgQueue* LgProducer::getQueue(std::size_t depth) noexcept
         if (depth == 0)
             showQueue();
     }
-    catch (const std::bad_alloc&)
+    catch (const std::exception&)
     {
+        // Memory is short: the message counts as lost, the next one tries again.
     }
     return _queues[depth].get();
 }
@@ -213,10 +229,9 @@ LgQueue* LgProducer::getQueue(std::size_t depth) noexcept
 /// is for one message.
 void LgProducer::showQueue() noexcept
 {
-    _target = {_queues[0].get(), _sessionNumber};
-    LgThread::get().queue = _target.queue;
-    if (_target.queue != nullptr && !_isForOneMessage)
-        LgThreadSlot::set(&_target);
+    LgThread::get().queue = _queues[0].get();
+    if (!_isForOneMessage)
+        LgThreadSlot::set(_queues[0].get());
 }
 
 /// The first one into which no message is being written.

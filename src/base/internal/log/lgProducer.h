@@ -54,14 +54,15 @@ private:
     void leave() noexcept;
     LgQueue* getQueue(std::size_t depth) noexcept;
     LgQueue* findFreeQueue() noexcept;
+    void countUnqueued(LgTypes::Level level) const noexcept;
     void showQueue() noexcept;
+    bool isWriting() const noexcept;
     std::shared_ptr<LgQueue> makeQueue() const;
 
-    const bool _isForOneMessage; // its thread is about to end
+    const bool _isForOneMessage; // nothing will tell of the end of its thread
     std::uint32_t _sessionNumber;
     unsigned long _thread; // the number under which its records appear
     Queues _queues;
-    LgTarget _target;
     Queues _formerQueues; // of the session that was left: a message may be on its way there
     std::shared_ptr<LgSpanRing> _ring;
 };

@@ -3,11 +3,11 @@
 #include <base/hwCounter.h>
 #include <base/internal/errors/threadLabel.h>
 #include <base/internal/log/lgGroupNames.h>
+#include <base/internal/log/lgTry.h>
 
 #include <algorithm>
 #include <cassert>
 #include <cstdio>
-#include <cstring>
 
 namespace Kr
 {
@@ -23,12 +23,14 @@ LgReader::LgReader(LgRegistry& queues, LgOutputs& outputs)
     : _queues(queues)
     , _outputs(outputs)
     , _buffer(new char[BufSize])
+    , _lastFlush(HwCounter::timeStamp())
     , _overflowed(0)
     , _cut(0)
 {
+    _threadName.reserve(ThreadLabel::size);
 }
 
-bool LgReader::eventsPending()
+bool LgReader::eventsPending() noexcept
 {
     for (const std::shared_ptr<LgQueue>& queue : _queues.getQueues())
         if (!queue->isEmpty())
@@ -36,47 +38,69 @@ bool LgReader::eventsPending()
     return false;
 }
 
-bool LgReader::flushEarliest()
+bool LgReader::flushEarliest(unsigned long long until) noexcept
 {
-    _heads.clear();
+    LgQueue* earliest = nullptr;
     for (const std::shared_ptr<LgQueue>& queue : _queues.getQueues())
-        addHead(queue.get(), ~0ULL);
-    if (_heads.empty())
-        return false;
-    flushEvent(_heads.front().queue);
-    return true;
+        if (isWaiting(*queue, until) &&
+            (earliest == nullptr ||
+             queue->readEntry().getTimeStamp() < earliest->readEntry().getTimeStamp()))
+            earliest = queue.get();
+    if (earliest != nullptr)
+        flushEvent(earliest);
+    return earliest != nullptr;
 }
 
 /// What is logged while this runs is left for the next time, so that it ends in any flood.
-std::size_t LgReader::flushAll()
+std::size_t LgReader::flushAll() noexcept
 {
-    const unsigned long long until = HwCounter::timeStamp();
+    _lastFlush = HwCounter::timeStamp();
+    const LgRegistry::Queues& queues = _queues.getQueues();
+    std::size_t count = 0;
+    if (makeRoomForHeads(queues.size()))
+        count = flushInOrder(queues, _lastFlush);
+    else
+        while (flushEarliest(_lastFlush))
+            ++count;
+    _queues.dropFinishedQueues();
+    return count;
+}
+
+bool LgReader::makeRoomForHeads(std::size_t count) noexcept
+{
     _heads.clear();
-    for (const std::shared_ptr<LgQueue>& queue : _queues.getQueues())
+    return lgTry([&] { _heads.reserve(count); });
+}
+
+std::size_t LgReader::flushInOrder(const LgRegistry::Queues& queues, unsigned long long until)
+{
+    for (const std::shared_ptr<LgQueue>& queue : queues)
         addHead(queue.get(), until);
     std::size_t count = 0;
-    while (!_heads.empty())
+    for (; !_heads.empty(); ++count)
     {
         LgQueue* queue = _heads.front().queue;
         std::pop_heap(_heads.begin(), _heads.end(), isLater);
         _heads.pop_back();
         flushEvent(queue);
         addHead(queue, until);
-        ++count;
     }
-    _queues.dropFinishedQueues();
     return count;
+}
+
+bool LgReader::isWaiting(const LgQueue& queue, unsigned long long until)
+{
+    return !queue.isEmpty() && queue.readEntry().getTimeStamp() <= until;
 }
 
 void LgReader::addHead(LgQueue* queue, unsigned long long until)
 {
-    if (queue->isEmpty() || queue->readEntry().getTimeStamp() > until)
+    if (!isWaiting(*queue, until))
         return;
     _heads.push_back({queue->readEntry().getTimeStamp(), queue});
     std::push_heap(_heads.begin(), _heads.end(), isLater);
 }
 
-/// The entry goes before anything that may throw: text and entry are read together or not at all.
 void LgReader::flushEvent(LgQueue* queue)
 {
     LgRecord record =
@@ -93,7 +117,7 @@ void LgReader::flushEvent(LgQueue* queue)
 LgRecord LgReader::readRecord(LgQueue* q)
 {
     const LgQueue::Entry& entry = q->readEntry();
-    const std::string_view group = getGroupName(entry.getGroup());
+    const std::string_view group = LgGroupNames::getName(entry.getGroup());
     assert(q->getStream().getNextSize() < BufSize);
     q->getStream() >> _buffer.get();
     _cut.fetch_add(entry.isCut() ? 1 : 0, std::memory_order_relaxed);
@@ -101,26 +125,28 @@ LgRecord LgReader::readRecord(LgQueue* q)
             entry.isCut()};
 }
 
-std::string_view LgReader::getGroupName(std::uint16_t number)
-{
-    while (number >= _groupNames.size())
-        _groupNames.push_back(
-            LgGroupNames::getName(static_cast<std::uint16_t>(_groupNames.size())));
-    return _groupNames[number];
-}
-
-LgRecord LgReader::readOverflow(const LgQueue* queue)
+LgRecord LgReader::readOverflow(LgQueue* queue)
 {
     const LgQueue::Entry& entry = queue->readEntry();
     const int count = entry.getOverflowCount();
     _overflowed.fetch_add(static_cast<std::uint64_t>(count), std::memory_order_relaxed);
-    std::snprintf(_overflowText, sizeof _overflowText, "Event overflow [%d]", count);
-    return {LgTypes::Informational, entry.getTimeStamp(),
-            queue->getThreadId(),   {},
-            _overflowText,          count};
+    char intro[40];
+    std::snprintf(intro, sizeof intro, "Event overflow [%d]", count);
+    return {LgTypes::Informational,
+            entry.getTimeStamp(),
+            queue->getThreadId(),
+            {},
+            LgCountsText::write(_overflowText, intro, queue->takeLosses(count)),
+            count};
 }
 
-void LgReader::write(const LgRecord& record)
+void LgReader::add(LgRecord record) noexcept
+{
+    record.timeStamp = _lastFlush;
+    write(record);
+}
+
+void LgReader::write(const LgRecord& record) noexcept
 {
     if (_watcher)
         _watcher(record);

@@ -1,7 +1,7 @@
 #include <base/internal/log/lgReaderThread.h>
 
 #include <algorithm>
-#include <system_error>
+#include <exception>
 
 namespace Kr
 {
@@ -9,15 +9,16 @@ namespace Kr
 namespace
 {
 
-// The thread looks often while there is something to do, and soon seldom when there is not.
+// The thread looks often while there is something to do and for a while after, since bursts come in
+// rows, and seldom when there is not.
 constexpr std::chrono::milliseconds shortestPause(1);
 constexpr std::chrono::milliseconds longestPause(16);
+constexpr int patience = 16; // looks
 
 } // namespace
 
-LgReaderThread::LgReaderThread(Drain drain, LgReaderThread* predecessor)
-    : _predecessor(predecessor)
-    , _drain(drain)
+LgReaderThread::LgReaderThread(Drain drain)
+    : _drain(drain)
 {
 }
 
@@ -29,10 +30,12 @@ void LgReaderThread::start() noexcept
     try
     {
         _thread = std::thread([this] { run(); });
+        _isStarted = true;
     }
-    catch (const std::system_error&)
+    catch (const std::exception&)
     {
-        // Without a thread to spare, the log is drained by flushes and at the end.
+        // Without a thread to spare, or memory for it, the log is drained by flushes and at the
+        // end.
     }
 }
 
@@ -46,6 +49,7 @@ void LgReaderThread::stop()
     }
     _changed.notify_one();
     _thread.join();
+    _isStarted = false;
 }
 
 /// The lock makes sure that the thread is not just between its look at the flag and its wait.
@@ -62,8 +66,12 @@ void LgReaderThread::wake() noexcept
 void LgReaderThread::run()
 {
     std::chrono::milliseconds pause = shortestPause;
+    int idleLooks = 0;
     while (waitFor(pause))
-        pause = _drain() != 0 ? shortestPause : std::min(2 * pause, longestPause);
+    {
+        idleLooks = _drain() != 0 ? 0 : idleLooks + 1;
+        pause = idleLooks < patience ? shortestPause : std::min(2 * pause, longestPause);
+    }
 }
 
 /// Returns false when the thread is to end.

@@ -20,14 +20,14 @@ public:
     /// Drains everything and returns how many events there were.
     using Drain = std::size_t (*)() noexcept;
 
-    /// @param predecessor that of the process that this one was forked from: its thread is not
-    /// there, so nothing of it can be used or destroyed
-    explicit LgReaderThread(Drain drain, LgReaderThread* predecessor = nullptr);
+    explicit LgReaderThread(Drain drain);
     LgReaderThread(const LgReaderThread&) = delete;
     LgReaderThread& operator=(const LgReaderThread&) = delete;
 
-    /// Starts the thread, if it does not run yet. One caller at a time.
+    /// Starts the thread, if it does not run yet and the system has one to spare. One caller at a
+    /// time.
     void start() noexcept;
+    bool isStarted() const noexcept { return _isStarted.load(std::memory_order_relaxed); }
 
     /// Returns when the thread has ended. It may be started again.
     void stop();
@@ -40,12 +40,12 @@ private:
     void run();
     bool waitFor(std::chrono::milliseconds pause);
 
-    [[maybe_unused]] LgReaderThread* const _predecessor;
     const Drain _drain;
 
     std::thread _thread;
     std::mutex _mutex;
     std::condition_variable _changed;
+    std::atomic<bool> _isStarted{false};
     std::atomic<bool> _isWoken{false};
     bool _isStopping = false;
 };

@@ -1,31 +1,34 @@
 #include <base/internal/log/lgRegistry.h>
 
-#include <algorithm>
-#include <iterator>
-
 namespace Kr
 {
 
 void LgRegistry::addQueue(std::shared_ptr<LgQueue> queue)
 {
+    Queues one;
+    one.push_back(std::move(queue));
     const std::lock_guard<std::mutex> lock(_mutex);
-    _newQueues.push_back(std::move(queue));
+    _newQueues.splice(_newQueues.end(), one);
 }
 
-const std::vector<std::shared_ptr<LgQueue>>& LgRegistry::getQueues()
+const LgRegistry::Queues& LgRegistry::getQueues() noexcept
 {
     const std::lock_guard<std::mutex> lock(_mutex);
-    std::move(_newQueues.begin(), _newQueues.end(), std::back_inserter(_queues));
-    _newQueues.clear();
+    _queues.splice(_queues.end(), _newQueues);
     return _queues;
 }
 
 /// A creator's end is looked at first: nothing can be added to a queue after it.
-void LgRegistry::dropFinishedQueues()
+void LgRegistry::dropFinishedQueues() noexcept
 {
-    const auto isFinished = [](const std::shared_ptr<LgQueue>& queue)
-    { return !queue->isCreatorAlive() && queue->isEmpty(); };
-    _queues.erase(std::remove_if(_queues.begin(), _queues.end(), isFinished), _queues.end());
+    _queues.remove_if([](const std::shared_ptr<LgQueue>& queue)
+                      { return !queue->isCreatorAlive() && queue->isEmpty(); });
+}
+
+void LgRegistry::leaveQueues() noexcept
+{
+    for (const std::shared_ptr<LgQueue>& queue : getQueues())
+        queue->leave();
 }
 
 } // namespace Kr

@@ -5,9 +5,9 @@
 
 #include <base/lgQueue.h>
 
+#include <list>
 #include <memory>
 #include <mutex>
-#include <vector>
 
 namespace Kr
 {
@@ -15,24 +15,30 @@ namespace Kr
 class LgRegistry
 {
 public:
+    using Queues = std::list<std::shared_ptr<LgQueue>>;
+
     LgRegistry() = default;
     LgRegistry(const LgRegistry&) = delete;
     LgRegistry& operator=(const LgRegistry&) = delete;
 
     /// Hands a producer's queue to the reader. May be called by any thread; waits for no output.
+    /// What memory that takes is the producer's concern: the reader needs none.
     void addQueue(std::shared_ptr<LgQueue> queue);
 
     /// The queues, those included that were added since the last call. For the reader.
-    const std::vector<std::shared_ptr<LgQueue>>& getQueues();
+    const Queues& getQueues() noexcept;
 
     /// Lets go of the drained queues whose creators have ended. For the reader.
-    void dropFinishedQueues();
+    void dropFinishedQueues() noexcept;
+
+    /// Has the producers' next statements ask for another session. For the reader.
+    void leaveQueues() noexcept;
 
 private:
     std::mutex _mutex; // guards what producers add
-    std::vector<std::shared_ptr<LgQueue>> _newQueues;
+    Queues _newQueues;
 
-    std::vector<std::shared_ptr<LgQueue>> _queues;
+    Queues _queues;
 };
 
 } // namespace Kr

@@ -26,6 +26,7 @@ LgSession::LgSession(const LgSettings& settings, LgSession* predecessor)
     , _settings(settings)
     , _format(makeFormat(_clock, settings))
     , _reader(_queues, _outputs)
+    , _lossReport(_reader)
 {
     _outputs.open(_settings, *_format);
     openTimeline();
@@ -37,16 +38,11 @@ LgSession::~LgSession()
     LgTimeline::_enabled = false;
 }
 
-std::size_t LgSession::drain(LgDrain how)
+std::size_t LgSession::drain(LgDrain how) noexcept
 {
     const std::size_t count = _reader.flushAll();
-    if (_timeline != nullptr)
-    {
-        _timeline->drain();
-        _timeline->flush();
-        if (how == LgDrain::toDisk)
-            _timeline->sync();
-    }
+    _lossReport.tell(how != LgDrain::toBuffers);
+    drainTimeline(how);
     if (how == LgDrain::toDisk)
         _outputs.sync();
     else
@@ -67,7 +63,17 @@ LgSession* LgSession::forFork(LgSession* parent)
     return new LgSession(settings, parent);
 }
 
-void LgSession::show(const LgRecord& record)
+void LgSession::drainTimeline(LgDrain how) noexcept
+{
+    if (_timeline == nullptr)
+        return;
+    _timeline->drain();
+    _timeline->flush();
+    if (how == LgDrain::toDisk)
+        _timeline->sync();
+}
+
+void LgSession::show(const LgRecord& record) noexcept
 {
     if (_timeline != nullptr)
         _timeline->addMessage(record);

@@ -6,6 +6,7 @@
 
 #include <base/internal/log/lgClock.h>
 #include <base/internal/log/lgLineFormat.h>
+#include <base/internal/log/lgLossReport.h>
 #include <base/internal/log/lgOutputs.h>
 #include <base/internal/log/lgReader.h>
 #include <base/internal/log/lgRegistry.h>
@@ -40,10 +41,10 @@ public:
     LgTimelineFile* getTimeline() { return _timeline.get(); }
 
     /// Returns how many events there were. One thread at a time.
-    std::size_t drain(LgDrain how);
+    std::size_t drain(LgDrain how) noexcept;
 
     /// Writes the rest of it.
-    void close() { _outputs.close(); }
+    void close() noexcept { _outputs.close(); }
 
     /// Messages that overflow entries or outputs report as lost.
     std::uint64_t getLostCount() const;
@@ -57,7 +58,8 @@ public:
 
 private:
     void openTimeline();
-    void show(const LgRecord& record);
+    void show(const LgRecord& record) noexcept;
+    void drainTimeline(LgDrain how) noexcept;
 
     // The parent's session is kept as it was when the process forked; nothing of it can be closed
     // without harm to the parent.
@@ -69,6 +71,7 @@ private:
     LgRegistry _queues;
     LgOutputs _outputs;
     LgReader _reader;
+    LgLossReport _lossReport;
     std::unique_ptr<LgTimelineFile> _timeline;
 };
 

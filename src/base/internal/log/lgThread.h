@@ -6,18 +6,10 @@
 
 #include <base/lgQueue.h>
 
-#include <cstdint>
 #include <optional>
 
 namespace Kr
 {
-
-/// Where a thread's statements go that nothing keeps from going there.
-struct LgTarget
-{
-    LgQueue* queue = nullptr;
-    std::uint32_t session = 0; ///< the number of the session that the queue belongs to
-};
 
 struct LgThread
 {

@@ -6,18 +6,18 @@ namespace Kr
 namespace
 {
 
-thread_local const LgTarget* slot = nullptr;
+thread_local LgQueue* slot = nullptr;
 
 } // namespace
 
-const LgTarget* LgThreadSlot::get() noexcept
+LgQueue* LgThreadSlot::get() noexcept
 {
     return slot;
 }
 
-void LgThreadSlot::set(const LgTarget* target) noexcept
+void LgThreadSlot::set(LgQueue* queue) noexcept
 {
-    slot = target;
+    slot = queue;
 }
 
 } // namespace Kr

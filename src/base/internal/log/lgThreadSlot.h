@@ -1,19 +1,19 @@
 #pragma once
 
 /// @file
-/// Internal to the library: one pointer for each thread, found in the fastest way that the system
-/// has. Null at first.
+/// Internal to the library: the queue that a thread's statements go into, found in the fastest way
+/// that the system has. Null at first.
 
 namespace Kr
 {
 
-struct LgTarget;
+class LgQueue;
 
 namespace LgThreadSlot
 {
 
-const LgTarget* get() noexcept;
-void set(const LgTarget* target) noexcept;
+LgQueue* get() noexcept;
+void set(LgQueue* queue) noexcept;
 
 } // namespace LgThreadSlot
 } // namespace Kr

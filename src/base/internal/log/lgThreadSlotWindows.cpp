@@ -15,17 +15,17 @@ const DWORD slot = TlsAlloc();
 } // namespace
 
 /// Leaves the thread's last error as it was: who logs a failure may look at it behind that.
-const LgTarget* LgThreadSlot::get() noexcept
+LgQueue* LgThreadSlot::get() noexcept
 {
     const DWORD error = GetLastError();
-    const void* target = TlsGetValue(slot);
+    void* const queue = TlsGetValue(slot);
     SetLastError(error);
-    return static_cast<const LgTarget*>(target);
+    return static_cast<LgQueue*>(queue);
 }
 
-void LgThreadSlot::set(const LgTarget* target) noexcept
+void LgThreadSlot::set(LgQueue* queue) noexcept
 {
-    TlsSetValue(slot, const_cast<LgTarget*>(target));
+    TlsSetValue(slot, queue);
 }
 
 } // namespace Kr

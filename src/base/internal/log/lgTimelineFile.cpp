@@ -5,6 +5,7 @@
 #include <base/internal/log/lgJson.h>
 #include <base/internal/log/lgStandardStream.h>
 #include <base/internal/log/lgTimeText.h>
+#include <base/internal/log/lgTry.h>
 #include <base/lgCounters.h>
 
 #include <algorithm>
@@ -44,33 +45,47 @@ LgTimelineFile::LgTimelineFile(std::unique_ptr<LgFile> file, const std::string& 
     , _process(std::to_string(ProcessIdentity::getProcessId()))
     , _startStamp(HwCounter::timeStamp())
 {
+    _waiting.reserve(2 * maxWaiting); // with the longest message behind it
 }
 
 LgTimelineFile::~LgTimelineFile()
 {
-    try
-    {
-        drain();
-        flush(true);
-        _lost += countEvents(_waiting);
-        if (_lost != 0)
+    drain();
+    flush(true);
+    _lost += countEvents(_waiting);
+    if (_lost == 0)
+        return;
+    lgTry(
+        [this]
+        {
             LgStandardStream::complain(std::to_string(_lost) +
                                        " events were lost: the timeline could not be written to " +
-                                       _path + '\n');
-    }
-    catch (const std::bad_alloc&)
-    {
-        // without memory nothing more can be told
-    }
+                                       _path + "\n");
+        });
 }
 
 void LgTimelineFile::addRing(std::shared_ptr<LgSpanRing> ring)
 {
+    std::list<std::shared_ptr<LgSpanRing>> one;
+    one.push_back(std::move(ring));
     const std::lock_guard<std::mutex> lock(_mutex);
-    _newRings.push_back(std::move(ring));
+    _newRings.splice(_newRings.end(), one);
 }
 
-void LgTimelineFile::addMessage(const LgRecord& record)
+void LgTimelineFile::addMessage(const LgRecord& record) noexcept
+{
+    const std::size_t before = _waiting.size();
+    if (lgTry([&] { performAddMessage(record); }))
+    {
+        if (_waiting.size() >= batchSize)
+            flush();
+        return;
+    }
+    _waiting.resize(before);
+    ++_lost;
+}
+
+void LgTimelineFile::performAddMessage(const LgRecord& record)
 {
     showThreadName(record.thread, record.threadName);
     beginEvent("i", record.thread);
@@ -86,35 +101,38 @@ void LgTimelineFile::addMessage(const LgRecord& record)
         _waiting += '}';
     }
     _waiting += '}';
-    if (_waiting.size() >= batchSize)
-        flush();
+}
+
+/// What finds no memory waits for the next time.
+void LgTimelineFile::drain() noexcept
+{
+    lgTry([this] { LgCounters::ask(&addCounter, this); });
+    takeNewRings();
+    lgTry([this] { drainRings(); });
 }
 
 /// Threads that have ended are let go; their end is looked at before their ring.
-void LgTimelineFile::drain()
+void LgTimelineFile::drainRings()
 {
-    LgCounters::ask(&addCounter, this);
-    takeNewRings();
     const auto drainAndTest = [this](const std::shared_ptr<LgSpanRing>& ring)
     {
         const bool isEnded = ring->isEnded();
         drainRing(*ring);
         return isEnded;
     };
-    _rings.erase(std::remove_if(_rings.begin(), _rings.end(), drainAndTest), _rings.end());
+    _rings.remove_if(drainAndTest);
 }
 
-void LgTimelineFile::flush(bool now)
+void LgTimelineFile::flush(bool now) noexcept
 {
     if (_waiting.empty() && _lost == 0)
         return;
     if (!_isFailing || now || std::chrono::steady_clock::now() >= _nextTry)
     {
-        const std::string report = getLossReport();
-        _waiting.insert(0, report);
-        if (write())
+        const std::size_t reportSize = insertLossReport();
+        if (!_waiting.empty() && write())
             return;
-        _waiting.erase(0, report.size());
+        _waiting.erase(0, reportSize);
         beginOutage();
     }
     if (_waiting.size() > maxWaiting)
@@ -142,25 +160,26 @@ bool LgTimelineFile::write()
     return false;
 }
 
-void LgTimelineFile::sync()
+void LgTimelineFile::sync() noexcept
 {
     if (!_file->sync())
         beginOutage();
 }
 
-/// The event that tells of those that were lost, where they would have stood; empty if none were.
-std::string LgTimelineFile::getLossReport()
+/// The event that tells of those that were lost, where they would have stood. Returns its size.
+std::size_t LgTimelineFile::insertLossReport()
 {
     if (_lost == 0)
-        return {};
-    std::string after;
-    after.swap(_waiting);
-    startEvent("i", 0);
+        return 0;
+    const std::size_t before = _waiting.size();
+    startEvent("i", 0); // within what is reserved
     appendTime("ts", _clock.getElapsed(HwCounter::timeStamp()));
-    _waiting += ",\"s\":\"p\",\"cat\":\"Warning\",\"name\":\"" + std::to_string(_lost) +
-                " events were lost: the timeline could not be written\"}";
-    after.swap(_waiting);
-    return after;
+    _waiting += ",\"s\":\"p\",\"cat\":\"Warning\",\"name\":\"";
+    _waiting += std::to_string(_lost);
+    _waiting += " events were lost: the timeline could not be written\"}";
+    std::rotate(_waiting.begin(), _waiting.begin() + static_cast<std::ptrdiff_t>(before),
+                _waiting.end());
+    return _waiting.size() - before;
 }
 
 /// Drops the oldest events. The names of threads may be among them, so they are told again.
@@ -179,9 +198,12 @@ void LgTimelineFile::beginOutage()
     _nextTry = std::chrono::steady_clock::now() + retryInterval;
     if (_hasComplained)
         return;
-    _hasComplained = true;
-    LgStandardStream::complain("The timeline cannot be written to " + _path + ": " +
-                               _file->getProblem() + "\n");
+    _hasComplained = lgTry(
+        [this]
+        {
+            LgStandardStream::complain("The timeline cannot be written to " + _path + ": " +
+                                       _file->getProblem() + "\n");
+        });
 }
 
 /// What stands before the first event: who this is, and what time it is where the timeline begins.
@@ -189,7 +211,9 @@ void LgTimelineFile::addHeader()
 {
     _hasHeader = true;
     startEvent("M", 0);
-    _waiting += ",\"name\":\"process_name\",\"args\":{\"name\":\"process " + _process + "\"}}";
+    _waiting += ",\"name\":\"process_name\",\"args\":{\"name\":\"process ";
+    _waiting += _process;
+    _waiting += "\"}}";
     if (_shownNames.find(0) == _shownNames.end())
         showThreadName(0, "main");
     startEvent("i", 0);
@@ -280,19 +304,15 @@ void LgTimelineFile::addCounter(void* timeline, const char* name, double value)
 void LgTimelineFile::takeNewRings()
 {
     const std::lock_guard<std::mutex> lock(_mutex);
-    for (std::shared_ptr<LgSpanRing>& ring : _newRings)
-    {
-        const bool isNew = _shownNames.find(ring->getThread()) == _shownNames.end();
-        if (ring->getThread() != 0 && isNew)
-            showThreadName(ring->getThread(), "thread " + std::to_string(ring->getThread()));
-        _rings.push_back(std::move(ring));
-    }
-    _newRings.clear();
+    _rings.splice(_rings.end(), _newRings);
 }
 
 void LgTimelineFile::drainRing(LgSpanRing& ring)
 {
     ring.getLabel().copyTo(_threadName);
+    const bool isNew = _shownNames.find(ring.getThread()) == _shownNames.end();
+    if (_threadName.empty() && ring.getThread() != 0 && isNew)
+        _threadName = "thread " + std::to_string(ring.getThread());
     showThreadName(ring.getThread(), _threadName);
     ring.drain([&](const LgSpanRing::Span& span) { addSpan(ring, span); });
     if (const std::uint32_t lost = ring.takeLost())

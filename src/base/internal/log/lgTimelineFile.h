@@ -5,7 +5,7 @@
 /// log, as trace events.
 ///
 /// While the file cannot be written, the youngest events wait; an event tells later how many others
-/// there were. The file is whole all the time.
+/// there were. So it is with those that find no memory. The file is whole all the time.
 
 #include <base/internal/log/lgClock.h>
 #include <base/internal/log/lgFile.h>
@@ -14,12 +14,12 @@
 
 #include <chrono>
 #include <cstdint>
+#include <list>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace Kr
 {
@@ -38,18 +38,20 @@ public:
     void addRing(std::shared_ptr<LgSpanRing> ring);
 
     /// The rest is for one thread at a time.
-    void addMessage(const LgRecord& record);
-    void drain();
+    void addMessage(const LgRecord& record) noexcept;
+    void drain() noexcept;
 
     /// Writes what waits. After a failure the next try is made a little later, unless `now` is set.
-    void flush(bool now = false);
+    void flush(bool now = false) noexcept;
 
     /// Returns when what was written is on the disk.
-    void sync();
+    void sync() noexcept;
 
 private:
     bool write();
-    std::string getLossReport();
+    std::size_t insertLossReport();
+    void performAddMessage(const LgRecord& record);
+    void drainRings();
     void makeRoom();
     void beginOutage();
     void addHeader();
@@ -80,8 +82,8 @@ private:
     std::uint64_t _lost = 0; ///< events of which the file does not tell
 
     std::mutex _mutex; // guards what producers add
-    std::vector<std::shared_ptr<LgSpanRing>> _newRings;
-    std::vector<std::shared_ptr<LgSpanRing>> _rings;
+    std::list<std::shared_ptr<LgSpanRing>> _newRings;
+    std::list<std::shared_ptr<LgSpanRing>> _rings;
 };
 
 } // namespace Kr
