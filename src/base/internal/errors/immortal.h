@@ -3,9 +3,14 @@
 /// @file
 /// Internal to the library: an object that is never destroyed, in memory that is always there.
 /// @code{.cpp}
+/// struct State
+/// {
+///     int count = 0;
+/// };
+///
 /// State& state()
 /// {
-///     static Immortal<State> instance;
+///     static Kr::Immortal<State> instance;
 ///     return *instance;
 /// }
 /// @endcode
