@@ -1,0 +1,103 @@
+// Shows, follows and sums up logs, and recovers what killed processes have left. `kr-log --help`.
+
+#include "arguments.h"
+#include "logMerge.h"
+#include "logPrinter.h"
+#include "logSummary.h"
+
+#include <base/exBase.h>
+#include <base/krVersion.h>
+
+#include <chrono>
+#include <exception>
+#include <iostream>
+#include <thread>
+
+namespace
+{
+
+using KrLog::Arguments;
+using KrLog::Record;
+
+constexpr std::chrono::milliseconds pollInterval(200);
+
+KrLog::Merge openLogs(const Arguments& arguments)
+{
+    KrLog::Merge merge;
+    for (const std::string& file : arguments.files)
+        merge.add(file, arguments.withRotated);
+    return merge;
+}
+
+void show(const Arguments& arguments)
+{
+    KrLog::Merge merge = openLogs(arguments);
+    const auto print = [&arguments](const Record& record)
+    {
+        if (arguments.filter.accepts(record))
+            std::cout << (arguments.isJson ? KrLog::toJson(record)
+                                           : KrLog::toColumns(record, arguments.isColoured));
+    };
+    do
+    {
+        merge.run(print, arguments.isFollowing);
+        std::cout.flush();
+        if (arguments.isFollowing)
+            std::this_thread::sleep_for(pollInterval);
+    } while (arguments.isFollowing && std::cout);
+}
+
+void sumUp(const Arguments& arguments)
+{
+    KrLog::Summary summary;
+    openLogs(arguments).run(
+        [&](const Record& record)
+        {
+            if (arguments.filter.accepts(record))
+                summary.add(record);
+        },
+        false);
+    summary.print(std::cout);
+}
+
+int run(const Arguments& arguments)
+{
+    switch (arguments.command)
+    {
+    case Arguments::help:
+        std::cout << Arguments::getHelp();
+        break;
+    case Arguments::version:
+        std::cout << "kr-log " << Kr::getVersionText() << '\n';
+        break;
+    case Arguments::summary:
+        sumUp(arguments);
+        break;
+    case Arguments::recover:
+    case Arguments::show:
+        show(arguments);
+        break;
+    }
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    std::ios::sync_with_stdio(false);
+    try
+    {
+        return run(Arguments::read(argc, argv));
+    }
+    catch (const KrLog::UsageError& error)
+    {
+        std::cerr << "kr-log: " << error.what() << ". See kr-log --help.\n";
+        return 2;
+    }
+    catch (const std::exception& error)
+    {
+        std::cerr << "kr-log: " << error.what() << '\n';
+        return 1;
+    }
+}
