@@ -3,14 +3,32 @@
 #include <base/internal/log/lgFork.h>
 #include <base/internal/log/lgLogState.h>
 #include <base/internal/log/lgProducer.h>
+#include <base/internal/log/lgRescue.h>
 #include <base/internal/log/lgTermination.h>
 #include <base/lgGroups.h>
 #include <base/osEnv.h>
 
+#include <filesystem>
 #include <iostream>
+#include <system_error>
 
 namespace Kr
 {
+
+namespace
+{
+
+/// What is left of processes that were killed comes first.
+void recover(const LgSettings& settings)
+{
+    std::error_code error;
+    if (!std::filesystem::is_directory(settings.directory, error))
+        return;
+    for (const std::string& problem : LgRescue(settings.directory, &settings).run().problems)
+        std::cerr << problem << std::endl;
+}
+
+} // namespace
 
 void LgLog::init()
 {
@@ -19,7 +37,9 @@ void LgLog::init()
 
 void LgLog::init(Lookup lookup)
 {
-    auto session = std::make_unique<LgSession>(LgSettings::read(lookup, std::cout));
+    const LgSettings settings = LgSettings::read(lookup, std::cout);
+    recover(settings);
+    auto session = std::make_unique<LgSession>(settings);
     LgMajorGroup::initialize(lookup("KR_LOG_DEFAULT_LEVEL"), lookup("KR_LOG_GROUPS"));
     LgFork::install();
     LgTermination::install();

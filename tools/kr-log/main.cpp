@@ -7,6 +7,7 @@
 
 #include <base/exBase.h>
 #include <base/krVersion.h>
+#include <base/lgRecovery.h>
 
 #include <chrono>
 #include <exception>
@@ -60,6 +61,16 @@ void sumUp(const Arguments& arguments)
     summary.print(std::cout);
 }
 
+int recover(const std::string& folder)
+{
+    const Kr::LgRecovery::Result result = Kr::LgRecovery::recover(folder.c_str());
+    std::cout << result.processes << " processes, " << result.messages << " messages recovered, "
+              << result.lost << " told as lost\n";
+    for (const std::string& problem : result.problems)
+        std::cerr << "kr-log: " << problem << '\n';
+    return result.problems.empty() ? 0 : 1;
+}
+
 int run(const Arguments& arguments)
 {
     switch (arguments.command)
@@ -74,6 +85,7 @@ int run(const Arguments& arguments)
         sumUp(arguments);
         break;
     case Arguments::recover:
+        return recover(arguments.files.front());
     case Arguments::show:
         show(arguments);
         break;

@@ -532,3 +532,9 @@ BOOL DeleteFileA(const char* path) noexcept
     krSetPathError(hostPath);
     return 0;
 }
+
+int krDescriptor(HANDLE handle) noexcept
+{
+    const File* file = krObject<File>(handle);
+    return file != nullptr ? file->_descriptor : -1;
+}

@@ -20,6 +20,7 @@ struct Names
     std::mutex mutex;
     std::deque<std::string> texts = {""}; // by number; what is in it stays where it is
     std::unordered_map<std::string_view, std::uint16_t> numbers;
+    LgGroupNames::Watcher* watcher = nullptr;
 };
 
 Names& names()
@@ -45,7 +46,24 @@ std::uint16_t LgGroupNames::getNumber(const char* name)
     if (count == lastNumber)
         return lastNumber;
     const std::string& text = names().texts.emplace_back(name);
+    if (names().watcher != nullptr)
+        names().watcher->nameAdded(static_cast<std::uint16_t>(count), text);
     return names().numbers[text] = static_cast<std::uint16_t>(count);
+}
+
+void LgGroupNames::setWatcher(Watcher* watcher)
+{
+    const std::lock_guard<std::mutex> lock(names().mutex);
+    names().watcher = watcher;
+    for (std::size_t number = 1; number < names().texts.size(); ++number)
+        watcher->nameAdded(static_cast<std::uint16_t>(number), names().texts[number]);
+}
+
+void LgGroupNames::removeWatcher(const Watcher* watcher)
+{
+    const std::lock_guard<std::mutex> lock(names().mutex);
+    if (names().watcher == watcher)
+        names().watcher = nullptr;
 }
 
 std::string_view LgGroupNames::getName(std::uint16_t number)

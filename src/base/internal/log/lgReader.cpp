@@ -31,7 +31,7 @@ LgReader::LgReader(LgRegistry& queues, LgOutputs& outputs)
 bool LgReader::eventsPending()
 {
     for (const std::shared_ptr<LgQueue>& queue : _queues.getQueues())
-        if (!queue->isEmpty())
+        if (queue->hasUnread())
             return true;
     return false;
 }
@@ -70,7 +70,7 @@ std::size_t LgReader::flushAll()
 
 void LgReader::addHead(LgQueue* queue, unsigned long long until)
 {
-    if (queue->isEmpty() || queue->readEntry().getTimeStamp() > until)
+    if (!queue->hasUnread() || queue->readEntry().getTimeStamp() > until)
         return;
     _heads.push_back({queue->readEntry().getTimeStamp(), queue});
     std::push_heap(_heads.begin(), _heads.end(), isLater);

@@ -29,6 +29,8 @@ LgSession::LgSession(const LgSettings& settings, LgSession* predecessor)
 {
     _outputs.open(_settings, *_format);
     openTimeline();
+    if (_settings.survivesKill)
+        _keptRings = std::make_shared<LgKeptRings>(_settings, _clock);
     _reader.setWatcher([this](const LgRecord& record) { show(record); });
 }
 
@@ -37,7 +39,30 @@ LgSession::~LgSession()
     LgTimeline::_enabled = false;
 }
 
+/// Queues that are kept give no room back before what was read is written. A loss that stands
+/// behind such messages is read in a second round.
 std::size_t LgSession::drain(LgDrain how)
+{
+    std::size_t count = drainOnce(how);
+    if (_keptRings == nullptr || count == 0)
+        return count;
+    _keptRings->commit();
+    if (_reader.eventsPending())
+    {
+        count += drainOnce(how);
+        _keptRings->commit();
+    }
+    return count;
+}
+
+void LgSession::close()
+{
+    _outputs.close();
+    if (_keptRings != nullptr)
+        _keptRings->close();
+}
+
+std::size_t LgSession::drainOnce(LgDrain how)
 {
     const std::size_t count = _reader.flushAll();
     if (_timeline != nullptr)
@@ -62,6 +87,8 @@ LgSession* LgSession::forFork(LgSession* parent)
     LgSettings settings = parent->_settings;
     settings.timelinePath.clear();
     LgTimeline::_enabled = false;
+    if (parent->_keptRings != nullptr)
+        parent->_keptRings->abandon();
     return new LgSession(settings, parent);
 }
 

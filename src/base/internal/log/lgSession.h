@@ -5,6 +5,7 @@
 /// queues, the reader that drains them, and where it takes the messages.
 
 #include <base/internal/log/lgClock.h>
+#include <base/internal/log/lgKeptRings.h>
 #include <base/internal/log/lgLineFormat.h>
 #include <base/internal/log/lgOutputs.h>
 #include <base/internal/log/lgReader.h>
@@ -39,11 +40,14 @@ public:
     LgRegistry& getRegistry() { return _queues; }
     LgTimelineFile* getTimeline() { return _timeline.get(); }
 
+    /// Where the queues lie that outlive the process; null if none do.
+    const std::shared_ptr<LgKeptRings>& getKeptRings() const { return _keptRings; }
+
     /// Returns how many events there were. One thread at a time.
     std::size_t drain(LgDrain how);
 
     /// Writes the rest of it.
-    void close() { _outputs.close(); }
+    void close();
 
     /// Messages that overflow entries or outputs report as lost.
     std::uint64_t getLostCount() const;
@@ -56,6 +60,7 @@ public:
     static LgSession* forFork(LgSession* parent);
 
 private:
+    std::size_t drainOnce(LgDrain how);
     void openTimeline();
     void show(const LgRecord& record);
 
@@ -70,6 +75,7 @@ private:
     LgOutputs _outputs;
     LgReader _reader;
     std::unique_ptr<LgTimelineFile> _timeline;
+    std::shared_ptr<LgKeptRings> _keptRings; // shared with the queues in it
 };
 
 } // namespace Kr
