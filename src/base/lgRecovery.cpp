@@ -4,7 +4,9 @@
 #include <base/internal/log/lgRescue.h>
 
 #include <filesystem>
+#include <string>
 #include <system_error>
+#include <utility>
 
 namespace Kr
 {
@@ -14,7 +16,9 @@ LgRecovery::Result LgRecovery::recover(const char* directory)
     KR_ASSERT(directory != nullptr);
     std::error_code error;
     const std::filesystem::path path = std::filesystem::absolute(directory, error);
-    return LgRescue(error ? directory : path.lexically_normal().string(), nullptr).run();
+    const std::string folder = error ? directory : path.lexically_normal().string();
+    LgRescue::Result result = LgRescue(folder, nullptr).run();
+    return {result.processes, result.messages, result.lost, std::move(result.problems)};
 }
 
 } // namespace Kr

@@ -93,7 +93,7 @@ LgRescue::LgRescue(const std::string& folder, const LgSettings* own)
 {
 }
 
-LgRecovery::Result LgRescue::run()
+LgRescue::Result LgRescue::run()
 {
     std::error_code error;
     for (const std::string& path : findRings(_folder, error))

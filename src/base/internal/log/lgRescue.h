@@ -6,8 +6,8 @@
 
 #include <base/internal/log/lgRingImage.h>
 #include <base/internal/log/lgSettings.h>
-#include <base/lgRecovery.h>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -21,10 +21,18 @@ class LgFoundRings;
 class LgRescue
 {
 public:
+    struct Result
+    {
+        unsigned int processes = 0; ///< of which something was recovered
+        std::uint64_t messages = 0;
+        std::uint64_t lost = 0; ///< messages that those processes had counted as lost
+        std::vector<std::string> problems;
+    };
+
     /// @param own the settings of this process, or null; must outlive it
     LgRescue(const std::string& folder, const LgSettings* own);
 
-    LgRecovery::Result run();
+    Result run();
 
 private:
     void rescue(const std::string& path);
@@ -39,7 +47,7 @@ private:
 
     const std::string _folder;
     const LgSettings* const _own;
-    LgRecovery::Result _result;
+    Result _result;
 };
 
 } // namespace Kr
