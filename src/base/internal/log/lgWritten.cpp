@@ -31,6 +31,13 @@ bool isFile(const std::string& path)
     return std::filesystem::is_regular_file(path, error);
 }
 
+/// What a line is known by. Behind its number, a line of lost messages may say more of them.
+std::string_view getKey(std::string_view line)
+{
+    const std::size_t loss = line.find("Event overflow [");
+    return loss == line.npos ? line : line.substr(0, line.find(']', loss));
+}
+
 /// Meets the lines of a log one by one, and finds those that are expected.
 class Search
 {
@@ -50,7 +57,7 @@ public:
 
     void meet(std::string_view text)
     {
-        const auto expected = _expected.find(text);
+        const auto expected = _expected.find(getKey(text));
         if (expected == _expected.end())
             return;
         const std::size_t number = expected->second;
@@ -68,7 +75,7 @@ private:
     void expectNext(const std::vector<std::size_t>& numbers)
     {
         if (!numbers.empty())
-            _expected.emplace(_lines[numbers.back()].text, numbers.back());
+            _expected.emplace(getKey(_lines[numbers.back()].text), numbers.back());
     }
 
     const std::vector<LgWritten::Line>& _lines;
