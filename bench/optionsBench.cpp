@@ -131,9 +131,27 @@ void runEnvironment(const std::string& size)
     benchmark::RunSpecifiedBenchmarks();
 }
 
-/// Runs this program in an environment of `size` variables. Returns its status.
-int runUnder(std::size_t size, char** argv)
+/// The same arguments, but for the file of results, which gets the size into its name.
+std::vector<std::string> argumentsFor(std::size_t size, char** argv)
 {
+    const std::string ending = ".json";
+    std::vector<std::string> arguments;
+    for (; *argv != nullptr; ++argv)
+    {
+        std::string argument = *argv;
+        const std::size_t dot = argument.rfind(ending);
+        if (argument.rfind("--benchmark_out=", 0) == 0 && dot != std::string::npos)
+            argument.insert(dot, "-" + std::to_string(size));
+        arguments.push_back(argument);
+    }
+    return arguments;
+}
+
+/// Runs this program in an environment of `size` variables. Returns its status.
+int runUnder(std::size_t size, const std::vector<std::string>& given)
+{
+    std::vector<std::string> arguments = given;
+    std::vector<char*> argv = pointersTo(arguments);
     std::vector<std::string> variables = {sizeVariable + ("=" + std::to_string(size))};
     for (std::size_t i = 0; i + 1 < size; ++i)
         variables.push_back(variableName(i) + "=some value of usual length");
@@ -141,7 +159,7 @@ int runUnder(std::size_t size, char** argv)
     const pid_t child = fork();
     if (child == 0)
     {
-        execve("/proc/self/exe", argv, environment.data());
+        execve("/proc/self/exe", argv.data(), environment.data());
         _exit(127);
     }
     int status = 1;
@@ -153,12 +171,14 @@ int runUnder(std::size_t size, char** argv)
 
 int main(int argc, char** argv)
 {
-    benchmark::Initialize(&argc, argv);
+    const std::vector<std::string> small = argumentsFor(30, argv);
+    const std::vector<std::string> large = argumentsFor(3000, argv);
+    benchmark::Initialize(&argc, argv); // takes its own arguments away
     if (const char* size = std::getenv(sizeVariable))
     {
         runEnvironment(size);
         return 0;
     }
     runOptions();
-    return runUnder(30, argv) == 0 && runUnder(3000, argv) == 0 ? 0 : 1;
+    return runUnder(30, small) == 0 && runUnder(3000, large) == 0 ? 0 : 1;
 }

@@ -72,8 +72,17 @@ double seconds(std::chrono::steady_clock::duration time)
     return std::chrono::duration<double>(time).count();
 }
 
+/// Once, and after the static objects of all sources, which register the library's own packages.
+void startPackages()
+{
+    int argc = 0;
+    const char* const* argv = nullptr;
+    static const Kr::InInitGuard guard(argc, argv);
+}
+
 void pass(benchmark::State& state, Shape shape)
 {
+    startPackages();
     const auto size = static_cast<std::size_t>(state.range(0));
     const Dependencies dependencies = makeDependencies(shape, size);
     for ([[maybe_unused]] auto iteration : state)
@@ -161,9 +170,6 @@ const bool registered = []
         add("closure_boost", &closureOfBoost, shape);
         add("closure_cubic", &cubicClosure, shape);
     }
-    int argc = 0;
-    const char* const* argv = nullptr;
-    static const Kr::InInitGuard guard(argc, argv);
     return true;
 }();
 

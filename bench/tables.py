@@ -7,7 +7,7 @@ Each section of the page is made from bench/tables/<family>.md, the text with pl
     {A}         the median time of the benchmark A of that family, with its unit; {A.counter} its counter
     {A / B}     the ratio of two of them
 
-RESULTS holds <family>.json as the benchmark library writes it. Sections of families that were not run stay as they
+RESULTS holds <family>.json (and <family>-*.json) as the benchmark library writes it. Sections of families that were not run stay as they
 are. What was made is printed."""
 
 import json
@@ -21,11 +21,12 @@ UNITS = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}
 
 
 class Results:
-    def __init__(self, path):
+    def __init__(self, folder, family):
         self.runs = {}
-        for run in json.loads(path.read_text())["benchmarks"]:
-            if run.get("aggregate_name", "median") == "median":
-                self.runs[DECORATION.sub("", run["run_name"])] = run
+        for path in [folder / f"{family}.json", *folder.glob(f"{family}-*.json")]:
+            for run in json.loads(path.read_text())["benchmarks"]:
+                if run.get("aggregate_name", "median") == "median":
+                    self.runs[DECORATION.sub("", run["run_name"])] = run
 
     def seconds(self, term):
         name, _, counter = term.partition(".")
@@ -62,7 +63,7 @@ def main(page, results, *families):
         template = tables / f"{family}.md"
         if not template.exists():
             continue
-        measured = Results(pathlib.Path(results, f"{family}.json"))
+        measured = Results(pathlib.Path(results), family)
         made = PLACE.sub(lambda place: measured.figure(place.group(1)), template.read_text())
         begin, end = f"<!-- {family} -->\n", f"<!-- /{family} -->\n"
         section = begin + made + end

@@ -171,4 +171,21 @@ BENCHMARK_TEMPLATE(convert, Library);
 BENCHMARK_TEMPLATE(convert, Boost);
 BENCHMARK_TEMPLATE(convert, Chrono);
 
+/// Times of some hours, counted in nanoseconds: long ones must not cost more than short ones.
+void convertHours(benchmark::State& state)
+{
+    std::mt19937_64 generator(4);
+    std::vector<Kr::DtTime> times;
+    for (std::size_t i = 0; i < size; ++i)
+        times.emplace_back(static_cast<std::int64_t>(state.range(0) * 3600 * 1000000000LL +
+                                                     static_cast<std::int64_t>(generator() % 1000000000)),
+                           1000000000, 1);
+    Kr::Rational rate(30000, 1001);
+    benchmark::DoNotOptimize(rate);
+    std::size_t i = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(times[i++ % size].convertRate(rate));
+}
+BENCHMARK(convertHours)->Arg(1)->Arg(200)->Arg(100000);
+
 } // namespace

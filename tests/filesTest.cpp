@@ -3,8 +3,8 @@
 #include "fileFolder.h"
 #include "handleCount.h"
 #include "raised.h"
+#include "systemCode.h"
 
-#include <base/exSysError.h>
 #include <base/osDateEx.h>
 #include <base/osDateUtil.h>
 #include <base/osDir.h>
@@ -22,8 +22,11 @@
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <limits>
 #include <set>
 #include <sstream>
 #include <string>
@@ -59,21 +62,6 @@ constexpr unsigned long invalidName = 123;
 constexpr unsigned long notEmpty = 145;
 constexpr unsigned long alreadyExists = 183;
 
-/// The system's error of what `action` raises; 0 if it raises nothing.
-template <class Action>
-unsigned long codeOf(Action action)
-{
-    try
-    {
-        action();
-    }
-    catch (const Kr::ExSysErrorWindows& error)
-    {
-        return error.getErrorCode();
-    }
-    return 0;
-}
-
 template <class Exception, class Action>
 bool raises(Action action)
 {
@@ -84,58 +72,45 @@ bool raises(Action action)
 
 TEST(FilePath, JoinsElementsAndPathsByTheirRules)
 {
+    const std::string separator = "Separator not allowed in path elements.";
+    const std::string absolute = "Attempt to concatenate absolute path.";
     struct
     {
         const char* left;
         const char* right;
-        const char* byElement; ///< null: raises
-        const char* byPath;
+        std::string byElement; ///< or why not
+        std::string byPath;
     } const cases[] = {
         {"", "a", "a", "a"},
         {"a", "b", "a\\b", "a\\b"},
         {"a\\", "b", "a\\b", "a\\b"},
         {"a", "", "a\\", "a\\"},
-        {"a", "\\b", nullptr, "a\\\\b"},
-        {"a", "b\\c", nullptr, "a\\b\\c"},
+        {"a", "\\b", separator, "a\\\\b"},
+        {"a", "b\\c", separator, "a\\b\\c"},
         {"a", "b/c", "a\\b/c", "a\\b/c"},
-        {"a", "D:x", "a\\D:x", nullptr},
-        {"a", "C:\\x", nullptr, nullptr},
-        {"a", "\\\\s\\x", nullptr, nullptr},
+        {"a", "D:x", "a\\D:x", absolute},
+        {"a", "C:\\x", separator, absolute},
+        {"a", "\\\\s\\x", separator, absolute},
+    };
+    const auto check = [](const OsFilePath& left, const auto& right, const std::string& expected)
+    {
+        OsFilePath appended(left);
+        OsFilePath sum;
+        const std::string why =
+            reasonOf<OsFileEx>([&] { appended += right; }, "src/base/osFilePath");
+        EXPECT_EQ(reasonOf<OsFileEx>([&] { sum = left + right; }, "src/base/osFilePath"), why);
+        const bool isJoined = why == "nothing raised";
+        EXPECT_EQ(isJoined ? sum.getString() : why, expected);
+        EXPECT_EQ(appended, isJoined ? sum : left);
     };
     for (const auto& c : cases)
     {
         SCOPED_TRACE(std::string(c.left) + " + " + c.right);
-        const OsFilePath left(c.left);
-        OsFilePath appended(c.left);
-        if (c.byElement == nullptr)
-        {
-            EXPECT_EQ(reasonOf<OsFileEx::ExSeparatorNotAllowed>([&] { appended += c.right; },
-                                                                "src/base/osFilePath"),
-                      "Separator not allowed in path elements.");
-            EXPECT_TRUE(raises<OsFileEx::ExSeparatorNotAllowed>([&] { left + c.right; }));
-        }
-        else
-        {
-            EXPECT_STREQ((left + c.right).getChars(), c.byElement);
-            EXPECT_STREQ((appended += c.right).getChars(), c.byElement);
-            appended = c.left;
-        }
-        if (c.byPath == nullptr)
-        {
-            EXPECT_EQ(
-                reasonOf<OsFileEx::ExIllegalPathConcat>([&] { appended += OsFilePath(c.right); }),
-                "Attempt to concatenate absolute path.");
-            EXPECT_TRUE(raises<OsFileEx::ExIllegalPathConcat>([&] { left + OsFilePath(c.right); }));
-        }
-        else
-        {
-            EXPECT_STREQ((left + OsFilePath(c.right)).getChars(), c.byPath);
-            EXPECT_STREQ((appended += OsFilePath(c.right)).getChars(), c.byPath);
-            appended = c.left;
-        }
-        EXPECT_STREQ(left.getChars(), c.left);
-        EXPECT_STREQ(appended.getChars(), c.left);
+        check(c.left, c.right, c.byElement);
+        check(c.left, OsFilePath(c.right), c.byPath);
     }
+    EXPECT_TRUE(raises<OsFileEx::ExSeparatorNotAllowed>([] { OsFilePath("a") + "\\"; }));
+    EXPECT_TRUE(raises<OsFileEx::ExIllegalPathConcat>([] { OsFilePath("a") + OsFilePath("C:x"); }));
     OsFilePath itself("a");
     EXPECT_STREQ((itself += itself).getChars(), "a\\a");
 }
@@ -486,32 +461,54 @@ TEST_F(Files, AreReadAndWritten)
 
     reader.close();
     writer.close();
-    const auto refuses = [](const char* file, auto action)
+    const std::function<void()> actions[] = {
+        [&] { reader.close(); }, [&] { reader.read(buffer, 1); },
+        [&] { reader.seek(0, OsFileTypes::SeekStart); },
+        // and the writer's
+        [&] { writer.close(); }, [&] { writer.write(buffer, 1); },
+        [&] { writer.seek(0, OsFileTypes::SeekStart); }, [&] { writer.reserve(0); },
+        [&] { writer.flush(); }};
+    for (const auto& action : actions)
     {
-        errno = 0;
-        EXPECT_TRUE(raises<Kr::ExSysErrorANSI>(action));
-        reasonOf<Kr::ExSysErrorANSI>(action, file);
-        EXPECT_EQ(errno, EBADF);
+        const bool isReaders = &action - actions < 3;
+        const std::string why = reasonOf<Kr::ExSysErrorANSI>(
+            action, isReaders ? "src/base/osFileReader" : "src/base/osFileWriter");
+        EXPECT_EQ(why, std::strerror(EBADF));
+    }
+    struct Element : OsFile
+    {
+        using OsFile::OsFile;
+        void closeTwice() const
+        {
+            const OsFileTypes::Handle handle = open(1);
+            close(handle);
+            close(handle);
+        }
     };
-    refuses("src/base/osFileReader", [&] { reader.close(); });
-    refuses("src/base/osFileReader", [&] { reader.read(buffer, 1); });
-    refuses("src/base/osFileReader", [&] { reader.seek(0, OsFileTypes::SeekStart); });
-    refuses("src/base/osFileWriter", [&] { writer.close(); });
-    refuses("src/base/osFileWriter", [&] { writer.write(buffer, 1); });
-    refuses("src/base/osFileWriter", [&] { writer.seek(0, OsFileTypes::SeekStart); });
-    refuses("src/base/osFileWriter", [&] { writer.reserve(0); });
-    refuses("src/base/osFileWriter", [&] { writer.flush(); });
+    EXPECT_EQ(codeOf([&] { Element(path).closeTwice(); }), 6U);
 }
 
 TEST_F(Files, MayBeLargerThanTheInterfaceCounts)
 {
     OsFile file(at("large"));
     file.create(permissions, true);
-    fs::resize_file(at("large").getStdPath(), 0x100000005ULL); // sparse
-    EXPECT_EQ(file.getSize(), 5U);
-    EXPECT_EQ(file.getFullSize(), 0x100000005ULL);
+    for (const std::uint64_t size : {0xFFFFFFFEULL, 0xFFFFFFFFULL, 0x100000005ULL}) // sparse
+    {
+        fs::resize_file(at("large").getStdPath(), size);
+        const auto low = static_cast<std::uint32_t>(size);
+        if (low == 0xFFFFFFFF) // which stands for a failure
+            EXPECT_TRUE(raises<Kr::ExSysErrorWindows>([&] { static_cast<void>(file.getSize()); }));
+        else
+            EXPECT_EQ(file.getSize(), low);
+        EXPECT_EQ(file.getFullSize(), size);
+        EXPECT_EQ(OsFileReader(file).seek(-1, OsFileTypes::SeekEnd), low - 1);
+    }
+    const long beyond = std::numeric_limits<long>::max(); // on some systems of more than 32 bits
     OsFileReader reader(file);
-    EXPECT_EQ(reader.seek(-1, OsFileTypes::SeekEnd), 4U);
+    if (beyond > 0x7FFFFFFF)
+        EXPECT_EQ(codeOf([&] { reader.seek(beyond, OsFileTypes::SeekStart); }), 87U);
+    else
+        EXPECT_EQ(reader.seek(beyond, OsFileTypes::SeekStart), 0x7FFFFFFFU);
     reader.close();
     file.remove();
 }
@@ -565,6 +562,7 @@ TEST_F(Files, AreReplacedAsAWholeOrNotAtAll)
         writer.write("newer", 5);
         EXPECT_EQ(codeOf([&] { writer.commit(); }), accessDenied);
         EXPECT_EQ(get("target"), "new");
+        OsSafeWriter(path).write("x", 1); // lets the complete one be
         writer.setPatience(60.);
         std::thread closer(
             [&]

@@ -123,7 +123,8 @@ TEST(LogKept, RecoversWhatWasComplete)
     EXPECT_EQ(textOf(lines[3]), "#");
     EXPECT_EQ(textOf(lines[4]), "third\\n");
     EXPECT_EQ(LgRecovery::recover(folder.getPath().c_str()).processes, 0U);
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.getPath()), {}), 1);
+    for (const auto& entry : std::filesystem::directory_iterator(folder.getPath()))
+        EXPECT_NE(entry.path().extension(), ".rings");
 }
 
 /// The reader takes messages without giving back their room, until a commit; a loss behind them

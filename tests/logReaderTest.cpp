@@ -1,6 +1,8 @@
 #include <base/hwCounter.h>
+#include <base/internal/errors/processIdentity.h>
 #include <base/internal/log/lgColumnFormat.h>
 #include <base/internal/log/lgFile.h>
+#include <base/internal/log/lgInterProcessLock.h>
 #include <base/internal/log/lgJsonFormat.h>
 #include <base/internal/log/lgOutputs.h>
 #include <base/internal/log/lgReader.h>
@@ -38,6 +40,8 @@ struct Memory
     std::string text;
     int appends = 0;
     bool fails = false;
+    std::size_t mostTaken = 1 << 20; ///< at a time
+    std::size_t room = 1 << 30;
 };
 
 class MemoryFile : public Kr::LgFile
@@ -48,12 +52,13 @@ public:
     {
     }
 
-    bool append(const char* text, std::size_t size) noexcept override
+    std::size_t append(const char* text, std::size_t size) noexcept override
     {
         ++_memory.appends;
-        if (!_memory.fails)
-            _memory.text.append(text, size);
-        return !_memory.fails;
+        const bool fits = _memory.text.size() + size <= _memory.room;
+        const std::size_t taken = _memory.fails || !fits ? 0 : std::min(size, _memory.mostTaken);
+        _memory.text.append(text, taken);
+        return taken;
     }
 
     bool sync() noexcept override { return true; }
@@ -295,6 +300,50 @@ TEST_F(LogReader, AnOverflowRecordThatIsLostIsNoMessage)
     EXPECT_EQ(written + reader.getOverflowCount() + outputs.getLostCount(), messages);
 }
 
+/// What was not told by a record before the end is told on the standard error stream; where the
+/// lines find no room, the record that counts them may.
+TEST_F(LogReader, AnOutageThatLastsToTheEndTellsItsTotal)
+{
+    const auto queue = addQueue(1);
+    for (const std::size_t room : {std::size_t{0}, std::size_t{200}})
+    {
+        memory = Memory();
+        memory.fails = room == 0;
+        memory.room = room;
+        testing::internal::CaptureStderr();
+        for (int i = 0; i < 3; ++i)
+            log(*queue, std::string(500, 'q'));
+        reader.flushAll();
+        outputs.close();
+        const std::string complaint = testing::internal::GetCapturedStderr();
+        constexpr const char* total = "3 messages were lost: the log could not be written";
+        EXPECT_THAT(room == 0 ? complaint : memory.text, HasSubstr(total));
+        EXPECT_EQ(complaint.find("lost: ") != std::string::npos, room == 0);
+    }
+    EXPECT_EQ(outputs.getLostCount(), 6U);
+}
+
+/// A pipe takes what it has room for: the rest follows where it stopped, whatever is lost between.
+TEST_F(LogReader, APartOfALineIsContinued)
+{
+    const auto queue = addQueue(1);
+    memory.mostTaken = 700;
+    testing::internal::CaptureStderr();
+    for (int i = 0; i < 600; ++i)
+    {
+        memory.fails = i > 10 && i < 590;
+        log(*queue, std::string(1000, 'p') + std::to_string(i));
+        reader.flushAll();
+        outputs.flush(true);
+    }
+    testing::internal::GetCapturedStderr();
+    const std::vector<std::string> all = texts();
+    EXPECT_EQ(all.size() - 1 + outputs.getLostCount(), 600U);
+    EXPECT_GT(outputs.getLostCount(), 0U);
+    for (const std::string& text : all)
+        EXPECT_EQ(text.rfind('p') == 999, !testing::Matches(HasSubstr("were lost"))(text)) << text;
+}
+
 struct LineCase
 {
     const char* group;
@@ -311,6 +360,11 @@ constexpr LineCase lineCases[] = {
     {"", "\xc3\xa9 \xe2\x82\xac \xf0\x9f\x8e\xa8",
      "-             \xc3\xa9 \xe2\x82\xac \xf0\x9f\x8e\xa8",
      "\"text\":\"\xc3\xa9 \xe2\x82\xac \xf0\x9f\x8e\xa8\"}"},
+    {"\xc2\x90",
+     "\xc2\x9b"
+     "2J \xc2\xa0\xc2",
+     "\\x90          \\x9b2J \xc2\xa0\xc2",
+     "\"group\":\"\\u0090\",\"text\":\"\\u009b2J \xc2\xa0\\u00c2\"}"},
     {"", "\xe9 \xc0\xaf \xed\xa0\x80 \xe2\x82", "-             \xe9 \xc0\xaf \xed\xa0\x80 \xe2\x82",
      "\"text\":\"\\u00e9 \\u00c0\\u00af \\u00ed\\u00a0\\u0080 \\u00e2\\u0082\"}"},
 };
@@ -467,7 +521,7 @@ class LogFile : public testing::Test
 protected:
     static bool append(Kr::LgFile& file, const std::string& text)
     {
-        return file.append(text.data(), text.size());
+        return file.append(text.data(), text.size()) == text.size();
     }
 
     Kr::LgFileSettings at(const std::string& name) const
@@ -569,6 +623,66 @@ TEST_F(LogFile, TwoWritersKeepTheirLinesWhole)
     EXPECT_EQ(all.size(), 2U * lines);
     for (const std::string& line : all)
         EXPECT_EQ(line, std::string(3000, line[0]));
+}
+
+/// A process that was killed in the middle of a write has left a half line.
+TEST_F(LogFile, EndsAHalfLineBeforeItsOwn)
+{
+    const auto file = Kr::LgFile::create(at("events.log"));
+    append(*file, "one\n");
+    for (int i = 0; i < 2; ++i)
+    {
+        std::ofstream(folder / "events.log", std::ios::app | std::ios::binary) << "half";
+        EXPECT_TRUE(append(*file, "whole\n"));
+    }
+    EXPECT_EQ(readFile(folder / "events.log"), "one\nhalf\nwhole\nhalf\nwhole\n");
+}
+
+/// Another one that has the files open, and logs nothing, does not keep the file from its limit.
+TEST_F(LogFile, RotatesAlthoughAnIdleProcessHasTheFilesOpen)
+{
+    Kr::LgFileSettings settings = at("events.log");
+    settings.maxSize = 100;
+    const auto file = Kr::LgFile::create(settings);
+    std::vector<std::unique_ptr<Kr::LgFile>> idle;
+    for (int i = 0; i < 50; ++i)
+    {
+        idle.push_back(Kr::LgFile::create(settings));
+        ASSERT_TRUE(
+            append(*(i % 10 == 0 ? idle.back() : file), std::to_string(1000000 + i) + " ~\n"));
+        EXPECT_LE(std::filesystem::file_size(folder / "events.log"), 100U);
+    }
+    for (const auto& each : idle)
+        each->rest();
+    EXPECT_TRUE(append(*file, "the last\n"));
+    EXPECT_EQ(readLines(folder / "events.log.1").size(), 10U);
+}
+
+/// One wait, then a file of its own; nothing is rotated meanwhile; it comes back and says so.
+TEST_F(LogFile, GoesOnInAFileOfItsOwnWhileAnotherHoldsTheLock)
+{
+    Kr::LgFileSettings settings = at("events.log");
+    settings.maxSize = 100;
+    const auto file = Kr::LgFile::create(settings);
+    append(*file, "first\n");
+    Kr::LgInterProcessLock other(settings.path);
+    ASSERT_EQ(other.acquire(std::chrono::seconds(0)), Kr::LgInterProcessLock::Outcome::held);
+    testing::internal::CaptureStderr();
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < 20; ++i)
+        EXPECT_TRUE(append(*file, "meanwhile\n"));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3)); // 20 waits: 10 s
+    EXPECT_EQ(countLines(testing::internal::GetCapturedStderr()), 1U);
+    EXPECT_EQ(file->takeNews(), "");
+    EXPECT_EQ(readFile(settings.path), "first\n");
+    const std::string own =
+        folder / ("events-" + std::to_string(Kr::ProcessIdentity::getProcessId()) + ".log");
+    EXPECT_EQ(readLines(own).size() + readLines(own + ".1").size(), 20U);
+    other.release();
+    while (file->takeNews().empty())
+        ASSERT_TRUE(append(*file, "x\n"));
+    EXPECT_EQ(readLines(settings.path).back(), "x");
+    EXPECT_FALSE(std::filesystem::exists(own + ".lock"));
 }
 
 } // namespace

@@ -182,6 +182,12 @@ int countModules(DWORD entrySize)
     return count;
 }
 
+bool deletesOnClosing(const char* name)
+{
+    return opened(
+        open(in(name), GENERIC_READ | DELETE, 0, OPEN_EXISTING, FILE_FLAG_DELETE_ON_CLOSE));
+}
+
 DWORD attributesOf(const char* name)
 {
     return GetFileAttributesA(in(name).c_str());
@@ -435,6 +441,9 @@ const Row files[] = {
     {"let go", [] { return release(first) && deletes("n"); }, true},
     {"delete a missing one", [] { return deletes("n"); }, false, ERROR_FILE_NOT_FOUND},
     {"delete a folder", [] { return deletes("d"); }, false, ERROR_ACCESS_DENIED},
+    {"delete on closing what is open", [] { return opens("n", readWrite, 0, CREATE_NEW) && hold(first, "n", GENERIC_READ, shareAll) && deletesOnClosing("n"); }, false, ERROR_SHARING_VIOLATION},
+    {"close, and once more", [] { const HANDLE stale = first; return GetFileType(first) == FILE_TYPE_DISK && release(first) && CloseHandle(stale) != 0; }, false, ERROR_INVALID_HANDLE},
+    {"delete on closing", [] { return deletesOnClosing("n") && has("n", ~0U); }, false, ERROR_FILE_NOT_FOUND},
 };
 
 const Row folders[] = {

@@ -22,7 +22,7 @@ std::string reasonOf(Action action, const char* file = nullptr, int line = 0)
     {
         EXPECT_STREQ(file != nullptr ? file : error.getFileName(), error.getFileName());
         EXPECT_EQ(line != 0 ? line : error.getLineNo(), error.getLineNo());
-        return error.what();
+        return error.getReason();
     }
     return "nothing raised";
 }

@@ -140,7 +140,7 @@ TEST(Lecuyer, SkipsLikeStepsAndItsStreamsNeverMeet)
     EXPECT_THROW(stream.restartStream(2047), ExInternalError);
 }
 
-TYPED_TEST(RandomOf, ShuffledGeneratorIsItsModel)
+TYPED_TEST(RandomOf, ShuffledGeneratorIsItsModelInSinglesAndBlocks)
 {
     using T = TypeParam;
     for (const unsigned int seed : {0U, 1U, 1771875U, 0xFFFFFFFFU})
@@ -153,16 +153,24 @@ TYPED_TEST(RandomOf, ShuffledGeneratorIsItsModel)
         x = next(x);
         T y = static_cast<T>(x) * rm;
         RnNumRecUniformRng<T> rng(seed);
-        const T first = rng();
-        rng.restart();
-        for (unsigned int i = 0; i < 10000; ++i)
+        rng();
+        rng.restart(); // replays
+        std::vector<T> samples;
+        const unsigned int total = seed == 0 ? 1800000 : 10000; // all states once, and more
+        for (unsigned int i = 0, count = 1; i < total; i += count)
         {
-            const auto j = static_cast<unsigned int>(97. * static_cast<double>(y));
-            y = static_cast<T>(table[j]) * rm;
-            table[j] = x = next(x);
-            ASSERT_EQ(rng(), y);
-            ASSERT_TRUE(i != 0 || y == first) << "not replayed";
-            ASSERT_LT(y, T(1));
+            count = count * 5 % 2003 + i % 3; // by turns, in lengths that fit nothing
+            samples.resize(count + 1);
+            rng.getSequence(count, samples.data());
+            samples[count++] = rng();
+            for (const T sample : samples)
+            {
+                const auto j = static_cast<unsigned int>(97. * static_cast<double>(y));
+                y = static_cast<T>(table[j]) * rm;
+                table[j] = x = next(x);
+                ASSERT_EQ(sample, y);
+                ASSERT_LT(y, T(1));
+            }
         }
         EXPECT_EQ(rng.getSeed(), seed);
     }
@@ -279,8 +287,6 @@ TYPED_TEST(RandomOf, HaltonDrawsEachCoordinateInItsBase)
         ASSERT_EQ(point[2], getRadicalInverse<T>(5, i + 1));
         ASSERT_TRUE(point[0] == x[i] && point[1] == y[i] && point[2] == z[i]);
     }
-    sequence.getBlock(77, 10, array);
-    EXPECT_EQ(z[3], getRadicalInverse<T>(5, 81));
 
     RnHaltonBiRng<T> pairs(5, 7);
     unsigned int p0 = 0, p1 = 0;
@@ -299,9 +305,8 @@ TYPED_TEST(RandomOf, HammersleyWrapsOnlyItsGrid)
 {
     using T = TypeParam;
     RnHammersleyMultiRng<T, 2> points(4);
-    std::vector<T> x(10), y(10);
+    std::vector<T> x(4), y(4);
     T* array[] = {x.data(), y.data()};
-    points.getBlock(2, 10, array);
     points.restart(2);
     for (unsigned int i = 0; i < 10; ++i)
     {
@@ -309,7 +314,6 @@ TYPED_TEST(RandomOf, HammersleyWrapsOnlyItsGrid)
         points.getSample(point);
         ASSERT_EQ(point[0], T((2 + i) % 4) / 4 + T(0.125));
         ASSERT_EQ(point[1], getRadicalInverse<T>(2, 3 + i));
-        ASSERT_TRUE(point[0] == x[i] && point[1] == y[i]);
     }
     points.getSequence(3, array); // from the grid's start, whatever the index, which stays
     EXPECT_EQ(x[0], T(0.125));
@@ -471,6 +475,19 @@ TYPED_TEST(RandomOf, GaussianTakesPairsAndKeepsTheSecond)
     EXPECT_THROW(stuck(), RnEx::UnusableSource);
     T samples[10];
     EXPECT_THROW(stuck.getSequence(10, samples), RnEx::UnusableSource);
+
+    const T nan = std::numeric_limits<T>::quiet_NaN();
+    const std::vector<T> values = {T(0.5), T(0.5),  nan,     T(0.1),    1,
+                                   T(0.5), T(0.75), T(0.25), T(0.5001), T(0.5)};
+    Listed<T> singleSource(values), blockSource(values);
+    RnGaussianRng<T> single(&singleSource), block(&blockSource);
+    block.getSequence(10, samples);
+    for (const T sample : samples)
+    {
+        const T expected = single();
+        EXPECT_TRUE(sample == expected || (std::isnan(sample) && std::isnan(expected)));
+    }
+    EXPECT_EQ(blockSource.getTakenCount(), singleSource.getTakenCount());
 }
 
 TYPED_TEST(RandomOf, BlocksAreTheSinglesAndLeaveTheSourceAlike)

@@ -6,7 +6,7 @@
 #include <base/rnEx.h>
 #include <base/rnGaussianRng.h>
 #include <base/rnHaltonBiRng.h>
-#include <base/rnHammersleyMultiRng.h>
+#include <base/rnHammersleyBiRng.h>
 #include <base/rnHistogramRng.h>
 #include <base/rnLecuyerUniformRng.h>
 #include <base/rnMexicanHatRng.h>
@@ -199,13 +199,74 @@ TYPED_TEST(SamplingOf, DirectionsFollowTheirDensity)
     }
 }
 
+/// Turned directions are those around +z, seen in the frame; the density and the box turn with
+/// them.
+TYPED_TEST(SamplingOf, DirectionsTurnWithTheirFrame)
+{
+    using T = TypeParam;
+    const T eps = std::numeric_limits<T>::epsilon();
+    const T axes[][3] = {{0, 3, 4}, {1, 0, 0},  {T(-0.3), T(0.2), T(-7)},
+                         {0, 0, 2}, {0, 0, -1}, {std::numeric_limits<T>::max(), 1, -1}};
+    for (const T(&axis)[3] : axes)
+        for (const double angle : {0.1, 1., 2., pi})
+        {
+            RnHaltonBiRng<T> points, turnedPoints;
+            RnConeMultiRng<T> straight(&points, static_cast<T>(angle));
+            RnConeMultiRng<T> turned(&turnedPoints, static_cast<T>(angle));
+            turned.setAxis(axis);
+            T unit[3], min[3], max[3], lowest[] = {1, 1, 1}, highest[] = {-1, -1, -1};
+            turned.getAxis(unit);
+            turned.getEfficientMin(min);
+            turned.getEfficientMax(max);
+            for (int i = 0; i < 20000; ++i)
+            {
+                T from[3], to[3];
+                straight.getSample(from);
+                turned.getSample(to);
+                ASSERT_NEAR(std::hypot(std::hypot(to[0], to[1]), to[2]), 1, 2 * eps);
+                ASSERT_NEAR(to[0] * unit[0] + to[1] * unit[1] + to[2] * unit[2], from[2], 4 * eps);
+                ASSERT_EQ(turned.getPdf(to), straight.getPdf(from));
+                for (int d = 0; d < 3; ++d)
+                {
+                    lowest[d] = std::min(lowest[d], to[d]);
+                    highest[d] = std::max(highest[d], to[d]);
+                    ASSERT_TRUE(min[d] - eps <= to[d] && to[d] <= max[d] + eps);
+                    ASSERT_TRUE(axis[2] != 2 || to[d] == from[d]);
+                }
+            }
+            for (int d = 0; d < 3; ++d) // the box is no larger than need be
+            {
+                EXPECT_NEAR(lowest[d], min[d], 0.01);
+                EXPECT_NEAR(highest[d], max[d], 0.01);
+            }
+        }
+    RnVanDerCorputRng<T> steps; // 1/2, 1/4: the cosine sqrt(1/2), a quarter around
+    RnSeparableBiRng<T> square(&steps);
+    RnCosineHemisphereMultiRng<T> bounce(&square);
+    const T x[] = {0, 0, -1}, y[] = {0, 1, 0}, z[] = {1, 0, 0};
+    bounce.setFrame(x, y, z);
+    T direction[3];
+    bounce.getSample(direction);
+    EXPECT_NEAR(direction[0], std::sqrt(0.5), eps);
+    EXPECT_NEAR(direction[1], std::sqrt(0.5), eps);
+    EXPECT_NEAR(direction[2], 0, eps);
+    EXPECT_NEAR(bounce.getPdf(direction), std::sqrt(0.5) / pi, eps);
+    direction[0] = -direction[0];
+    EXPECT_EQ(bounce.getPdf(direction), 0);
+}
+
 TEST(Directions, RefuseNullAndAnglesThatAreNone)
 {
     RnHaltonBiRng<double> points;
     EXPECT_THROW(RnSphereMultiRng<double>(nullptr), ExInternalError);
     for (const double angle :
          {0., -1., 3.15, std::nan(""), std::numeric_limits<double>::infinity()})
+    {
         EXPECT_THROW(RnConeMultiRng<double>(&points, angle), ExInternalError) << angle;
+        RnSphereMultiRng<double> sphere(&points);
+        const double axis[] = {0, std::isfinite(angle) ? 0 : angle, 0};
+        EXPECT_THROW(sphere.setAxis(axis), ExInternalError) << axis[1];
+    }
 }
 
 // --- histograms
@@ -405,6 +466,91 @@ TEST(Histogram, RefusesWhatCannotBeSampled)
     EXPECT_THROW(RnHistogramRng<double>(nullptr, RnHistogram<double>(0, 1, 2)), ExInternalError);
 }
 
+// --- any place of a sequence
+// ------------------------------------------------------------------------------------------------
+
+template <class T>
+void getPoint(RnRng<T>& rng, T* point)
+{
+    rng.getSample(*point);
+}
+template <class T>
+void getPoint(RnBiRng<T>& rng, T* point)
+{
+    rng.getSample(point[0], point[1]);
+}
+template <class T, unsigned int N>
+void getPoint(RnMultiRng<T, N>& rng, T* point)
+{
+    rng.getSample(point);
+}
+
+/// A block from any index is what stepping from there gives, leaves the generator alone and writes
+/// nothing behind its end; a sequence is a block from the generator's index, and moves it.
+template <unsigned int N, class T, class Rng, class GetBlock, class GetSequence>
+void expectAnyBlock(Rng rng, GetBlock getBlock, GetSequence getSequence)
+{
+    SCOPED_TRACE(rng.getName());
+    for (const unsigned int index : {0U, 1U, 77U, 4096U, 16777000U, 2147479000U, 4294963100U})
+        for (const unsigned int count : {0U, 1U, 3U, 31U, 64U, 127U, 300U})
+        {
+            std::vector<T> block(N * (count + 1), T(-1)), sequence(N * (count + 1), T(-1));
+            T *blocks[N], *sequences[N];
+            for (unsigned int c = 0; c < N; ++c)
+            {
+                blocks[c] = &block[c * (count + 1)];
+                sequences[c] = &sequence[c * (count + 1)];
+            }
+            rng.restart(index);
+            getBlock(rng, index, count, blocks);
+            Rng stepped = rng;
+            getSequence(rng, count, sequences);
+            for (unsigned int i = 0; i <= count; ++i)
+            {
+                T point[N];
+                if (i < count)
+                    getPoint(stepped, point);
+                for (unsigned int c = 0; c < N; ++c)
+                {
+                    ASSERT_EQ(blocks[c][i], i < count ? point[c] : T(-1)) << index << ", " << i;
+                    ASSERT_EQ(sequences[c][i], blocks[c][i]);
+                }
+            }
+            T next[N], nextStepped[N];
+            getPoint(rng, next);
+            getPoint(stepped, nextStepped);
+            ASSERT_TRUE(std::equal(next, next + N, nextStepped));
+        }
+}
+
+TYPED_TEST(SamplingOf, BlocksOfSequencesAreTheirStepsFromAnyIndex)
+{
+    using T = TypeParam;
+    const auto one = [](const auto& rng, unsigned int index, unsigned int n, T** a)
+    { rng.getBlock(index, n, a[0]); };
+    const auto two = [](const auto& rng, unsigned int index, unsigned int n, T** a)
+    { rng.getBlock(index, n, a[0], a[1]); };
+    const auto many = [](const auto& rng, unsigned int index, unsigned int n, T** a)
+    { rng.getBlock(index, n, a); };
+    const auto sequenceOfOne = [](auto& rng, unsigned int n, T** a) { rng.getSequence(n, a[0]); };
+    const auto sequenceOfTwo = [](auto& rng, unsigned int n, T** a)
+    { rng.getSequence(n, a[0], a[1]); };
+    const auto sequenceOfMany = [](auto& rng, unsigned int n, T** a) { rng.getSequence(n, a); };
+    // A sequence of Hammersley's starts with the grid: its steps stand in.
+    const auto stepsOfTwo = [](auto& rng, unsigned int n, T** a)
+    {
+        for (unsigned int i = 0; i < n; ++i)
+            rng.getSample(a[0][i], a[1][i]);
+    };
+    expectAnyBlock<1, T>(RnVanDerCorputRng<T>(3), one, sequenceOfOne);
+    expectAnyBlock<1, T>(RnScrambledVanDerCorputRng<T>(5), one, sequenceOfOne);
+    expectAnyBlock<2, T>(RnHaltonBiRng<T>(5, 7), two, sequenceOfTwo);
+    expectAnyBlock<2, T>(RnHammersleyBiRng<T>(77), two, stepsOfTwo);
+    expectAnyBlock<3, T>(RnHaltonMultiRng<T, 3>(), many, sequenceOfMany);
+    expectAnyBlock<4, T>(RnNiederreiterMultiRng<T>(), many, sequenceOfMany);
+    expectAnyBlock<4, T>(RnScrambledNiederreiterMultiRng<T>(5), many, sequenceOfMany);
+}
+
 // --- scrambling
 // -----------------------------------------------------------------------------------
 
@@ -428,7 +574,7 @@ TEST(Scrambled, KeepsWhatPointsHaveInCommonAndNothingElse)
         RnScrambledVanDerCorputRng<double> scrambled1(seed);
         RnNiederreiterMultiRng<double> plain;
         RnScrambledNiederreiterMultiRng<double> scrambled(seed);
-        std::vector<double> before(5 * count), after(5 * count), point(4);
+        std::vector<double> before(5 * count), after(5 * count);
         double* from[] = {&before[0], &before[count], &before[2 * count], &before[3 * count]};
         double* to[] = {&after[0], &after[count], &after[2 * count], &after[3 * count]};
         plain.getSequence(count, from);
@@ -441,12 +587,6 @@ TEST(Scrambled, KeepsWhatPointsHaveInCommonAndNothingElse)
                 for (unsigned int j = 0; j < i; ++j)
                     ASSERT_EQ(getCommonBits(before[c + i], before[c + j]),
                               getCommonBits(after[c + i], after[c + j]));
-        scrambled.restart(77);
-        scrambled.getSample(point.data());
-        for (unsigned int c = 0; c < 4; ++c)
-            EXPECT_EQ(point[c], to[c][77]);
-        scrambled1.restart(77);
-        EXPECT_EQ(scrambled1(), after[4 * count + 77]);
     }
 }
 

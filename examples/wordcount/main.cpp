@@ -8,6 +8,7 @@
 #include <base/lgTimeline.h>
 #include <base/log.h>
 #include <base/profConsolidator.h>
+#include <base/profScope.h>
 #include <base/profiler.h>
 
 #include <algorithm>
@@ -37,32 +38,9 @@ struct Worker
     WordProfiler counting{"count its words"};
 };
 
-/// A profiler's cycle that ends with its block. The timeline shows it.
-class Cycle
-{
-public:
-    explicit Cycle(WordProfiler& profiler)
-        : _profiler(profiler)
-    {
-        _profiler.start();
-    }
-
-    Cycle(const Cycle&) = delete;
-    Cycle& operator=(const Cycle&) = delete;
-
-    ~Cycle()
-    {
-        _profiler.stop();
-        _profiler.endCycle();
-    }
-
-private:
-    WordProfiler& _profiler;
-};
-
 bool readText(const std::string& path, Worker& worker, std::string& text)
 {
-    const Cycle cycle(worker.reading);
+    const Kr::ProfCycle cycle(worker.reading);
     std::ifstream file(path, std::ios::binary);
     text.assign(std::istreambuf_iterator<char>(file), {});
     return file.good() || file.eof();
@@ -76,7 +54,7 @@ bool isLetter(char c)
 /// Returns how many words there are.
 int countWords(const Kr::LgMinorGroup& group, const std::string& text, Worker& worker)
 {
-    const Cycle cycle(worker.counting);
+    const Kr::ProfCycle cycle(worker.counting);
     int total = 0;
     auto at = std::find_if(text.begin(), text.end(), isLetter);
     while (at != text.end())

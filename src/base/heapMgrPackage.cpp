@@ -25,12 +25,12 @@ void tellAccounts(Kr::LgCounters::Add add, void* timeline)
 void KrInit::heapMgr::start()
 {
     if (Kr::HmLedger::isActive())
-        Kr::LgCounters::setSource(&tellAccounts);
+        Kr::LgCounters::addSource(&tellAccounts);
     Kr::InSingleton<Kr::HmHeapMgr>::initialize(Kr::HmHeapMgr::create());
 }
 
 void KrInit::heapMgr::stop()
 {
-    Kr::LgCounters::setSource(nullptr);
+    Kr::LgCounters::removeSource(&tellAccounts);
     Kr::InSingleton<Kr::HmHeapMgr>::destroy();
 }

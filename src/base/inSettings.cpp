@@ -4,6 +4,7 @@
 #include <base/inEx.h>
 #include <base/inPackageInit.h>
 #include <base/inVariableEx.h>
+#include <base/internal/errors/nearestNames.h>
 #include <base/internal/init/inCommandLine.h>
 #include <base/internal/init/inNameTable.h>
 #include <base/internal/init/inNamedVariable.h>
@@ -123,26 +124,6 @@ bool isKnown(std::string_view option)
     return names != nullptr && names->variable != nullptr && names->variable->isFlag();
 }
 
-/// How many characters have to be inserted, removed, replaced or exchanged with their neighbours to
-/// make one text of the other (optimal string alignment, Damerau 1964).
-std::size_t getDistance(std::string_view a, std::string_view b)
-{
-    Vector<Vector<std::size_t>> distance(a.size() + 1, Vector<std::size_t>(b.size() + 1));
-    for (std::size_t i = 0; i <= a.size(); ++i)
-        for (std::size_t j = 0; j <= b.size(); ++j)
-        {
-            std::size_t& best = distance[i][j];
-            best = std::max(i, j); // right where one text is empty, too much elsewhere
-            if (i == 0 || j == 0)
-                continue;
-            best = std::min(best, distance[i - 1][j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1));
-            best = std::min({best, distance[i - 1][j] + 1, distance[i][j - 1] + 1});
-            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
-                best = std::min(best, distance[i - 2][j - 2] + 1);
-        }
-    return distance[a.size()][b.size()];
-}
-
 Vector<std::string> getKnownOptions()
 {
     Vector<std::string> known{std::string(helpOption)};
@@ -169,7 +150,7 @@ std::string findNearest(std::string_view option)
     std::size_t least = option.size() / 3; // a third of the characters may be wrong
     for (const std::string& known : getKnownOptions())
     {
-        const std::size_t distance = getDistance(option, known);
+        const std::size_t distance = getEditDistance(option, known);
         if (distance > least || (distance == least && !nearest.empty()))
             continue;
         least = distance;
@@ -273,6 +254,18 @@ void InSettings::setOverride(const char* handle, const char* text)
     if (variable != nullptr && variable->isInitialized())
         raise<InEx::ExVariableAlreadyInitialized>(KR_HERE, handle);
     table.setOverride(handle, text);
+}
+
+InSettingsStore* InSettings::setStore(InSettingsStore* store) noexcept
+{
+    return InNameTable::getInstance().setStore(store);
+}
+
+void InSettings::store(const InPackageInitBase& package)
+{
+    for (const auto& [handle, names] : InNameTable::getInstance().getHandles())
+        if (names.variable != nullptr && &names.variable->getPackage() == &package)
+            names.variable->store();
 }
 
 } // namespace Kr

@@ -17,7 +17,8 @@
 ///     return 0;
 /// }
 /// @endcode
-/// A setting is an `InVariable<T>`, with the names that context aliases give it.
+/// A setting is an `InVariable<T>`, with the names that context aliases give it. What the user has
+/// chosen is kept for later runs by a store, such as `OsSettingsStore`.
 ///
 /// Pitfalls: only what has been constructed is known: a library that is loaded later brings its
 /// settings along, so a program with such libraries asks for help and refuses options when they are
@@ -29,6 +30,9 @@
 
 namespace Kr
 {
+
+class InPackageInitBase;
+class InSettingsStore;
 
 class KR_BASE_API InSettings
 {
@@ -62,6 +66,15 @@ public:
     /// earlier one. Raises `ExInternalError` when a text is null, and
     /// `InEx::ExVariableAlreadyInitialized` when the variable has started.
     static void setOverride(const char* handle, const char* text);
+
+    /// Names the store whose texts take precedence over the defaults, for the packages that start
+    /// from now on; null for none. Returns the previous one.
+    static InSettingsStore* setStore(InSettingsStore* store) noexcept;
+
+    /// Stores the values of a package's variables, wherever they came from: a later start without
+    /// overrides and options takes them again. Those that are as they would be without a store are
+    /// removed from it. Raises as `InNamedVariable::store`.
+    static void store(const InPackageInitBase& package);
 };
 
 } // namespace Kr

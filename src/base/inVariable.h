@@ -28,7 +28,8 @@
 ///    `--viewer.vsync`, `--no-viewer.vsync` or `--viewer.vsync=off`. The value in the next word may
 ///    begin with one dash but not with two. When an option is repeated the last one wins;
 /// 3. the environment, as it was when the process began;
-/// 4. the default.
+/// 4. the store that the program has named, if any (osSettingsStore.h);
+/// 5. the default.
 ///
 /// A variable has an environment name and shorter options when a context alias gives them
 /// (inContextAlias.h). The forms of the values are those of `InValueForm`; a number takes an
@@ -81,6 +82,11 @@ public:
     /// allow raises when the package starts. Raises `InEx::ExVariableAlreadyInitialized` when it
     /// has started.
     void setOverride(const T& value);
+
+    /// Stores a value for the next start, in this program's store; the value of this run stays as
+    /// it is. Raises `InVariableEx::ExMalformedValue` for one that the form does not allow, and as
+    /// `store` does.
+    void setStored(const T& value);
 
     bool isFlag() const override;
     bool isDefaultValid() const override;
@@ -141,6 +147,12 @@ template <class T>
 void InVariable<T>::setOverride(const T& value)
 {
     InSettings::setOverride(getHandle(), _form.write(value).c_str());
+}
+
+template <class T>
+void InVariable<T>::setStored(const T& value)
+{
+    storeText(_form.write(value));
 }
 
 template <class T>

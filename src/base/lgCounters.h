@@ -16,8 +16,9 @@
 /// @endcode
 /// The logger's reader asks each time that it writes the timeline, and writes what has changed.
 ///
-/// Pitfalls: the source runs on the reader's thread, and must not log. There is one for the
-/// process; a program whose heap is checked (`hmCheckedNew.h`) has its ledger there.
+/// Pitfalls: a source runs on the reader's thread, and must not log. `setSource` is the program's
+/// own; libraries add theirs, as the ledger of a checked heap (`hmCheckedNew.h`) and the counters
+/// of the system (`KR_LOG_TIMELINE_COUNTERS`) do.
 
 #include <base/krBaseApi.h>
 
@@ -36,6 +37,14 @@ public:
     /// Null for none, as it is at first. For any thread; the one before may still be running.
     static void setSource(Source source) noexcept;
     static Source getSource() noexcept;
+
+    /// Adds a source to that of the program; false if there are eight already.
+    static bool addSource(Source source) noexcept;
+    /// Takes it back. It may still be running.
+    static void removeSource(Source source) noexcept;
+
+    /// Calls all sources.
+    static void ask(Add add, void* timeline);
 };
 
 } // namespace Kr

@@ -8,9 +8,7 @@
 #include <base/lgGroups.h>
 #include <base/osEnv.h>
 
-#include <filesystem>
 #include <iostream>
-#include <system_error>
 
 namespace Kr
 {
@@ -21,9 +19,6 @@ namespace
 /// What is left of processes that were killed comes first.
 void recover(const LgSettings& settings)
 {
-    std::error_code error;
-    if (!std::filesystem::is_directory(settings.directory, error))
-        return;
     for (const std::string& problem : LgRescue(settings.directory, &settings).run().problems)
         std::cerr << problem << std::endl;
 }

@@ -28,7 +28,8 @@
 /// | `std::chrono::duration` | the count and its unit: 250ms |
 /// | `std::thread::id` | the standard library's number |
 /// | `Rational`, `DtTime`, `DtRefTime`, `DtTimeMark`, profilers, `ProfConsolidator`,
-/// `ProfHistogram` | as in a `std::ostream` of its own, whatever the locale |
+/// `ProfHistogram`, `PrCounter`, `PrQuery` | as in a `std::ostream` of its own, whatever the locale
+/// |
 ///
 /// Pitfalls: what the last two lines name is formatted in the statement by a `std::ostream`, which
 /// takes a microsecond where a number takes nanoseconds. A duration in floating point has six
@@ -49,6 +50,8 @@ namespace Kr
 class DtRefTime;
 class DtTime;
 class DtTimeMark;
+class PrCounter;
+class PrQuery;
 class ProfConsolidator;
 class ProfHistogram;
 class Rational;
@@ -80,6 +83,8 @@ KR_BASE_API LgStream& operator<<(LgStream& stream, const std::thread::id& thread
 KR_BASE_API LgStream& operator<<(LgStream& stream, const DtRefTime& time);
 KR_BASE_API LgStream& operator<<(LgStream& stream, const DtTime& time);
 KR_BASE_API LgStream& operator<<(LgStream& stream, const DtTimeMark& mark);
+KR_BASE_API LgStream& operator<<(LgStream& stream, const PrCounter& counter);
+KR_BASE_API LgStream& operator<<(LgStream& stream, const PrQuery& query);
 KR_BASE_API LgStream& operator<<(LgStream& stream, const ProfConsolidator& consolidator);
 KR_BASE_API LgStream& operator<<(LgStream& stream, const ProfHistogram& histogram);
 KR_BASE_API LgStream& operator<<(LgStream& stream, const Rational& value);

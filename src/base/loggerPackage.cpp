@@ -2,6 +2,7 @@
 #include <base/inInit.imp>
 #include <base/inInitMgr.h>
 #include <base/inVariable.h>
+#include <base/internal/log/lgSystemTracks.h>
 #include <base/krInitPackages.h>
 #include <base/lgLog.h>
 #include <base/osEnv.h>
@@ -79,6 +80,10 @@ const Setting<Format> format("KR_LOG_FORMAT", "logger.format", Format::Text, "Th
 const Setting<std::int32_t> maxFiles("KR_LOG_MAX_FILES", "logger.maxFiles", 1,
                                      "How many renamed files stay", {1, 999});
 
+const Setting<double> timelineCounters(
+    "KR_LOG_TIMELINE_COUNTERS", "logger.timelineCounters", 0.,
+    "Seconds between the samples of processor and memory in the timeline; 0 for none", {0., 3600.});
+
 std::map<std::string, std::string> given; // by the environment variable's name
 
 std::string toText(const std::string& value)
@@ -142,9 +147,11 @@ void KrInit::logger::start()
     given.clear();
     takeAll();
     Kr::LgLog::init(lookUp);
+    Kr::LgSystemTracks::start(timelineCounters.variable.getValue());
 }
 
 void KrInit::logger::stop()
 {
     Kr::LgLog::destroy();
+    Kr::LgSystemTracks::stop();
 }

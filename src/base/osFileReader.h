@@ -36,7 +36,8 @@ public:
 
     /// Reads up to `count` bytes and returns how many there were: 0 at the end of the file.
     unsigned long read(void* buffer, unsigned long count);
-    /// Moves by 32 bits; returns the low 32 bits of the new position.
+    /// Moves by an offset of 32 bits, a wider one raises; returns the low 32 bits of the new
+    /// position.
     unsigned long seek(long offset, OsFileTypes::SeekMode mode);
     void close();
 

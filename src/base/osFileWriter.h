@@ -43,9 +43,11 @@ public:
     /// Writes and returns how many bytes could be: fewer than `count` if the system reports the end
     /// of the medium. A disk that is full meanwhile raises as any other failure does.
     unsigned long write(const void* buffer, unsigned long count);
-    /// Moves by 32 bits; returns the low 32 bits of the new position.
+    /// Moves by an offset of 32 bits, a wider one raises; returns the low 32 bits of the new
+    /// position.
     unsigned long seek(long offset, OsFileTypes::SeekMode mode);
     /// Makes the file exactly that many bytes long, growing or cutting it, and moves to its end.
+    /// Room for what it grows by is taken from the disk. A failure leaves size and position.
     void reserve(unsigned long size);
     void flush(); ///< waits until what was written is on the disk
     void close();

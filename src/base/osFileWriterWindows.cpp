@@ -51,12 +51,19 @@ unsigned long OsFileWriter::performSeek(long offset, OsFileTypes::SeekMode mode)
 
 void OsFileWriter::performReserve(unsigned long size) const
 {
+    const HANDLE handle = toSystem(_handle);
+    LARGE_INTEGER before = {};
     LARGE_INTEGER end = {};
     end.QuadPart = static_cast<std::int64_t>(size);
-    if (SetFilePointerEx(toSystem(_handle), end, nullptr, FILE_BEGIN) == 0)
+    if (SetFilePointerEx(handle, LARGE_INTEGER(), &before, FILE_CURRENT) == 0 ||
+        SetFilePointerEx(handle, end, nullptr, FILE_BEGIN) == 0)
         raise<ExSysErrorWindows>(KR_HERE);
-    if (SetEndOfFile(toSystem(_handle)) == 0)
-        raise<ExSysErrorWindows>(KR_HERE);
+    if (SetEndOfFile(handle) != 0)
+        return;
+    const DWORD error = GetLastError();
+    SetFilePointerEx(handle, before, nullptr, FILE_BEGIN);
+    SetLastError(error);
+    raise<ExSysErrorWindows>(KR_HERE);
 }
 
 void OsFileWriter::performFlush() const

@@ -17,9 +17,12 @@ HANDLE toSystem(OsFileTypes::Handle handle)
     return reinterpret_cast<HANDLE>(handle); // NOLINT: a handle is a number to the library
 }
 
-OsFileTypes::Handle openWith(const char* path, DWORD access, DWORD share, DWORD disposition)
+constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+OsFileTypes::Handle openWith(const char* path, DWORD access, DWORD share, DWORD disposition,
+                             DWORD flags = FILE_ATTRIBUTE_NORMAL)
 {
-    const HANDLE handle = krCreateFile(path, access, share, disposition);
+    const HANDLE handle = krCreateFile(path, access, share, disposition, flags);
     return handle != INVALID_HANDLE_VALUE ? reinterpret_cast<OsFileTypes::Handle>(handle)
                                           : OsFileTypes::invalidHandle;
 }
@@ -27,8 +30,7 @@ OsFileTypes::Handle openWith(const char* path, DWORD access, DWORD share, DWORD 
 /// What tells two open files apart.
 bool identify(const OsFilePath& path, BY_HANDLE_FILE_INFORMATION& information)
 {
-    const OsFileTypes::Handle handle = openWith(
-        path.getChars(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, OPEN_EXISTING);
+    const OsFileTypes::Handle handle = openWith(path.getChars(), 0, shareAll, OPEN_EXISTING);
     if (handle == OsFileTypes::invalidHandle)
         return false;
     const bool known = GetFileInformationByHandle(toSystem(handle), &information) != 0;
@@ -85,8 +87,13 @@ unsigned long OsFsUtilsWindows::seek(OsFileTypes::Handle handle, long offset,
 {
     constexpr DWORD methods[] = {FILE_CURRENT, FILE_BEGIN, FILE_END};
     KR_ASSERT(mode >= OsFileTypes::SeekCurrent && mode <= OsFileTypes::SeekEnd);
-    const DWORD position =
-        SetFilePointer(toSystem(handle), static_cast<LONG>(offset), nullptr, methods[mode]);
+    const auto distance = static_cast<LONG>(offset);
+    if (distance != offset)
+    {
+        SetLastError(ERROR_INVALID_PARAMETER); // rather than go somewhere else
+        raise<ExSysErrorWindows>(KR_HERE);
+    }
+    const DWORD position = SetFilePointer(toSystem(handle), distance, nullptr, methods[mode]);
     // The last error is not cleared before the call: one that is left over counts as a failure.
     if (GetLastError() != ERROR_SUCCESS)
         raise<ExSysErrorWindows>(KR_HERE);
@@ -118,18 +125,41 @@ bool OsFsUtilsWindows::isInUse()
 bool OsFsUtilsWindows::isProtected(const OsFilePath& path)
 {
     const DWORD attributes = krGetAttributes(path.getChars());
-    return attributes != INVALID_FILE_ATTRIBUTES &&
-           (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) != 0;
+    if (attributes == INVALID_FILE_ATTRIBUTES)
+        return false;
+    if ((attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) != 0)
+        return true;
+    const OsFileTypes::Handle handle =
+        openWith(path.getChars(), GENERIC_WRITE, shareAll, OPEN_EXISTING);
+    if (handle == OsFileTypes::invalidHandle)
+        return GetLastError() == ERROR_ACCESS_DENIED;
+    const bool isFile = GetFileType(toSystem(handle)) == FILE_TYPE_DISK;
+    CloseHandle(toSystem(handle));
+    return !isFile;
 }
 
-bool OsFsUtilsWindows::removeFile(const OsFilePath& path)
+OsFileTypes::Handle OsFsUtilsWindows::claim(const OsFilePath& path)
 {
-    return krDeleteFile(path.getChars());
+    return openWith(path.getChars(), GENERIC_READ, shareAll, CREATE_NEW);
 }
 
-unsigned long OsFsUtilsWindows::getProcessNumber()
+bool OsFsUtilsWindows::isTaken()
 {
-    return GetCurrentProcessId();
+    const DWORD error = GetLastError();
+    return error == ERROR_FILE_EXISTS || error == ERROR_SHARING_VIOLATION ||
+           error == ERROR_ACCESS_DENIED; // what a file says that is being removed
+}
+
+bool OsFsUtilsWindows::removeAbandoned(const OsFilePath& path)
+{
+    const OsFileTypes::Handle handle = openWith(path.getChars(), GENERIC_READ | DELETE, 0,
+                                                OPEN_EXISTING, FILE_FLAG_DELETE_ON_CLOSE);
+    return handle != OsFileTypes::invalidHandle && close(handle);
+}
+
+void OsFsUtilsWindows::copyProtection(const OsFilePath& from, const OsFilePath& to)
+{
+    krCopyProtection(from.getChars(), to.getChars());
 }
 
 } // namespace Kr

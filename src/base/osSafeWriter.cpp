@@ -5,7 +5,6 @@
 #include <base/osFileEx.h>
 #include <base/raise.h>
 
-#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <string>
@@ -26,59 +25,68 @@ const OsFilePath& checkTarget(const OsFilePath& target)
     return target;
 }
 
-/// A name beside the target that nothing has: of this process, this moment. A process that was
-/// killed may have left one with the same number.
-OsFilePath makeTemporaryPath(const OsFilePath& target)
+OsFilePath getTemporaryPath(const OsFilePath& target, int number)
 {
-    static std::atomic<unsigned> count{0};
-    return target.getString() + ".~" + std::to_string(OsFsUtilsWindows::getProcessNumber()) + '-' +
-           std::to_string(count.fetch_add(1, std::memory_order_relaxed));
-}
-
-/// Creates an empty file of a new name.
-OsFilePath createTemporaryFile(const OsFilePath& target)
-{
-    constexpr int maxAttempts = 1000;
-    for (int attempt = 1;; ++attempt)
-    {
-        OsFilePath path = makeTemporaryPath(target);
-        try
-        {
-            OsFsUtilsWindows::createFile(path.getChars(), true);
-            return path;
-        }
-        catch (const OsFileEx::ExFileExists&)
-        {
-            if (attempt == maxAttempts)
-                throw;
-        }
-    }
+    return target.getString() + ".~unsaved" + std::to_string(number);
 }
 
 } // namespace
+
+/// A temporary file beside the target, which is removed at the end unless it was moved away. Its
+/// handle is open for as long as the file bears that name: what nobody has open has been left
+/// behind by a process that was killed.
+class OsSafeWriter::Claim
+{
+public:
+    explicit Claim(const OsFilePath& target);
+    Claim(const Claim&) = delete;
+    Claim& operator=(const Claim&) = delete;
+    ~Claim();
+
+    const OsFilePath& getPath() const noexcept { return _path; }
+    void setMoved() noexcept { _isMoved = true; }
+
+private:
+    OsFilePath _path;
+    OsFileTypes::Handle _handle = OsFileTypes::invalidHandle;
+    bool _isMoved = false;
+};
+
+OsSafeWriter::Claim::Claim(const OsFilePath& target)
+{
+    constexpr int maxNumber = 100;
+    int number = 0;
+    for (; _handle == OsFileTypes::invalidHandle; ++number)
+    {
+        _path = getTemporaryPath(target, number);
+        OsFsUtilsWindows::removeAbandoned(_path);
+        _handle = OsFsUtilsWindows::claim(_path);
+        if (_handle == OsFileTypes::invalidHandle &&
+            (!OsFsUtilsWindows::isTaken() || number == maxNumber))
+            raise<ExSysErrorWindows>(KR_HERE);
+    }
+    while (OsFsUtilsWindows::removeAbandoned(getTemporaryPath(target, number)))
+        ++number;
+}
+
+OsSafeWriter::Claim::~Claim()
+{
+    OsFsUtilsWindows::close(_handle);
+    if (!_isMoved)
+        OsFsUtilsWindows::removeAbandoned(_path);
+}
 
 OsSafeWriter::OsSafeWriter(const OsFilePath& target)
     : _path(checkTarget(target))
     , _patience(1.)
     , _state(State::Open)
-    , _writer(createTemporaryFile(target), OsFileTypes::Permissions(3, 3, 0), false)
+    , _claim(std::make_unique<Claim>(target))
+    , _writer(_claim->getPath(), OsFileTypes::Permissions(3, 3, 0), false)
 {
+    OsFsUtilsWindows::copyProtection(_path, _claim->getPath());
 }
 
-OsSafeWriter::~OsSafeWriter()
-{
-    try
-    {
-        if (_state == State::Open)
-            _writer.close();
-    }
-    catch (const ExBase&)
-    {
-        // The content is given up anyway.
-    }
-    if (_state != State::Committed)
-        OsFsUtilsWindows::removeFile(_writer.getPath());
-}
+OsSafeWriter::~OsSafeWriter() = default; // closes the writer before the claim removes its file
 
 void OsSafeWriter::checkState(State last) const
 {
@@ -114,6 +122,8 @@ void OsSafeWriter::commit()
     if (!replace())
         raise<ExSysErrorWindows>(KR_HERE);
     _state = State::Committed;
+    _claim->setMoved();
+    _claim.reset();
 }
 
 /// Tries for as long as others hold the target and the patience lasts. False with the last error

@@ -9,28 +9,22 @@
 /// @endcode
 
 #include <base/rnHammersleyMultiRng.h>
+#include <base/rnPairedBiRng.h>
 
 namespace Kr
 {
 
+extern template class KR_BASE_API RnPairedBiRng<float, RnHammersleyMultiRng<float, 2>>;
+extern template class KR_BASE_API RnPairedBiRng<double, RnHammersleyMultiRng<double, 2>>;
+
 template <class T>
-class RnHammersleyBiRng : public RnUnitBiRng<T>
+class RnHammersleyBiRng : public RnPairedBiRng<T, RnHammersleyMultiRng<T, 2>>
 {
 public:
     /// @throws ExInternalError if the length is 0
     explicit RnHammersleyBiRng(unsigned int length);
 
-    void getSample(T& x, T& y) override;
-    /// @throws ExInternalError if an array is null, or if there are not `n` points
-    void getSequence(unsigned int n, T* array0, T* array1) override;
-    T getEfficientFraction() const override;
-    T getPdf(T x, T y) const override;
-
-    void restart() override;
-    char const* getName() const override;
-
-private:
-    RnHammersleyMultiRng<T, 2> _rng;
+    unsigned int getLength() const;
 };
 
 extern template class KR_BASE_API RnHammersleyBiRng<float>;

@@ -11,7 +11,8 @@
 /// assert(noise() == first);
 /// @endcode
 /// Pitfalls: with so few values, do not take it where more than 20 bits of a sample matter; take
-/// `RnLecuyerUniformRng` there. A generator cannot be copied.
+/// `RnLecuyerUniformRng` there. A generator cannot be copied. It makes its samples 64 at a time: one
+/// that gives only a few costs more.
 ///
 /// C. Bays, S. D. Durham: Improving a Poor Random Number Generator. ACM Transactions on
 /// Mathematical Software 2 (1), 1976.
@@ -50,10 +51,21 @@ public:
 private:
     static const T RM; ///< 1/1771875
 
-    T _y; ///< chooses the entry that comes next
+    enum : unsigned int
+    {
+        aheadLength = 64
+    };
+
+    static T getFraction(std::uint32_t entry);
+    std::uint32_t exchange(std::uint32_t last, std::uint32_t replacement);
+    void makeGroups(unsigned int n, T* array);
+
+    std::uint32_t _last; ///< the entry of the sample made last; it chooses the next
     unsigned int _seed;
-    std::uint32_t _x;
+    std::uint32_t _x; ///< the state put into the table last
     std::unique_ptr<std::uint32_t[]> _table;
+    unsigned int _next; ///< of the samples made ahead
+    T _ahead[aheadLength];
 };
 
 template <class T>

@@ -1,8 +1,11 @@
 #include <base/assert.h>
 #include <base/internal/random/niederreiterTable.h>
-#include <base/internal/random/radicalInverse.h>
+#include <base/internal/random/reversedBits.h>
 #include <base/rnScrambledRng.h>
 
+#include <algorithm>
+#include <cstring>
+#include <numeric>
 #include <type_traits>
 
 namespace Kr
@@ -13,7 +16,8 @@ namespace
 
 /// Turns each bit over, or not, by those below it: S. Laine, T. Karras, Stratified Sampling for
 /// Stochastic Transparency, 2011, with the constants that N. Vegdahl found in 2021.
-constexpr std::uint32_t getScrambledUpwards(std::uint32_t bits, std::uint32_t seed)
+template <class Bits>
+Bits getScrambledUpwards(Bits bits, Bits seed)
 {
     bits ^= bits * 0x3D20ADEAU;
     bits += seed;
@@ -32,21 +36,54 @@ constexpr std::uint32_t getMixed(std::uint32_t seed)
     return seed ^ seed >> 16;
 }
 
+using Words = Lanes<std::uint32_t>;
+
+/// The fractions of four 32-bit numerators; a float keeps the 24 highest bits. The conversions are
+/// the signed ones, which are fast, and all is exact.
 template <class T>
-T getFraction(std::uint32_t bits)
+void storeFractions(Words bits, T* array)
 {
+    Lanes<T> fractions;
     if constexpr (std::is_same_v<T, float>)
-        return static_cast<T>(bits >> 8) * (1.F / 16777216.F);
+    {
+        const auto high = reinterpret_cast<Lanes<std::int32_t>>(bits >> 8);
+        fractions = __builtin_convertvector(high, Lanes<T>) * (1.F / 16777216.F);
+    }
     else
-        return bits * (1. / 4294967296.);
+    {
+        const auto less = reinterpret_cast<Lanes<std::int32_t>>(bits ^ 0x80000000U);
+        fractions = (__builtin_convertvector(less, Lanes<T>) + 2147483648.) * (1. / 4294967296.);
+    }
+    std::memcpy(array, &fractions, sizeof fractions);
 }
 
-/// A radical inverse is its index mirrored, which is the order that the scrambling wants.
+/// Scrambles four fractions that come mirrored, which is the order that the scrambling wants. A
+/// radical inverse is its index mirrored.
 template <class T>
-T getScrambledInverse(std::uint32_t n, std::uint32_t mixedSeed)
+void storeScrambled(Words mirrored, Words mixedSeeds, T* array)
 {
-    return getFraction<T>(getReversedBits(getScrambledUpwards(n, mixedSeed)));
+    storeFractions(getReversedBits(getScrambledUpwards(mirrored, mixedSeeds)), array);
 }
+
+/// Scrambles one coordinate of many points.
+template <class T>
+void scramble(const std::uint32_t* mirrored, unsigned int count, std::uint32_t mixedSeed, T* array)
+{
+    constexpr unsigned int length = 4;
+    const Words seeds = mixedSeed + Words{};
+    Words words{};
+    for (; count >= length; count -= length, mirrored += length, array += length)
+    {
+        std::memcpy(&words, mirrored, sizeof words);
+        storeScrambled(words, seeds, array);
+    }
+    T rest[length];
+    std::memcpy(&words, mirrored, count * sizeof *mirrored);
+    storeScrambled(words, seeds, rest);
+    std::copy_n(rest, count, array);
+}
+
+constexpr unsigned int tileLength = 128;
 
 } // namespace
 
@@ -60,7 +97,10 @@ RnScrambledVanDerCorputRng<T>::RnScrambledVanDerCorputRng(unsigned int seed)
 template <class T>
 T RnScrambledVanDerCorputRng<T>::operator()()
 {
-    return getScrambledInverse<T>(++_index, getMixed(_seed));
+    const std::uint32_t bits = getScrambledUpwards<std::uint32_t>(++_index, getMixed(_seed));
+    T fractions[4];
+    storeFractions(getReversedBits(bits) + Words{}, fractions);
+    return fractions[0];
 }
 
 template <class T>
@@ -75,8 +115,13 @@ void RnScrambledVanDerCorputRng<T>::getBlock(unsigned int index, unsigned int n,
 {
     KR_ASSERT(array);
     const std::uint32_t mixedSeed = getMixed(_seed);
-    for (unsigned int i = 0; i < n; ++i)
-        array[i] = getScrambledInverse<T>(index + 1 + i, mixedSeed);
+    for (unsigned int done = 0, count = 0; done < n; done += count)
+    {
+        count = std::min(n - done, tileLength);
+        std::uint32_t indices[tileLength];
+        std::iota(indices, indices + count, index + 1 + done);
+        scramble(indices, count, mixedSeed, array + done);
+    }
 }
 
 template <class T>
@@ -106,12 +151,6 @@ namespace
 /// The points of the sequence as it is: the same that are left out there are left out here.
 constexpr std::uint32_t skippedCount = 4096;
 
-template <class T>
-T getScrambledFraction(std::uint32_t bits, std::uint32_t mixedSeed)
-{
-    return getScrambledInverse<T>(getReversedBits(bits << 1), mixedSeed);
-}
-
 } // namespace
 
 template <class T>
@@ -127,10 +166,11 @@ RnScrambledNiederreiterMultiRng<T>::RnScrambledNiederreiterMultiRng(unsigned int
 template <class T>
 void RnScrambledNiederreiterMultiRng<T>::getSample(T* const sample)
 {
-    const Niederreiter::Row point = Niederreiter::getPoint(_index + skippedCount);
+    const Words point = Niederreiter::getPoint(_index + skippedCount);
     ++_index;
-    for (unsigned int c = 0; c < point.size(); ++c)
-        sample[c] = getScrambledFraction<T>(point[c], _coordinateSeeds[c]);
+    Words seeds;
+    std::memcpy(&seeds, &_coordinateSeeds, sizeof seeds);
+    storeScrambled(getReversedBits(point << 1), seeds, sample);
 }
 
 template <class T>
@@ -145,11 +185,14 @@ void RnScrambledNiederreiterMultiRng<T>::getBlock(unsigned int index, unsigned i
                                                   T** const array) const
 {
     KR_ASSERT(array);
-    for (unsigned int i = 0; i < n; ++i)
+    for (unsigned int done = 0, count = 0; done < n; done += count)
     {
-        const Niederreiter::Row point = Niederreiter::getPoint(index + i + skippedCount);
-        for (unsigned int c = 0; c < point.size(); ++c)
-            array[c][i] = getScrambledFraction<T>(point[c], _coordinateSeeds[c]);
+        count = std::min(n - done, tileLength);
+        std::uint32_t words[4][tileLength];
+        std::uint32_t* const columns[] = {words[0], words[1], words[2], words[3]};
+        Niederreiter::fillMirrored(index + done + skippedCount, count, columns);
+        for (unsigned int c = 0; c < 4; ++c)
+            scramble(words[c], count, _coordinateSeeds[c], array[c] + done);
     }
 }
 

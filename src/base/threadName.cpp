@@ -2,6 +2,7 @@
 
 #include <base/internal/errors/threadLabel.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace Kr
@@ -38,8 +39,9 @@ thread_local LabelEnd labelEnd;
 template <std::size_t size>
 void copyName(char (&to)[size], const char* name)
 {
-    std::strncpy(to, name, size - 1);
-    to[size - 1] = '\0';
+    const std::size_t length = std::min(std::strlen(name), size - 1);
+    std::memmove(to, name, length);
+    to[length] = '\0';
 }
 
 } // namespace

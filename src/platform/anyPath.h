@@ -31,7 +31,8 @@ struct KrSearch
 bool krFindFirst(const char* folder, KrSearch& search);
 bool krFindNext(KrSearch& search);
 
-HANDLE krCreateFile(const char* path, DWORD access, DWORD share, DWORD disposition);
+HANDLE krCreateFile(const char* path, DWORD access, DWORD share, DWORD disposition,
+                    DWORD flagsAndAttributes = FILE_ATTRIBUTE_NORMAL);
 DWORD krGetAttributes(const char* path);
 bool krSetAttributes(const char* path, DWORD attributes);
 bool krDescribe(const char* path, WIN32_FILE_ATTRIBUTE_DATA& data);
@@ -39,6 +40,11 @@ bool krDeleteFile(const char* path);
 bool krMoveFile(const char* from, const char* to, DWORD flags);
 bool krCreateDirectory(const char* path);
 bool krRemoveDirectory(const char* path);
+
+/// Gives a file what another one has of protection, as far as the system lets it: on Windows the
+/// access list and the attributes for hiding, archiving and indexing, elsewhere the owner, the
+/// group and the permission bits.
+void krCopyProtection(const char* from, const char* to);
 
 /// The runtime's `rename`.
 bool krRename(const char* from, const char* to);

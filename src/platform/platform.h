@@ -36,6 +36,12 @@ inline const char* krLoadDetail() noexcept
     return "";
 }
 
+/// The system's registry does not say where it is damaged.
+inline const char* krRegistryDetail() noexcept
+{
+    return "";
+}
+
 #else
 
 #include <cstddef>
@@ -131,8 +137,11 @@ void _ftime64(__timeb64* now) noexcept;
 
 // Handles (posix/handle.cpp)
 
-extern char krInvalidHandle; // only its address matters
-#define INVALID_HANDLE_VALUE (static_cast<HANDLE>(&krInvalidHandle))
+inline HANDLE krInvalidHandle() noexcept
+{
+    return reinterpret_cast<HANDLE>(std::intptr_t{-1}); // NOLINT: a number that no handle has
+}
+#define INVALID_HANDLE_VALUE krInvalidHandle()
 
 BOOL CloseHandle(HANDLE handle) noexcept;
 
@@ -144,6 +153,7 @@ constexpr DWORD ERROR_NEGATIVE_SEEK = 131;
 constexpr DWORD GENERIC_READ = 0x80000000;
 constexpr DWORD GENERIC_WRITE = 0x40000000;
 constexpr DWORD FILE_APPEND_DATA = 0x0004; ///< without GENERIC_WRITE: every write appends
+constexpr DWORD DELETE = 0x00010000;       ///< only what FILE_FLAG_DELETE_ON_CLOSE and registry keys need
 
 constexpr DWORD FILE_SHARE_READ = 0x1;
 constexpr DWORD FILE_SHARE_WRITE = 0x2;
@@ -160,6 +170,7 @@ constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
 constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x20;
 constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
 constexpr DWORD FILE_ATTRIBUTE_REPARSE_POINT = 0x400;
+constexpr DWORD FILE_FLAG_DELETE_ON_CLOSE = 0x04000000; ///< for an existing file, without sharing
 constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
 constexpr DWORD INVALID_FILE_SIZE = 0xFFFFFFFF;
 constexpr DWORD INVALID_SET_FILE_POINTER = 0xFFFFFFFF;
@@ -175,6 +186,11 @@ constexpr DWORD LOCKFILE_EXCLUSIVE_LOCK = 0x2;
 constexpr DWORD MOVEFILE_REPLACE_EXISTING = 0x1;
 constexpr DWORD MOVEFILE_COPY_ALLOWED = 0x2;  ///< takes no effect: never moves between devices
 constexpr DWORD MOVEFILE_WRITE_THROUGH = 0x8; ///< takes no effect
+
+constexpr DWORD FILE_TYPE_UNKNOWN = 0;
+constexpr DWORD FILE_TYPE_DISK = 1;
+constexpr DWORD FILE_TYPE_CHAR = 2;
+constexpr DWORD FILE_TYPE_PIPE = 3;
 
 struct SECURITY_ATTRIBUTES;
 
@@ -211,7 +227,8 @@ struct BY_HANDLE_FILE_INFORMATION
 HANDLE CreateFileA(const char* path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
                    DWORD disposition, DWORD flagsAndAttributes, HANDLE templateFile) noexcept;
 
-/// One read of the host's; 0 bytes at the end of the file.
+/// Fewer bytes than asked for only before the end of the file, 0 at it; of a pipe as many as there
+/// are.
 BOOL ReadFile(HANDLE file, void* buffer, DWORD size, DWORD* read, OVERLAPPED* overlapped) noexcept;
 
 /// On a failure the count tells how many bytes had been written.
@@ -220,6 +237,7 @@ BOOL WriteFile(HANDLE file, const void* data, DWORD size, DWORD* written,
 BOOL SetFilePointerEx(HANDLE file, LARGE_INTEGER distance, LARGE_INTEGER* position,
                       DWORD method) noexcept;
 DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD method) noexcept;
+/// What a file grows by is allocated, where the file system can: a full disk is told here.
 BOOL SetEndOfFile(HANDLE file) noexcept;
 DWORD GetFileSize(HANDLE file, DWORD* sizeHigh) noexcept;
 BOOL GetFileTime(HANDLE file, FILETIME* creation, FILETIME* lastAccess,
@@ -228,6 +246,7 @@ BOOL GetFileTime(HANDLE file, FILETIME* creation, FILETIME* lastAccess,
 BOOL SetFileTime(HANDLE file, const FILETIME* creation, const FILETIME* lastAccess,
                  const FILETIME* lastWrite) noexcept;
 BOOL GetFileSizeEx(HANDLE file, LARGE_INTEGER* size) noexcept;
+DWORD GetFileType(HANDLE file) noexcept;
 BOOL FlushFileBuffers(HANDLE file) noexcept;
 BOOL GetFileInformationByHandle(HANDLE file, BY_HANDLE_FILE_INFORMATION* information) noexcept;
 
@@ -356,7 +375,7 @@ BOOL ResetEvent(HANDLE event) noexcept;
 /// Releases those who wait at this moment, all or one by the event's kind, and leaves it reset.
 BOOL PulseEvent(HANDLE event) noexcept;
 
-/// Waits on events only.
+/// Waits on events and processes.
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) noexcept;
 
 // Multimedia timers (posix/timer.cpp)
@@ -480,15 +499,96 @@ void* MapViewOfFile(HANDLE mapping, DWORD access, DWORD offsetHigh, DWORD offset
                     std::size_t size) noexcept;
 BOOL UnmapViewOfFile(const void* address) noexcept;
 
-/// For the other sources of this folder: the host's descriptor of a file, or -1 with the last error
-/// set if the handle is none of a file.
-int krDescriptor(HANDLE file) noexcept;
-
 /// What the runtime's `assert` does on a failure: prints where and what, and aborts.
 void _assert(const char* text, const char* file, unsigned line);
 
 /// Has `before` called in the process that forks, then `inParent` or `inChild`. Once in a process.
 void krOnFork(void (*before)(), void (*inParent)(), void (*inChild)()) noexcept;
+
+// Child processes (posix/childProcess.cpp); they are started with `krStartProcess` (anyProcess.h)
+
+constexpr DWORD ERROR_BROKEN_PIPE = 109;
+constexpr DWORD ERROR_NO_SYSTEM_RESOURCES = 1450;
+
+constexpr DWORD STILL_ACTIVE = 259;
+
+/// A program that a signal has ended has the code of what ends one so on the system that the calls
+/// come from; there are a few of this layer's own (exitCodes.h).
+BOOL GetExitCodeProcess(HANDLE process, DWORD* code) noexcept;
+BOOL TerminateProcess(HANDLE process, DWORD code) noexcept;
+
+/// What this process was started with, in the form of `krSplitCommandLine`.
+const char* GetCommandLineA() noexcept;
+// Wide texts (posix/wideText.cpp): UTF-16, to and from UTF-8 only. What is malformed is refused,
+// whatever the flags; lengths do not count a terminator and are above 0.
+
+using WCHAR = char16_t;
+
+constexpr UINT CP_UTF8 = 65001;
+constexpr DWORD MB_ERR_INVALID_CHARS = 0x8;
+constexpr DWORD WC_ERR_INVALID_CHARS = 0x80;
+constexpr DWORD ERROR_NO_UNICODE_TRANSLATION = 1113;
+
+int MultiByteToWideChar(UINT page, DWORD flags, const char* text, int length, WCHAR* wide,
+                        int size) noexcept;
+int WideCharToMultiByte(UINT page, DWORD flags, const WCHAR* wide, int length, char* text, int size,
+                        const char* substitute, BOOL* substituted) noexcept;
+
+// Registry (posix/registry.cpp): the user's and the machine's root, kept in files
+// (posix/registryFolder.h). The letters A to Z are the same in both cases.
+
+using BYTE = unsigned char;
+using HKEY = HANDLE;
+using REGSAM = DWORD;
+using LSTATUS = LONG;
+
+constexpr DWORD ERROR_MORE_DATA = 234;
+constexpr DWORD ERROR_NO_MORE_ITEMS = 259;
+constexpr DWORD ERROR_REGISTRY_CORRUPT = 1015;
+constexpr DWORD ERROR_KEY_DELETED = 1018;
+
+extern char krUserRoot; // only their addresses matter
+extern char krMachineRoot;
+#define HKEY_CURRENT_USER (static_cast<HKEY>(&krUserRoot))
+#define HKEY_LOCAL_MACHINE (static_cast<HKEY>(&krMachineRoot))
+
+constexpr DWORD REG_SZ = 1;
+constexpr DWORD REG_EXPAND_SZ = 2;
+constexpr DWORD REG_BINARY = 3;
+constexpr DWORD REG_DWORD = 4;
+constexpr DWORD REG_MULTI_SZ = 7;
+constexpr DWORD REG_QWORD = 11;
+
+constexpr REGSAM KEY_SET_VALUE = 0x2; ///< the only right that is asked for
+constexpr REGSAM KEY_READ = 0x20019;
+constexpr REGSAM KEY_WRITE = 0x20006;
+
+constexpr DWORD REG_CREATED_NEW_KEY = 1;
+constexpr DWORD REG_OPENED_EXISTING_KEY = 2;
+
+LSTATUS RegOpenKeyExW(HKEY key, const WCHAR* path, DWORD options, REGSAM access,
+                      HKEY* result) noexcept;
+LSTATUS RegCreateKeyExW(HKEY key, const WCHAR* path, DWORD reserved, WCHAR* keyClass, DWORD options,
+                        REGSAM access, SECURITY_ATTRIBUTES* security, HKEY* result,
+                        DWORD* disposition) noexcept;
+LSTATUS RegCloseKey(HKEY key) noexcept;
+
+/// Only below the key, not what is in the key itself.
+LSTATUS RegDeleteTreeW(HKEY key, const WCHAR* path) noexcept;
+
+/// What the index 0 finds is what the others count.
+LSTATUS RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* reserved,
+                      WCHAR* keyClass, DWORD* classSize, FILETIME* written) noexcept;
+LSTATUS RegEnumValueW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* reserved, DWORD* type,
+                      BYTE* data, DWORD* dataSize) noexcept;
+LSTATUS RegQueryValueExW(HKEY key, const WCHAR* name, DWORD* reserved, DWORD* type, BYTE* data,
+                         DWORD* size) noexcept;
+LSTATUS RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, const BYTE* data,
+                       DWORD size) noexcept;
+LSTATUS RegDeleteValueW(HKEY key, const WCHAR* name) noexcept;
+
+/// For the thread's last call that found the registry damaged: in which file and line.
+const char* krRegistryDetail() noexcept;
 
 #endif
 

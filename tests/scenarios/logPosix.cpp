@@ -101,7 +101,7 @@ void fullDisk()
     settings.path = folder / "events.log";
     const auto file = Kr::LgFile::create(settings);
     const auto append = [&](char letter)
-    { return file->append((std::string(599, letter) + '\n').c_str(), 600); };
+    { return file->append((std::string(599, letter) + '\n').c_str(), 600) == 600; };
     limitFileSize(1000);
     SCENARIO_CHECK(append('a'));
     SCENARIO_CHECK(!append('b'));

@@ -1,6 +1,5 @@
 // Starting and stopping packages: each case has a process, and so a manager, of its own.
 
-#include "libraryLoader.h"
 #include "scenario.h"
 
 #include <base/inContextAliasMgrBase.h>
@@ -11,6 +10,7 @@
 #include <base/inSettings.h>
 #include <base/krInitPackages.h>
 #include <base/osEnv.h>
+#include <base/osSharedLib.h>
 #include <base/trace.h>
 
 #include <algorithm>
@@ -591,21 +591,10 @@ void environmentIsASnapshot()
     SCENARIO_CHECK(InInitMgr::getEnv("KR_SET_TOO_LATE") == nullptr);
 }
 
-class Plugin
+std::unique_ptr<OsSharedLib> loadPlugin()
 {
-public:
-    Plugin()
-        : _library(LibraryLoader::load((programFolder + KR_TEST_PLUGIN).c_str()))
-    {
-        SCENARIO_CHECK(_library != nullptr);
-    }
-    ~Plugin() { SCENARIO_CHECK(LibraryLoader::unload(_library)); }
-    Plugin(const Plugin&) = delete;
-    Plugin& operator=(const Plugin&) = delete;
-
-private:
-    void* _library;
-};
+    return std::make_unique<OsSharedLib>((programFolder + KR_TEST_PLUGIN).c_str());
+}
 
 /// What the plugin's packages did. They tell it through the live environment: so they need export
 /// nothing, and the library can be unloaded.
@@ -618,10 +607,10 @@ std::string pluginEvents()
 void libraryLoadedAtRunTime()
 {
     initialize();
-    std::unique_ptr<Plugin> plugin;
+    std::unique_ptr<OsSharedLib> plugin;
     {
         const InReinitGuard guard;
-        plugin = std::make_unique<Plugin>();
+        plugin = loadPlugin();
         static const InInit<needsEffects> ours; // needs a package of the library
         SCENARIO_CHECK(pluginEvents().empty());
     }
@@ -635,7 +624,7 @@ void libraryLoadedAtRunTime()
 
 void libraryUnloadedWhileUp()
 {
-    auto plugin = std::make_unique<Plugin>(); // before the first pass no guard is needed
+    auto plugin = loadPlugin(); // before the first pass no guard is needed
     initialize();
     SCENARIO_CHECK(pluginEvents() == "+effects+blending");
     plugin.reset();
@@ -648,11 +637,11 @@ void libraryRaises()
 {
     initialize();
     OsEnv::putVariable("KR_PLUGIN_FAILS=1");
-    std::unique_ptr<Plugin> plugin;
+    std::unique_ptr<OsSharedLib> plugin;
     const auto load = [&plugin]
     {
         const InReinitGuard guard;
-        plugin = std::make_unique<Plugin>();
+        plugin = loadPlugin();
     };
     SCENARIO_CHECK_THROWS(load(), InEx::ExPackageInitError, "Init error in package: 'blending'.");
     SCENARIO_CHECK(pluginEvents() == "+effects");

@@ -6,8 +6,8 @@
 #include <base/osFile.h>
 #include <base/osTerminal.h>
 
-#include <cstring>
 #include <fstream>
+#include <string_view>
 
 namespace KrLog
 {
@@ -66,48 +66,50 @@ bool wantsColours(const std::string& when)
                                 Kr::OsTerminal::isTerminal(Kr::OsTerminal::StandardOutput));
 }
 
-void takeOption(Arguments& arguments, int option, const char* text)
+/// An option without a value; false if it has one.
+bool takeSwitch(Arguments& arguments, int option)
 {
-    const std::string name = {'-', static_cast<char>(option)};
-    const bool takesValue = std::strchr("lgtsuc", option) != nullptr;
-    if (takesValue && text == nullptr)
-        refuse(name + " needs a value");
-    const std::string value = text != nullptr ? text : "";
+    bool* const switches[] = {&arguments.isFollowing, &arguments.isJson, &arguments.withRotated};
+    const std::size_t at = std::string_view("fjn").find(static_cast<char>(option));
+    if (at == std::string_view::npos)
+        return false;
+    *switches[at] = option != 'n';
+    return true;
+}
+
+/// False if there is no such level or moment.
+bool takeValue(Arguments& arguments, int option, const std::string& value)
+{
     Filter& filter = arguments.filter;
-    bool isGood = true;
     switch (option)
     {
-    case 'f':
-        arguments.isFollowing = true;
-        break;
-    case 'j':
-        arguments.isJson = true;
-        break;
-    case 'n':
-        arguments.withRotated = false;
-        break;
     case 'c':
         arguments.isColoured = wantsColours(value);
-        break;
+        return true;
     case 'g':
         filter.addGroup(value);
-        break;
+        return true;
     case 't':
         filter.addThread(value);
-        break;
+        return true;
     case 'l':
-        isGood = filter.addLevel(value);
-        break;
+        return filter.addLevel(value);
     case 's':
-        isGood = filter.setSince(value);
-        break;
+        return filter.setSince(value);
     default:
-        isGood = filter.setUntil(value);
-        break;
+        return filter.setUntil(value);
     }
-    if (!isGood)
-        refuse(name + (option == 'l' ? ": there is no level '" : ": there is no moment '") + value +
-               "'");
+}
+
+void takeOption(Arguments& arguments, int option, const char* value)
+{
+    if (takeSwitch(arguments, option))
+        return;
+    const std::string name = {'-', static_cast<char>(option)};
+    if (value == nullptr)
+        refuse(name + " needs a value");
+    if (!takeValue(arguments, option, value))
+        refuse(name + ": there is no " + (option == 'l' ? "level" : "moment") + " '" + value + "'");
 }
 
 /// Long options are these two alone.

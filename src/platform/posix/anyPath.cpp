@@ -1,7 +1,12 @@
 #include <platform/anyPath.h>
 
+#include <platform/posix/path.h>
+
 #include <algorithm>
 #include <cstring>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 bool krFindFirst(const char* folder, KrSearch& search)
 {
@@ -20,9 +25,10 @@ bool krFindNext(KrSearch& search)
     return found;
 }
 
-HANDLE krCreateFile(const char* path, DWORD access, DWORD share, DWORD disposition)
+HANDLE krCreateFile(const char* path, DWORD access, DWORD share, DWORD disposition,
+                    DWORD flagsAndAttributes)
 {
-    return CreateFileA(path, access, share, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+    return CreateFileA(path, access, share, nullptr, disposition, flagsAndAttributes, nullptr);
 }
 
 DWORD krGetAttributes(const char* path)
@@ -58,6 +64,23 @@ bool krCreateDirectory(const char* path)
 bool krRemoveDirectory(const char* path)
 {
     return RemoveDirectoryA(path) != 0;
+}
+
+void krCopyProtection(const char* from, const char* to)
+{
+    std::string storage;
+    std::string targetStorage;
+    const char* const source = krHostPath(from, storage);
+    const char* const target = krHostPath(to, targetStorage);
+    struct stat status = {};
+    if (source == nullptr || target == nullptr || ::stat(source, &status) != 0)
+        return;
+    mode_t mode = status.st_mode & 0777;
+    const bool keepsGroup = ::chown(target, status.st_uid, status.st_gid) == 0 ||
+                            ::chown(target, ~uid_t{0}, status.st_gid) == 0;
+    if (!keepsGroup) // then another group shall not get what was this one's
+        mode = (mode & ~mode_t{070}) | ((mode & mode_t{07}) << 3);
+    ::chmod(target, mode);
 }
 
 bool krRename(const char* from, const char* to)

@@ -101,7 +101,7 @@ HANDLE FindFirstFileExA(const char* pattern, FINDEX_INFO_LEVELS, void* data, FIN
         if (search == nullptr)
             ::closedir(stream);
         else if (search->next(*static_cast<WIN32_FIND_DATAA*>(data)))
-            return search;
+            return KrHandleObject::open(search);
         delete search;
         SetLastError(search == nullptr ? ERROR_NOT_ENOUGH_MEMORY : ERROR_FILE_NOT_FOUND);
     }

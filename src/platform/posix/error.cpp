@@ -35,6 +35,7 @@ constexpr SystemText systemTexts[] = {
     {ERROR_HANDLE_DISK_FULL, "The disk is full."},
     {ERROR_FILE_EXISTS, "The file exists."},
     {ERROR_INVALID_PARAMETER, "The parameter is incorrect."},
+    {ERROR_BROKEN_PIPE, "The pipe has been ended."},
     {ERROR_DISK_FULL, "There is not enough space on the disk."},
     {ERROR_INSUFFICIENT_BUFFER, "The data area passed to a system call is too small."},
     {ERROR_INVALID_NAME, "The filename, directory name, or volume label syntax is incorrect."},
@@ -44,11 +45,19 @@ constexpr SystemText systemTexts[] = {
     {ERROR_PROC_NOT_FOUND, "The specified procedure could not be found."},
     {ERROR_DIR_NOT_EMPTY, "The directory is not empty."},
     {ERROR_ALREADY_EXISTS, "Cannot create a file when that file already exists."},
-    {ERROR_BAD_EXE_FORMAT, "The file is not a library that this system can load."},
+    {ERROR_BAD_EXE_FORMAT, "The file is not a program or library that this system can load."},
     {ERROR_FILENAME_EXCED_RANGE, "The filename or extension is too long."},
     {ERROR_DIRECTORY, "The directory name is invalid."},
+    {ERROR_NO_UNICODE_TRANSLATION, "The text is not well-formed."},
+    {ERROR_MORE_DATA, "More data is available."},
+    {ERROR_NO_MORE_ITEMS, "No more data is available."},
+    {ERROR_REGISTRY_CORRUPT, "The registry is corrupted."},
+    {ERROR_KEY_DELETED, "Illegal operation attempted on a registry key that has been marked for "
+                        "deletion."},
     {ERROR_MR_MID_NOT_FOUND, "The system cannot find message text for the given number."},
     {ERROR_IO_DEVICE, "The request could not be performed because of an I/O device error."},
+    {ERROR_NO_SYSTEM_RESOURCES,
+     "Insufficient system resources exist to complete the requested service."},
 };
 
 struct ErrnoCode
@@ -59,7 +68,9 @@ struct ErrnoCode
 
 constexpr ErrnoCode errnoCodes[] = {
     {0, ERROR_SUCCESS},
+    {E2BIG, ERROR_FILENAME_EXCED_RANGE},
     {EACCES, ERROR_ACCESS_DENIED},
+    {EAGAIN, ERROR_NO_SYSTEM_RESOURCES},
     {EBADF, ERROR_INVALID_HANDLE},
     {EBUSY, ERROR_SHARING_VIOLATION},
     {EDQUOT, ERROR_DISK_FULL},
@@ -76,7 +87,9 @@ constexpr ErrnoCode errnoCodes[] = {
     {ENOMEM, ERROR_NOT_ENOUGH_MEMORY},
     {ENOSPC, ERROR_DISK_FULL},
     {ENOTDIR, ERROR_PATH_NOT_FOUND},
+    {ENOEXEC, ERROR_BAD_EXE_FORMAT},
     {ENOTEMPTY, ERROR_DIR_NOT_EMPTY},
+    {EPIPE, ERROR_BROKEN_PIPE},
     {EPERM, ERROR_ACCESS_DENIED},
     {ETXTBSY, ERROR_SHARING_VIOLATION},
     {EXDEV, ERROR_NOT_SAME_DEVICE},

@@ -1,6 +1,8 @@
 #include <platform/posix/event.h>
+#include <platform/posix/wakeLead.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <new>
 
 #include <sys/prctl.h>
@@ -140,7 +142,10 @@ bool KrEvent::waitLocked(KrMoment deadline) noexcept
         const KrMoment moment = getNextMoment(deadline);
         if (isReleased || (moment == deadline && deadline != krNever && krNow() >= deadline))
             break;
-        waitUntil(moment);
+        if (moment == deadline)
+            waitUntil(moment);
+        else
+            waitForTimer(moment);
         fireTimers();
     }
     --_waiting;
@@ -161,18 +166,52 @@ bool KrEvent::takeRelease(unsigned generation) noexcept
     return true;
 }
 
-void KrEvent::waitUntil(KrMoment moment) noexcept
+/// Has the kernel wake the thread a little early, and stays awake for what is left.
+void KrEvent::waitForTimer(KrMoment moment) noexcept
+{
+    const unsigned wakes = _wakes.load(std::memory_order_relaxed);
+    const KrMoment early = moment - krWakeLead().get();
+    if (krNow() < early)
+    {
+        if (!waitUntil(early))
+            return;
+        krWakeLead().learn(krNow() - early);
+    }
+    const KrAwake awake;
+    if (awake.isAllowed())
+        stayAwakeUntil(moment, wakes);
+    else
+        waitUntil(moment);
+}
+
+/// Returns whether it was the time that ended the wait.
+bool KrEvent::waitUntil(KrMoment moment) noexcept
 {
     if (moment == krNever)
     {
         ::pthread_cond_wait(&_condition, &_mutex);
-        return;
+        return false;
     }
     const KrLeastTimerSlack slack;
     timespec time{};
     time.tv_sec = static_cast<time_t>(moment / nanosecondsPerSecond);
     time.tv_nsec = static_cast<long>(moment % nanosecondsPerSecond);
-    ::pthread_cond_timedwait(&_condition, &_mutex, &time);
+    return ::pthread_cond_timedwait(&_condition, &_mutex, &time) == ETIMEDOUT;
+}
+
+/// Unless those who wait have been woken since there were so many wakes.
+void KrEvent::stayAwakeUntil(KrMoment moment, unsigned wakes) noexcept
+{
+    ::pthread_mutex_unlock(&_mutex);
+    while (krNow() < moment && _wakes.load(std::memory_order_relaxed) == wakes)
+        krPause();
+    ::pthread_mutex_lock(&_mutex);
+}
+
+void KrEvent::wake() noexcept
+{
+    _wakes.fetch_add(1, std::memory_order_relaxed);
+    ::pthread_cond_broadcast(&_condition);
 }
 
 void KrEvent::release() noexcept
@@ -180,13 +219,12 @@ void KrEvent::release() noexcept
     if (_isManual)
     {
         ++_generation;
-        ::pthread_cond_broadcast(&_condition);
+        wake();
     }
     else if (_waiting > _released)
     {
         ++_released;
-        // To all: the one that is woken may have run into its deadline just now.
-        ::pthread_cond_broadcast(&_condition);
+        wake(); // all: the one that is woken may have run into its deadline just now
     }
 }
 
@@ -196,7 +234,7 @@ void KrEvent::addTimer(const Timer& timer)
 {
     const Lock lock(_mutex);
     _timers.push_back(timer);
-    ::pthread_cond_broadcast(&_condition); // it may come before what they wait for
+    wake(); // it may come before what they wait for
 }
 
 void KrEvent::removeTimer(UINT number) noexcept
@@ -238,12 +276,14 @@ KrMoment KrEvent::getNextMoment(KrMoment deadline) const noexcept
 HANDLE CreateEventA(SECURITY_ATTRIBUTES*, BOOL manualReset, BOOL initialState,
                     const char* name) noexcept
 {
-    KrHandleObject* event = nullptr;
-    if (name == nullptr)
-        event = new (std::nothrow) KrEvent(manualReset != 0, initialState != 0);
-    if (event == nullptr)
-        SetLastError(name != nullptr ? ERROR_INVALID_PARAMETER : ERROR_NOT_ENOUGH_MEMORY);
-    return event;
+    if (name != nullptr)
+    {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
+    const HANDLE event =
+        KrHandleObject::open(new (std::nothrow) KrEvent(manualReset != 0, initialState != 0));
+    return event != INVALID_HANDLE_VALUE ? event : nullptr;
 }
 
 BOOL SetEvent(HANDLE event) noexcept
@@ -272,8 +312,8 @@ BOOL PulseEvent(HANDLE event) noexcept
 
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) noexcept
 {
-    auto* const event = krObject<KrEvent>(handle);
-    if (event == nullptr)
+    auto* const object = krObject<KrWaitable>(handle);
+    if (object == nullptr)
         return WAIT_FAILED;
-    return event->wait(krMomentAfter(milliseconds)) ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
+    return object->wait(krMomentAfter(milliseconds)) ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
 }

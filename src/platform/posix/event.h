@@ -5,6 +5,7 @@
 
 #include <platform/posix/handle.h>
 
+#include <atomic>
 #include <cstdint>
 #include <vector>
 
@@ -35,9 +36,17 @@ private:
     int _previous;
 };
 
+/// What can be waited for.
+class KrWaitable : public KrHandleObject
+{
+public:
+    /// Whether it came before the moment.
+    virtual bool wait(KrMoment deadline) noexcept = 0;
+};
+
 /// An event. Its timers need no thread of their own: they take effect when somebody looks at the
 /// event, and whoever waits on it does so at each timer's next moment.
-class KrEvent : public KrHandleObject
+class KrEvent : public KrWaitable
 {
 public:
     struct Timer
@@ -58,8 +67,7 @@ public:
     void reset() noexcept;
     void pulse() noexcept;
 
-    /// Whether the event came before the moment.
-    bool wait(KrMoment deadline) noexcept;
+    bool wait(KrMoment deadline) noexcept override;
 
     /// May throw `std::bad_alloc`.
     void addTimer(const Timer& timer);
@@ -68,7 +76,10 @@ public:
 private:
     bool waitLocked(KrMoment deadline) noexcept;
     bool takeRelease(unsigned generation) noexcept;
-    void waitUntil(KrMoment moment) noexcept;
+    void waitForTimer(KrMoment moment) noexcept;
+    bool waitUntil(KrMoment moment) noexcept;
+    void stayAwakeUntil(KrMoment moment, unsigned wakes) noexcept;
+    void wake() noexcept;
     void release() noexcept;
     void fireTimers() noexcept;
     KrMoment getNextMoment(KrMoment deadline) const noexcept;
@@ -83,6 +94,7 @@ private:
         0;                  ///< of a manual event: counts the moments that released all who waited
     unsigned _released = 0; ///< of an automatic one: how many of those who wait may go
     std::vector<Timer> _timers;
+    std::atomic<unsigned> _wakes{0}; ///< counts the calls to those who wait, for one who is awake
 };
 
 /// Forgets the timers of an event that goes away.

@@ -3,10 +3,12 @@
 #include <platform/posix/path.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <memory>
 #include <new>
 #include <string>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -22,6 +24,16 @@
 
 namespace
 {
+
+/// What the host call returns in the end: it is made again as long as signals interrupt it.
+template <class Call>
+auto finish(Call call) noexcept
+{
+    auto result = call();
+    while (result < 0 && errno == EINTR)
+        result = call();
+    return result;
+}
 
 constexpr off_t lockableEnd = off_t{1} << 62;
 
@@ -46,10 +58,18 @@ public:
     File(const File&) = delete;
     File& operator=(const File&) = delete;
 
-    ~File() override { ::close(_descriptor); }
+    ~File() override
+    {
+        if (!_pathToRemove.empty())
+            ::unlink(_pathToRemove.c_str());
+        ::close(_descriptor);
+    }
+
+    int getDescriptor() const noexcept override { return _descriptor; }
 
     const int _descriptor;
-    const bool _isReadable; ///< the host's descriptor may read also where the handle may not
+    const bool _isReadable;    ///< the host's descriptor may read also where the handle may not
+    std::string _pathToRemove; ///< when the handle is closed, while it still denies the file to all
 };
 
 struct Access
@@ -83,9 +103,13 @@ bool isHeld(int descriptor, off_t byte)
 
 void hold(int descriptor, off_t byte)
 {
-    // A file that cannot be read cannot carry the mark; nothing more can be done about it.
-    struct flock lock = rangeLock(F_RDLCK, byte, 1);
-    static_cast<void>(::fcntl(descriptor, F_OFD_SETLK, &lock));
+    // A descriptor that cannot read cannot share the mark, but be the one that has it.
+    for (const int type : {F_RDLCK, F_WRLCK})
+    {
+        struct flock lock = rangeLock(type, byte, 1);
+        if (finish([&] { return ::fcntl(descriptor, F_OFD_SETLK, &lock); }) == 0)
+            break;
+    }
 }
 
 /// Makes testing and taking of the sharing marks one step among all who open the file.
@@ -95,8 +119,7 @@ public:
     explicit SharingGate(int descriptor)
         : _descriptor(descriptor)
     {
-        while (::flock(_descriptor, LOCK_EX) != 0 && errno == EINTR)
-            continue;
+        finish([&] { return ::flock(_descriptor, LOCK_EX); });
     }
 
     SharingGate(const SharingGate&) = delete;
@@ -145,6 +168,8 @@ bool share(int descriptor, const Access& access, DWORD shareMode)
 int openFlags(const Access& access, DWORD disposition)
 {
     int flags = O_CLOEXEC | O_NOCTTY;
+    if (!access.read && !access.write && !access.append && disposition == OPEN_EXISTING)
+        return flags | O_PATH; // needs no permission, and waits for nobody at a pipe
     if (access.write || access.append)
         flags |= O_RDWR; // also for writing only: the sharing marks need it
     if (access.append)
@@ -154,6 +179,23 @@ int openFlags(const Access& access, DWORD disposition)
     if (disposition == CREATE_NEW)
         flags |= O_EXCL;
     return flags;
+}
+
+/// The host ends a process that writes beyond a limit on the size of files, unless it takes the
+/// signal: then the write fails as on a full disk. A handler, since the programs that this one
+/// starts would inherit that the signal is ignored. A program's own choice is left alone.
+void outliveSizeLimit()
+{
+    static const bool isDone = []
+    {
+        struct sigaction action = {};
+        const bool isDefault =
+            ::sigaction(SIGXFSZ, nullptr, &action) == 0 && action.sa_handler == SIG_DFL;
+        action.sa_handler = [](int) {};
+        action.sa_flags = SA_RESTART;
+        return !isDefault || ::sigaction(SIGXFSZ, &action, nullptr) == 0;
+    }();
+    static_cast<void>(isDone);
 }
 
 /// Opens the host's file, or returns -1 with the last error set.
@@ -169,11 +211,13 @@ int openHostFile(const char* path, const Access& access, DWORD disposition, DWOR
         SetLastError(disposition == CREATE_NEW ? ERROR_FILE_EXISTS : ERROR_ACCESS_DENIED);
         return -1;
     }
+    if (writes)
+        outliveSizeLimit();
     const mode_t mode = (attributes & FILE_ATTRIBUTE_READONLY) != 0 ? 0444 : 0666;
-    int descriptor = -1;
-    do
-        descriptor = ::open(path, openFlags(access, disposition), mode);
-    while (descriptor < 0 && errno == EINTR);
+    const int flags = openFlags(access, disposition);
+    int descriptor = finish([&] { return ::open(path, flags, mode); });
+    if (descriptor < 0 && errno == EACCES && writes && !access.read) // for writing alone, perhaps
+        descriptor = finish([&] { return ::open(path, (flags & ~O_RDWR) | O_WRONLY, mode); });
     if (descriptor < 0 && errno == EEXIST)
         SetLastError(ERROR_FILE_EXISTS);
     else if (descriptor < 0)
@@ -218,28 +262,39 @@ BOOL setRange(HANDLE handle, int type, bool wait, off_t start, off_t length)
     if (start < 0 || length <= 0 || length > lockableEnd - start)
         return refuse(ERROR_INVALID_PARAMETER);
     struct flock lock = rangeLock(type, start, length);
-    int result = -1;
-    do
-        result = ::fcntl(file->_descriptor, wait ? F_OFD_SETLKW : F_OFD_SETLK, &lock);
-    while (result != 0 && errno == EINTR);
+    const int command = wait ? F_OFD_SETLKW : F_OFD_SETLK;
+    const int result = finish([&] { return ::fcntl(file->_descriptor, command, &lock); });
     if (result != 0 && (errno == EAGAIN || errno == EACCES))
         return refuse(ERROR_LOCK_VIOLATION);
     return outcome(result);
+}
+
+bool isRemoved(int descriptor)
+{
+    struct stat status = {};
+    return ::fstat(descriptor, &status) == 0 && status.st_nlink == 0;
 }
 
 enum class Use
 {
     none,
     shared, ///< by handles that let the file be renamed and removed
-    denied
+    denied,
+    unknown ///< with the last error set
 };
 
 /// How the file at that path is in use.
 Use getUse(const char* path)
 {
-    const int descriptor = ::open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    int descriptor = -1;
+    for (const int access : {O_RDONLY, O_WRONLY})
+        if (descriptor < 0)
+            descriptor = finish([&] { return ::open(path, access | O_CLOEXEC | O_NONBLOCK); });
+    const bool cannotAsk = errno == EMFILE || errno == ENFILE || errno == ENOMEM;
+    if (descriptor < 0 && cannotAsk)
+        SetLastError(krErrorFromErrno(errno));
     if (descriptor < 0)
-        return Use::none;
+        return cannotAsk ? Use::unknown : Use::none;
     const File file(descriptor, true);
     if (isHeld(descriptor, deniesDelete))
         return Use::denied;
@@ -247,6 +302,38 @@ Use getUse(const char* path)
         if (isHeld(descriptor, byte))
             return Use::shared;
     return Use::none;
+}
+
+/// Whether the file at that path may be removed or renamed, or else the last error is set.
+bool mayGo(const char* path)
+{
+    const Use use = getUse(path);
+    if (use == Use::denied)
+        SetLastError(ERROR_SHARING_VIOLATION);
+    return use == Use::none || use == Use::shared;
+}
+
+/// Whether another file may take its place.
+bool mayBeReplaced(const char* path)
+{
+    const Use use = getUse(path);
+    if (use == Use::denied || use == Use::shared)
+        SetLastError(ERROR_ACCESS_DENIED);
+    return use == Use::none;
+}
+
+/// Makes room for the bytes from `size` to `end`. On a failure the file is as it was.
+/// @return -1 if the disk has no room, else 0: a file system that cannot tell gives none in advance
+int allocate(int descriptor, off_t size, off_t end)
+{
+    if (finish([&] { return ::fallocate(descriptor, 0, size, end - size); }) == 0)
+        return 0;
+    const int error = errno;
+    if (error != ENOSPC && error != EDQUOT && error != EFBIG)
+        return 0;
+    finish([&] { return ::ftruncate(descriptor, size); });
+    errno = error;
+    return -1;
 }
 
 } // namespace
@@ -269,7 +356,7 @@ HANDLE CreateFileA(const char* path, DWORD accessMask, DWORD shareMode, SECURITY
     const int descriptor = openHostFile(hostPath, access, disposition, flagsAndAttributes, existed);
     if (descriptor < 0)
         return INVALID_HANDLE_VALUE;
-    File* file = new (std::nothrow) File(descriptor, access.read);
+    std::unique_ptr<File> file(new (std::nothrow) File(descriptor, access.read));
     if (file == nullptr)
     {
         ::close(descriptor);
@@ -278,15 +365,21 @@ HANDLE CreateFileA(const char* path, DWORD accessMask, DWORD shareMode, SECURITY
     }
     if (accessMask != 0 && !share(descriptor, access, shareMode))
     {
-        delete file;
         SetLastError(ERROR_SHARING_VIOLATION);
         return INVALID_HANDLE_VALUE;
     }
+    if (!existed && isRemoved(descriptor)) // by somebody who deletes it on closing
+        return CreateFileA(path, accessMask, shareMode, nullptr, disposition, flagsAndAttributes,
+                           nullptr);
     const bool always = disposition == CREATE_ALWAYS || disposition == OPEN_ALWAYS;
     if (existed && disposition == CREATE_ALWAYS)
-        static_cast<void>(::ftruncate(descriptor, 0) == 0);
-    SetLastError(existed && always ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
-    return file;
+        finish([&] { return ::ftruncate(descriptor, 0); });
+    if ((flagsAndAttributes & FILE_FLAG_DELETE_ON_CLOSE) != 0)
+        file->_pathToRemove = std::move(storage);
+    const HANDLE handle = KrHandleObject::open(file.release());
+    if (handle != INVALID_HANDLE_VALUE)
+        SetLastError(existed && always ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
+    return handle;
 }
 
 BOOL ReadFile(HANDLE handle, void* buffer, DWORD size, DWORD* read, OVERLAPPED*) noexcept
@@ -297,13 +390,16 @@ BOOL ReadFile(HANDLE handle, void* buffer, DWORD size, DWORD* read, OVERLAPPED*)
         return 0;
     if (!file->_isReadable)
         return refuse(ERROR_ACCESS_DENIED);
-    ssize_t count = -1;
-    do
-        count = ::read(file->_descriptor, buffer, size);
-    while (count < 0 && errno == EINTR);
-    if (count < 0)
-        return refuse(krErrorFromErrno(errno));
-    *read = static_cast<DWORD>(count);
+    constexpr ssize_t largest = 0x7FFFF000; // that the host reads at once
+    ssize_t count = largest;
+    while (*read < size && count == largest)
+    {
+        char* const rest = static_cast<char*>(buffer) + *read;
+        count = finish([&] { return ::read(file->_descriptor, rest, size - *read); });
+        if (count < 0)
+            return refuse(krErrorFromErrno(errno));
+        *read += static_cast<DWORD>(count);
+    }
     return 1;
 }
 
@@ -367,7 +463,13 @@ BOOL SetEndOfFile(HANDLE handle) noexcept
     const File* file = krObject<File>(handle);
     if (file == nullptr)
         return 0;
-    const int result = ::ftruncate(file->_descriptor, ::lseek(file->_descriptor, 0, SEEK_CUR));
+    const int descriptor = file->_descriptor;
+    const off_t end = ::lseek(descriptor, 0, SEEK_CUR);
+    struct stat status = {};
+    if (!outcome(::fstat(descriptor, &status)) ||
+        (end > status.st_size && !outcome(allocate(descriptor, status.st_size, end))))
+        return 0;
+    const int result = finish([&] { return ::ftruncate(descriptor, end); });
     return result != 0 && errno == EINVAL ? refuse(ERROR_ACCESS_DENIED) : outcome(result);
 }
 
@@ -424,12 +526,24 @@ BOOL SetFileTime(HANDLE handle, const FILETIME*, const FILETIME* lastAccess,
     return outcome(::futimens(file->_descriptor, times));
 }
 
+DWORD GetFileType(HANDLE handle) noexcept
+{
+    const File* file = krObject<File>(handle);
+    struct stat status = {};
+    if (file == nullptr || !outcome(::fstat(file->_descriptor, &status)))
+        return FILE_TYPE_UNKNOWN;
+    return S_ISREG(status.st_mode)   ? FILE_TYPE_DISK
+           : S_ISCHR(status.st_mode) ? FILE_TYPE_CHAR
+                                     : FILE_TYPE_PIPE;
+}
+
 BOOL FlushFileBuffers(HANDLE handle) noexcept
 {
     const File* file = krObject<File>(handle);
     if (file == nullptr)
         return 0;
-    if (::fsync(file->_descriptor) == 0 || errno == EINVAL) // a pipe or terminal has no buffers
+    if (finish([&] { return ::fsync(file->_descriptor); }) == 0 ||
+        errno == EINVAL) // a pipe or terminal has no buffers
         return 1;
     return refuse(krErrorFromErrno(errno));
 }
@@ -482,8 +596,8 @@ BOOL MoveFileExA(const char* from, const char* to, DWORD flags) noexcept
         krSetPathError(source);
         return 0;
     }
-    if (getUse(source) == Use::denied)
-        return refuse(ERROR_SHARING_VIOLATION);
+    if (!mayGo(source))
+        return 0;
     struct stat targetStatus = {};
     if (::lstat(target, &targetStatus) == 0)
     {
@@ -491,8 +605,10 @@ BOOL MoveFileExA(const char* from, const char* to, DWORD flags) noexcept
             targetStatus.st_ino == status.st_ino && targetStatus.st_dev == status.st_dev;
         if (!same && (flags & MOVEFILE_REPLACE_EXISTING) == 0)
             return refuse(ERROR_ALREADY_EXISTS);
-        if (!same && (S_ISDIR(targetStatus.st_mode) || getUse(target) != Use::none))
+        if (!same && S_ISDIR(targetStatus.st_mode))
             return refuse(ERROR_ACCESS_DENIED);
+        if (!same && !mayBeReplaced(target))
+            return 0;
     }
     if (::rename(source, target) == 0)
         return 1;
@@ -525,16 +641,10 @@ BOOL DeleteFileA(const char* path) noexcept
         return 0;
     if ((attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) != 0)
         return refuse(ERROR_ACCESS_DENIED);
-    if (getUse(hostPath) == Use::denied)
-        return refuse(ERROR_SHARING_VIOLATION);
+    if (!mayGo(hostPath))
+        return 0;
     if (::unlink(hostPath) == 0)
         return 1;
     krSetPathError(hostPath);
     return 0;
-}
-
-int krDescriptor(HANDLE handle) noexcept
-{
-    const File* file = krObject<File>(handle);
-    return file != nullptr ? file->_descriptor : -1;
 }

@@ -99,13 +99,14 @@ int extend(int descriptor, off_t size)
 HANDLE CreateFileMappingA(HANDLE file, SECURITY_ATTRIBUTES*, DWORD, DWORD sizeHigh, DWORD sizeLow,
                           const char*) noexcept
 {
-    const int descriptor = krDescriptor(file);
-    if (descriptor < 0)
+    const auto* const object = krObject<KrHandleObject>(file);
+    if (object == nullptr)
         return nullptr;
+    const int descriptor = object->getDescriptor();
     const auto size = static_cast<off_t>((std::uint64_t{sizeHigh} << 32) | sizeLow);
     if (outcome(extend(descriptor, size)) == 0)
         return nullptr;
-    const int own = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+    const int own = ::fcntl(descriptor, F_DUPFD_CLOEXEC, krFirstPrivate);
     if (own < 0)
     {
         SetLastError(krErrorFromErrno(errno));
@@ -113,11 +114,9 @@ HANDLE CreateFileMappingA(HANDLE file, SECURITY_ATTRIBUTES*, DWORD, DWORD sizeHi
     }
     auto* const mapping = new (std::nothrow) Mapping(own);
     if (mapping == nullptr)
-    {
         ::close(own);
-        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    }
-    return mapping;
+    const HANDLE handle = KrHandleObject::open(mapping);
+    return handle != INVALID_HANDLE_VALUE ? handle : nullptr;
 }
 
 void* MapViewOfFile(HANDLE handle, DWORD, DWORD offsetHigh, DWORD offsetLow,

@@ -214,7 +214,7 @@ HANDLE CreateToolhelp32Snapshot(DWORD flags, DWORD process) noexcept
             throw std::bad_alloc();
         for (Module& module : snapshot->modules)
             module.path = toSystemPath(module.path);
-        return static_cast<KrHandleObject*>(snapshot.release());
+        return KrHandleObject::open(snapshot.release());
     }
     catch (const std::bad_alloc&)
     {

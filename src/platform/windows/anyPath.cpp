@@ -1,4 +1,5 @@
 #include <platform/anyPath.h>
+#include <platform/windows/wideText.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -15,32 +16,10 @@ bool isShort(const char* path)
     return std::strlen(path) < shortLimit;
 }
 
-std::wstring widen(const char* text)
-{
-    const int length = MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
-    std::wstring wide(static_cast<std::size_t>(std::max(length, 1)), L'\0');
-    MultiByteToWideChar(CP_ACP, 0, text, -1, wide.data(), length);
-    wide.pop_back();
-    return wide;
-}
-
-/// @param isExact receives whether every character has a narrow form; null if it does not matter
-std::string narrow(const wchar_t* text, bool* isExact = nullptr)
-{
-    BOOL replaced = 0;
-    const int length = WideCharToMultiByte(CP_ACP, 0, text, -1, nullptr, 0, nullptr, nullptr);
-    std::string result(static_cast<std::size_t>(std::max(length, 1)), '\0');
-    WideCharToMultiByte(CP_ACP, 0, text, -1, result.data(), length, nullptr, &replaced);
-    result.pop_back();
-    if (isExact != nullptr)
-        *isExact = replaced == 0;
-    return result;
-}
-
 /// The full path in its wide form, "" with the last error set if there is none.
 std::wstring wideFullPath(const char* path)
 {
-    const std::wstring wide = widen(path);
+    const std::wstring wide = krWiden(path);
     std::wstring full(GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr), L'\0');
     const DWORD length =
         GetFullPathNameW(wide.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
@@ -61,7 +40,7 @@ std::wstring longForm(const char* path)
 
 void take(KrSearch& search)
 {
-    search.storage = narrow(search.data.cFileName);
+    search.storage = krNarrow(search.data.cFileName);
     search.name = search.storage.c_str();
     search.attributes = search.data.dwFileAttributes;
 }
@@ -70,7 +49,7 @@ void take(KrSearch& search)
 
 bool krFindFirst(const char* folder, KrSearch& search)
 {
-    std::wstring pattern = isShort(folder) ? widen(folder) : longForm(folder);
+    std::wstring pattern = isShort(folder) ? krWiden(folder) : longForm(folder);
     pattern += L"\\*";
     search.handle = FindFirstFileExW(pattern.c_str(), FindExInfoBasic, &search.data,
                                      FindExSearchNameMatch, nullptr, FIND_FIRST_EX_LARGE_FETCH);
@@ -88,12 +67,13 @@ bool krFindNext(KrSearch& search)
     return true;
 }
 
-HANDLE krCreateFile(const char* path, DWORD access, DWORD share, DWORD disposition)
+HANDLE krCreateFile(const char* path, DWORD access, DWORD share, DWORD disposition,
+                    DWORD flagsAndAttributes)
 {
-    return isShort(path) ? CreateFileA(path, access, share, nullptr, disposition,
-                                       FILE_ATTRIBUTE_NORMAL, nullptr)
-                         : CreateFileW(longForm(path).c_str(), access, share, nullptr, disposition,
-                                       FILE_ATTRIBUTE_NORMAL, nullptr);
+    return isShort(path)
+               ? CreateFileA(path, access, share, nullptr, disposition, flagsAndAttributes, nullptr)
+               : CreateFileW(longForm(path).c_str(), access, share, nullptr, disposition,
+                             flagsAndAttributes, nullptr);
 }
 
 DWORD krGetAttributes(const char* path)
@@ -137,6 +117,23 @@ bool krRemoveDirectory(const char* path)
     return (isShort(path) ? RemoveDirectoryA(path) : RemoveDirectoryW(longForm(path).c_str())) != 0;
 }
 
+void krCopyProtection(const char* from, const char* to)
+{
+    constexpr SECURITY_INFORMATION part = DACL_SECURITY_INFORMATION;
+    const std::wstring source = longForm(from);
+    const std::wstring target = longForm(to);
+    DWORD size = 0;
+    GetFileSecurityW(source.c_str(), part, nullptr, 0, &size);
+    std::string descriptor(size, '\0');
+    if (GetFileSecurityW(source.c_str(), part, descriptor.data(), size, &size) != 0)
+        SetFileSecurityW(target.c_str(), part, descriptor.data());
+    constexpr DWORD kept = FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
+                           FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+    const DWORD attributes = GetFileAttributesW(source.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES)
+        SetFileAttributesW(target.c_str(), attributes & kept);
+}
+
 bool krRename(const char* from, const char* to)
 {
     if (isShort(from) && isShort(to))
@@ -161,20 +158,20 @@ bool krGetFullPath(const char* path, std::string& full, std::size_t& lastElement
             return length != 0;
         }
     }
-    full = narrow(wideFullPath(path).c_str());
+    full = krNarrow(wideFullPath(path).c_str());
     lastElement = full.rfind('\\') + 1;
     return !full.empty();
 }
 
 std::filesystem::path krToStdPath(const char* path)
 {
-    return widen(path);
+    return krWiden(path);
 }
 
 bool krFromStdPath(const std::filesystem::path& path, std::string& text)
 {
     bool isExact = false;
-    text = narrow(path.c_str(), &isExact);
+    text = krNarrow(path.c_str(), &isExact);
     std::replace(text.begin(), text.end(), '/', '\\');
     return isExact;
 }

@@ -9,11 +9,13 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace Kr
 {
 
 class InNamedVariable;
+class InSettingsStore;
 
 /// What belongs to a handle.
 struct InNames
@@ -55,6 +57,13 @@ public:
     std::optional<std::string> takeOverride(const std::string& handle);
     void clearOverrides() noexcept;
 
+    /// Where settings are kept; null if nowhere. Returns the previous one.
+    InSettingsStore* setStore(InSettingsStore* store) noexcept
+    {
+        return std::exchange(_store, store);
+    }
+    InSettingsStore* getStore() const noexcept { return _store; }
+
     /// The names of a handle; none when it is not known.
     const InNames& getNames(std::string_view handle) const;
     /// The setting that an option ("--samples") means by an alias or by its handle; null when there
@@ -71,6 +80,7 @@ private:
     // What aliases bind: the names and the handles that they mean.
     std::map<std::string, std::string, std::less<>> _options;
     std::map<std::string, std::string, std::less<>> _environmentNames;
+    InSettingsStore* _store = nullptr;
     bool _isClosed = false;
 };
 

@@ -3,6 +3,7 @@
 #include <base/assert.h>
 #include <base/inEx.h>
 #include <base/inPackageInitBase.h>
+#include <base/inSettingsStore.h>
 #include <base/inVariableEx.h>
 #include <base/internal/errors/fixedText.h>
 #include <base/internal/init/inCommandLine.h>
@@ -104,6 +105,7 @@ void InNamedVariable::initialize()
     collectOverride();
     collectFromCommandLine();
     collectFromEnvironment();
+    collectFromStore();
     reportMalformed();
     if (isFromDefault())
         takeDefault();
@@ -148,6 +150,16 @@ void InNamedVariable::collectFromEnvironment()
     }
 }
 
+void InNamedVariable::collectFromStore()
+{
+    InSettingsStore* const store = InNameTable::getInstance().getStore();
+    if (store == nullptr)
+        return;
+    for (InSettingsStore::Entry& entry : store->find(_handle))
+        addCandidate(
+            {Source::Store, std::move(entry.origin), std::move(entry.text), false, !entry.isText});
+}
+
 /// Takes the words of an option and says what they offer.
 InNamedVariable::Candidate InNamedVariable::readOption(std::size_t position, bool isNegated) const
 {
@@ -187,13 +199,38 @@ void InNamedVariable::reportMalformed() const
             raise<InVariableEx::ExMissingValue>(KR_HERE, getHandle(), origin, expected.c_str());
         if (!candidate.isMalformed)
             continue;
-        if (candidate.source != Source::Environment)
+        const bool isKept =
+            candidate.source == Source::Environment || candidate.source == Source::Store;
+        if (!isKept)
             raise<InVariableEx::ExMalformedValue>(KR_HERE, getHandle(), candidate.text.c_str(),
                                                   origin, expected.c_str());
         std::cout << "Variable " << quote(_handle) << ": the value " << quote(candidate.text)
                   << " of " << origin << " is malformed, expected " << expected << "; skipped."
                   << std::endl;
     }
+}
+
+// --- what is kept for later ---------------------------------------------------------------------
+
+void InNamedVariable::store() const
+{
+    checkReadable();
+    save(getValueText());
+}
+
+void InNamedVariable::storeText(const std::string& text)
+{
+    if (!readText(text, false))
+        raise<InVariableEx::ExMalformedValue>(KR_HERE, getHandle(), text.c_str(), "the program",
+                                              getExpectedForm().c_str());
+    save(text);
+}
+
+void InNamedVariable::save(const std::string& text) const
+{
+    InSettingsStore* const store = InNameTable::getInstance().getStore();
+    KR_ASSERT(store != nullptr);
+    store->save(_handle, text, getDefaultText());
 }
 
 // --- what is told of a variable -----------------------------------------------------------------

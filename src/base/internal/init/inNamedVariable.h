@@ -26,6 +26,7 @@ public:
         Override,
         CommandLine,
         Environment,
+        Store,
         Default
     };
 
@@ -34,9 +35,10 @@ public:
     ~InNamedVariable() override;
 
     /// Takes the value. Every text that was given is checked, those of losing sources too: a
-    /// malformed one in the environment is reported on the standard output and skipped; one on the
-    /// command line or in an override raises `InVariableEx::ExMalformedValue`, an option without
-    /// its value `InVariableEx::ExMissingValue`, and the variable is then invalid.
+    /// malformed one in the environment or in the store is reported on the standard output and
+    /// skipped; one on the command line or in an override raises `InVariableEx::ExMalformedValue`,
+    /// an option without its value `InVariableEx::ExMissingValue`, and the variable is then
+    /// invalid.
     void initialize() override;
     void finalize() override;
     /// The value cannot be read any more, and overrides are taken again; why it was invalid is
@@ -51,6 +53,10 @@ public:
 
     /// Where the value came from. Raises like `InVariable::getValue`.
     Source getSource() const;
+
+    /// Stores the value for later starts (`InSettings::setStore`). Raises like
+    /// `InVariable::getValue`, `ExInternalError` when there is no store, and what the store raises.
+    void store() const;
 
     /// What a `bool` is: its options take no value and can be negated.
     virtual bool isFlag() const = 0;
@@ -70,6 +76,9 @@ protected:
 
     /// Raises `InEx::ExUninitializedObject` or `InEx::ExInvalidObject` unless there is a value.
     void checkReadable() const;
+
+    /// Stores a text. Raises `InVariableEx::ExMalformedValue`.
+    void storeText(const std::string& text);
 
 private:
     /// What one source offers.
@@ -111,8 +120,10 @@ private:
     void collectOverride();
     void collectFromCommandLine();
     void collectFromEnvironment();
+    void collectFromStore();
     Candidate readOption(std::size_t position, bool isNegated) const;
     void addCandidate(Candidate candidate);
+    void save(const std::string& text) const;
     void reportMalformed() const;
     void dumpState(std::ostream& os) const;
     bool isFromDefault() const noexcept { return _winner == noWinner; }

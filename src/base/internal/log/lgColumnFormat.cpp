@@ -15,13 +15,23 @@ void padTo(std::string& line, std::size_t column)
     line.append(line.size() < column ? column - line.size() : 1, ' ');
 }
 
+constexpr auto mayBeControl = [](char c) { return LgLineText::isControl(c) || c == '\xC2'; };
+
 void appendEscaped(std::string& line, std::string_view text)
 {
     for (;;)
     {
-        LgLineText::appendPlain(line, text, LgLineText::isControl);
+        LgLineText::appendPlain(line, text, mayBeControl);
         if (text.empty())
             return;
+        if (LgLineText::beginsWithHighControl(text))
+            text.remove_prefix(1);
+        else if (!LgLineText::isControl(text.front()))
+        {
+            line += text.front();
+            text.remove_prefix(1);
+            continue;
+        }
         LgLineText::appendEscape(line, text.front(), "x");
         text.remove_prefix(1);
     }

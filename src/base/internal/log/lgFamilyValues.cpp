@@ -4,6 +4,7 @@
 #include <base/dtTime.h>
 #include <base/dtTimeMark.h>
 #include <base/internal/log/lgInserted.h>
+#include <base/prQuery.h>
 #include <base/profConsolidator.h>
 #include <base/profHistogram.h>
 #include <base/rational.h>
@@ -31,6 +32,16 @@ LgStream& operator<<(LgStream& stream, const DtTime& time)
 LgStream& operator<<(LgStream& stream, const DtTimeMark& mark)
 {
     return insertAsInOstream(stream, mark);
+}
+
+LgStream& operator<<(LgStream& stream, const PrCounter& counter)
+{
+    return insertAsInOstream(stream, counter);
+}
+
+LgStream& operator<<(LgStream& stream, const PrQuery& query)
+{
+    return insertAsInOstream(stream, query);
 }
 
 LgStream& operator<<(LgStream& stream, const ProfConsolidator& consolidator)

@@ -1,11 +1,12 @@
 #pragma once
 
 /// @file
-/// Internal to the library: a file that lines are appended to, by this process and by others.
+/// Internal to the library: what lines of the log are appended to.
 ///
-/// What is appended arrives whole or not at all: a line that the disk had no room for is taken
-/// back. The file is opened by the first text, with the folders above it, and opened again when
-/// somebody has moved or removed it.
+/// A file of the system is shared with other processes, or one process's alone. What is appended to
+/// it arrives whole or not at all: a line that the disk had no room for is taken back. It is opened
+/// by the first text, with the folders above it, and opened again when somebody has moved or
+/// removed it.
 
 #include <cstddef>
 #include <cstdint>
@@ -18,6 +19,7 @@ namespace Kr
 struct LgFileSettings
 {
     std::string path;
+    std::string privateFolder; ///< one above the file that is for its user alone; empty: none
     std::uint64_t maxSize = 0; ///< in bytes; a file that would grow beyond is rotated; 0: no limit
     int keptFiles = 1;    ///< how many rotated files stay, `path.1` being the latest; at least 1
     bool isLocked = true; ///< under the lock that is shared between processes
@@ -30,17 +32,25 @@ class LgFile
 public:
     virtual ~LgFile();
 
-    /// Appends whole lines; false, with the file as it was, if that fails.
-    virtual bool append(const char* text, std::size_t size) noexcept = 0;
+    /// Appends whole lines. Returns how many of the bytes are there now: all of them, or whole
+    /// lines, or none. A stream may have taken a part of a line and takes the rest next time.
+    virtual std::size_t append(const char* text, std::size_t size) noexcept = 0;
 
-    /// Takes so many bytes off the end of an exclusive file; false if that fails.
-    virtual bool removeEnd(std::size_t size) noexcept;
+    /// Puts the text into the place of so many bytes, at most 64, at the end of an exclusive file;
+    /// false, with the file as it was, if that fails.
+    virtual bool replaceEnd(std::size_t removed, const char* text, std::size_t size) noexcept;
 
     /// Returns when what was appended is on the disk.
     virtual bool sync() noexcept = 0;
 
-    /// Why the last operation failed, in the system's words.
+    /// Called now and then while nothing is appended: lets go of what is not needed any more.
+    virtual void rest() noexcept;
+
+    /// Why the last operation failed, in a sentence.
     virtual std::string getProblem() const = 0;
+
+    /// What those who read the file should be told, once; empty: nothing.
+    virtual std::string takeNews();
 
     /// The file of the system at that path.
     static std::unique_ptr<LgFile> create(const LgFileSettings& settings);

@@ -3,19 +3,23 @@
 /// @file
 /// Keeps several processes that write one log file out of each other's way.
 ///
-/// The lock lies on the file itself, on one byte far behind its end, where it hinders nobody who
-/// reads. It belongs to the file's handle: a process that is killed leaves no lock behind.
+/// The lock lies on a file of its own beside the log, `events.log.lock`, which is its owner's
+/// alone: whoever reads the log, whatever he locks for it, hinders nobody who writes. A process
+/// that is killed leaves no lock behind, nor do the processes that it has forked.
 /// @code{.cpp}
-/// void append(void* file)
+/// void append(Kr::LgInterProcessLock& lock)
 /// {
-///     Kr::LgInterProcessLock lock(file);
-///     if (lock.acquire(std::chrono::seconds(1)))
-///         std::cout << "nobody else writes until the end of the block\n";
+///     if (lock.acquire(std::chrono::seconds(1)) == Kr::LgInterProcessLock::Outcome::held)
+///         std::cout << "nobody else writes until the release\n";
+///     lock.release();
 /// }
 /// @endcode
-/// Pitfall: the handle must be open for reading and for appending or writing.
 
 #include <chrono>
+#include <memory>
+#include <string>
+
+class KrFileLock;
 
 namespace Kr
 {
@@ -23,23 +27,31 @@ namespace Kr
 class LgInterProcessLock
 {
 public:
-    /// @param file the system's handle of the open file; it must outlive the lock
-    explicit LgInterProcessLock(void* file) noexcept;
+    enum class Outcome
+    {
+        held,
+        busy,
+        impossible ///< it cannot be had here, however long one waits
+    };
+
+    /// @param path that of the file that the lock stands for
+    explicit LgInterProcessLock(const std::string& path);
     LgInterProcessLock(const LgInterProcessLock&) = delete;
     LgInterProcessLock& operator=(const LgInterProcessLock&) = delete;
     ~LgInterProcessLock();
 
-    /// Waits for the lock, but not longer than `patience`: a holder may have been stopped. Tells
-    /// whether the lock is held. Two handles of one process exclude each other too.
-    bool acquire(std::chrono::milliseconds patience) noexcept;
+    /// Waits for the lock, but not longer than `patience`: a holder may have been stopped. Two
+    /// locks of one process exclude each other too.
+    Outcome acquire(std::chrono::milliseconds patience) noexcept;
 
     void release() noexcept;
 
-private:
-    bool tryAcquire() noexcept;
+    /// Releases the lock, if it is held, and removes its file.
+    void remove() noexcept;
 
-    void* const _file;
-    bool _held;
+private:
+    const std::unique_ptr<KrFileLock> _lock;
+    bool _isHeld = false;
 };
 
 } // namespace Kr

@@ -1,28 +1,14 @@
 #include <base/internal/log/lgInterProcessLock.h>
 
-#include <platform/platform.h>
+#include <platform/logFile.h>
 
 #include <thread>
 
 namespace Kr
 {
 
-namespace
-{
-
-/// The byte that stands for the file.
-OVERLAPPED lockedByte()
-{
-    OVERLAPPED range = {};
-    range.OffsetHigh = 0x3FFFFFFF;
-    return range;
-}
-
-} // namespace
-
-LgInterProcessLock::LgInterProcessLock(void* file) noexcept
-    : _file(file)
-    , _held(false)
+LgInterProcessLock::LgInterProcessLock(const std::string& path)
+    : _lock(std::make_unique<KrFileLock>(path + ".lock"))
 {
 }
 
@@ -31,35 +17,35 @@ LgInterProcessLock::~LgInterProcessLock()
     release();
 }
 
-bool LgInterProcessLock::acquire(std::chrono::milliseconds patience) noexcept
+LgInterProcessLock::Outcome LgInterProcessLock::acquire(std::chrono::milliseconds patience) noexcept
 {
     const auto deadline = std::chrono::steady_clock::now() + patience;
-    while (!tryAcquire())
+    for (;;)
     {
-        // Any other failure will not pass by waiting: a file system without locks, for one.
-        if (GetLastError() != ERROR_LOCK_VIOLATION || std::chrono::steady_clock::now() >= deadline)
-            return false;
+        const KrFileLock::Outcome outcome = _lock->tryAcquire();
+        _isHeld = outcome == KrFileLock::Outcome::held;
+        if (_isHeld)
+            return Outcome::held;
+        if (outcome == KrFileLock::Outcome::impossible)
+            return Outcome::impossible;
+        if (std::chrono::steady_clock::now() >= deadline)
+            return Outcome::busy;
         std::this_thread::sleep_for(std::chrono::microseconds(200));
     }
-    return true;
 }
 
 void LgInterProcessLock::release() noexcept
 {
-    if (!_held)
-        return;
-    OVERLAPPED range = lockedByte();
-    UnlockFileEx(_file, 0, 1, 0, &range);
-    _held = false;
+    if (_isHeld)
+        _lock->release();
+    _isHeld = false;
 }
 
-bool LgInterProcessLock::tryAcquire() noexcept
+void LgInterProcessLock::remove() noexcept
 {
-    OVERLAPPED range = lockedByte();
-    if (!_held)
-        _held = LockFileEx(_file, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0,
-                           &range) != 0;
-    return _held;
+    if (_isHeld || _lock->tryAcquire() == KrFileLock::Outcome::held)
+        _lock->remove();
+    _isHeld = false;
 }
 
 } // namespace Kr

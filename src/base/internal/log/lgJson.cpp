@@ -44,6 +44,12 @@ std::size_t sequenceLength(std::string_view text)
 /// of several bytes, and takes it off.
 void appendSpecial(std::string& line, std::string_view& text)
 {
+    if (LgLineText::beginsWithHighControl(text))
+    {
+        LgLineText::appendEscape(line, text[1], "u00");
+        text.remove_prefix(2);
+        return;
+    }
     const char c = text.front();
     const std::size_t length = static_cast<unsigned char>(c) < 0x80 ? 1 : sequenceLength(text);
     if (c == '"' || c == '\\')

@@ -3,6 +3,7 @@
 #include <base/internal/errors/processIdentity.h>
 #include <base/internal/errors/threadLabel.h>
 #include <base/internal/log/lgLogMark.h>
+#include <base/internal/log/lgSharedFile.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -55,6 +56,9 @@ LgKeptRings::LgKeptRings(const LgSettings& settings, const LgClock& clock)
     : _settings(settings)
     , _clock(clock)
 {
+    for (std::size_t level = 0; level < LgTypes::NUM_LEVELS; ++level)
+        _ownPaths[level] = LgSharedFile::getOwnPath(settings.destinations[level].path,
+                                                    ProcessIdentity::getProcessId());
 }
 
 LgKeptRings::~LgKeptRings()
@@ -95,7 +99,7 @@ bool LgKeptRings::open()
         return _header != nullptr;
     _isOpened = true;
     std::string problem;
-    _file = LgRingFile::create(_settings.directory, problem);
+    _file = LgRingFile::create(_settings, problem);
     void* const memory = _file != nullptr ? _file->addChunk() : nullptr;
     if (memory == nullptr)
     {
@@ -138,8 +142,10 @@ void LgKeptRings::markLogs(LgRingFormat::LogMark (&marks)[LgTypes::NUM_LEVELS]) 
             ++same;
         if (all[level].kind != LgDestination::file)
             marks[level] = {};
+        else if (same < level)
+            marks[level] = marks[same];
         else
-            marks[level] = same < level ? marks[same] : LgLogMark::find(all[level].path);
+            marks[level] = {LgLogMark::find(all[level].path), LgLogMark::find(_ownPaths[level])};
     }
 }
 

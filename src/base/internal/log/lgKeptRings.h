@@ -15,6 +15,7 @@
 #include <base/internal/log/lgSettings.h>
 #include <base/lgQueue.h>
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <memory>
@@ -72,7 +73,8 @@ private:
 
     const LgSettings _settings;
     const LgClock _clock;
-    std::mutex _mutex; ///< guards what follows
+    std::array<std::string, LgTypes::NUM_LEVELS> _ownPaths; ///< see `LgSharedFile`
+    std::mutex _mutex;                                      ///< guards what follows
     bool _isOpened = false;
     bool _hasComplained = false;
     std::unique_ptr<LgRingFile> _file;

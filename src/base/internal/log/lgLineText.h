@@ -20,6 +20,14 @@ inline constexpr auto isControl = [](char c)
     return byte < 0x20 || byte == 0x7F;
 };
 
+/// Whether the text begins with one of the control characters U+0080 to U+009F, in UTF-8: its
+/// second byte is the character's number. Terminals obey them as they do those below.
+inline bool beginsWithHighControl(std::string_view text)
+{
+    return text.size() > 1 && text[0] == '\xC2' &&
+           (static_cast<unsigned char>(text[1]) & 0xE0) == 0x80;
+}
+
 /// Appends the character's escape: a backslash and the letter that C has for it, or else
 /// `numberPrefix` and two hexadecimal digits.
 void appendEscape(std::string& line, char c, const char* numberPrefix);

@@ -13,9 +13,9 @@ namespace LgLogMark
 {
 
 /// All 0 if there is no such file.
-LgRingFormat::LogMark find(const std::string& path) noexcept;
+LgRingFormat::FileMark find(const std::string& path) noexcept;
 
-inline bool isSameFile(const LgRingFormat::LogMark& a, const LgRingFormat::LogMark& b)
+inline bool isSameFile(const LgRingFormat::FileMark& a, const LgRingFormat::FileMark& b)
 {
     return a.volume == b.volume && a.index == b.index;
 }

@@ -5,7 +5,7 @@
 namespace Kr
 {
 
-LgRingFormat::LogMark LgLogMark::find(const std::string& path) noexcept
+LgRingFormat::FileMark LgLogMark::find(const std::string& path) noexcept
 {
     const HANDLE file =
         CreateFileA(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,

@@ -1,9 +1,9 @@
 #include <base/internal/log/lgOutput.h>
 
 #include <base/hwCounter.h>
+#include <base/internal/log/lgStandardStream.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <limits>
 #include <string_view>
 
@@ -14,6 +14,7 @@ namespace
 {
 
 constexpr std::chrono::milliseconds retryInterval(250);
+constexpr std::chrono::seconds restInterval(1);
 
 } // namespace
 
@@ -25,6 +26,7 @@ LgOutput::LgOutput(std::unique_ptr<LgFile> file, const std::string& name, LgLine
     , _maxBatch(std::min(maxBatch, batchSize))
     , _outageStamp(0)
     , _isFailing(false)
+    , _isMidLine(false)
     , _hasComplained(false)
     , _lost(0)
     , _unreported(0)
@@ -38,11 +40,21 @@ LgOutput::~LgOutput()
     close();
 }
 
+/// Where the waiting lines find no room, the record that counts them may.
 void LgOutput::close()
 {
     flush(true);
-    const auto records = std::count(_waiting.begin(), _waiting.end(), '\n');
-    _lost += static_cast<std::size_t>(records) - _reports.size();
+    if (_unreported == 0 && _waiting.empty())
+        return;
+    dropAll();
+    const std::uint64_t untold = _unreported;
+    reportLoss();
+    if (untold == 0 || writeWaiting())
+        return;
+    LgStandardStream::complain(std::to_string(untold) +
+                               " messages were lost: the log could not be "
+                               "written to " +
+                               _name + "\n");
     _waiting.clear();
     _reports.clear();
 }
@@ -54,31 +66,51 @@ void LgOutput::write(const LgRecord& record)
         _reports.push_back({_waiting.size(), record.lost});
     if (_waiting.size() >= _maxBatch)
         flush();
-    while (_waiting.size() > maxWaiting)
-        makeRoom();
+    while (_waiting.size() > maxWaiting && makeRoom())
+        continue;
 }
 
 /// Drops the oldest lines, a batch at a time: what was logged last tells most.
-void LgOutput::makeRoom()
+/// Returns whether there was one.
+bool LgOutput::makeRoom()
 {
-    const std::size_t size = nextBatch(std::max(batchSize, _waiting.size() - maxWaiting));
-    const auto lines = static_cast<std::size_t>(
-        std::count(_waiting.begin(), _waiting.begin() + static_cast<std::ptrdiff_t>(size), '\n'));
-    std::size_t messages = lines;
+    const std::size_t begin = getRestOfLine();
+    if (begin == _waiting.size())
+        return false;
+    const std::size_t excess = _waiting.size() - maxWaiting;
+    drop(begin, begin + nextBatch(begin, std::max(batchSize, excess)));
+    return true;
+}
+
+/// The rest of a line that was begun goes, too: it is not whole.
+void LgOutput::dropAll()
+{
+    drop(0, _waiting.size());
+    _isMidLine = false;
+}
+
+void LgOutput::drop(std::size_t begin, std::size_t end)
+{
+    const auto at = [this](std::size_t i)
+    { return _waiting.begin() + static_cast<std::ptrdiff_t>(i); };
+    auto messages = static_cast<std::uint64_t>(std::count(at(begin), at(end), '\n'));
+    std::uint64_t reported = 0;
     for (const Report& report : _reports)
-        if (report.end <= size)
+        if (report.end > begin && report.end <= end)
         {
             --messages;
-            _unreported += static_cast<std::uint64_t>(report.lost);
+            reported += static_cast<std::uint64_t>(report.lost);
         }
     _lost += messages;
-    _unreported += messages;
-    takeOut(size);
+    _unreported += messages + reported;
+    takeOut(begin, end);
 }
 
 void LgOutput::flush(bool now)
 {
-    if (_waiting.empty() || (_isFailing && !now && std::chrono::steady_clock::now() < _nextTry))
+    if (_waiting.empty() && _unreported == 0)
+        return rest();
+    if (_isFailing && !now && std::chrono::steady_clock::now() < _nextTry)
         return;
     reportLoss();
     if (writeWaiting())
@@ -87,46 +119,70 @@ void LgOutput::flush(bool now)
         beginOutage();
 }
 
+void LgOutput::rest()
+{
+    const auto now = std::chrono::steady_clock::now();
+    if (now < _nextRest)
+        return;
+    _nextRest = now + restInterval;
+    _file->rest();
+}
+
 void LgOutput::sync()
 {
     flush(true);
-    if (!_isFailing && !_file->sync())
+    if (!_file->sync() && !_isFailing)
         beginOutage();
 }
 
+/// Where a batch finds no room, its first line may.
 bool LgOutput::writeWaiting()
 {
     while (!_waiting.empty())
-        if (!writeBatch())
+        if (!writeBatch(_maxBatch) && !writeBatch(1))
             return false;
     return true;
 }
 
-bool LgOutput::writeBatch()
+/// Returns whether something was written.
+bool LgOutput::writeBatch(std::size_t limit)
 {
-    const std::size_t size = nextBatch(_maxBatch);
-    if (!_file->append(_waiting.data(), size))
-        return false;
-    takeOut(size);
-    return true;
+    const std::size_t begin = getRestOfLine();
+    const std::size_t size = begin + (begin < _waiting.size() ? nextBatch(begin, limit) : 0);
+    const std::size_t taken = _file->append(_waiting.data(), size);
+    if (taken != 0)
+        _isMidLine = _waiting[taken - 1] != '\n';
+    takeOut(0, taken);
+    takeNews();
+    return taken != 0;
 }
 
-void LgOutput::takeOut(std::size_t size)
+void LgOutput::takeOut(std::size_t begin, std::size_t end)
 {
-    _waiting.erase(0, size);
-    const auto isBehind = [size](const Report& report) { return report.end > size; };
-    _reports.erase(_reports.begin(), std::find_if(_reports.begin(), _reports.end(), isBehind));
+    _waiting.erase(begin, end - begin);
+    const auto isTaken = [=](const Report& report)
+    { return report.end > begin && report.end <= end; };
+    _reports.erase(std::remove_if(_reports.begin(), _reports.end(), isTaken), _reports.end());
     for (Report& report : _reports)
-        report.end -= size;
+        if (report.end > end)
+            report.end -= end - begin;
 }
 
-/// As many whole lines as fit into so many bytes, or one that does not.
-std::size_t LgOutput::nextBatch(std::size_t limit) const
+/// The size of what stands there: as many whole lines as fit into so many bytes, or one that does
+/// not.
+std::size_t LgOutput::nextBatch(std::size_t begin, std::size_t limit) const
 {
-    if (_waiting.size() <= limit)
-        return _waiting.size();
-    const std::size_t last = std::string_view(_waiting).substr(0, limit).rfind('\n');
-    return (last != std::string::npos ? last : _waiting.find('\n')) + 1;
+    const std::string_view text = std::string_view(_waiting).substr(begin);
+    if (text.size() <= limit)
+        return text.size();
+    const std::size_t last = text.substr(0, limit).rfind('\n');
+    return (last != std::string::npos ? last : text.find('\n')) + 1;
+}
+
+/// The size of the part of a line that the buffer begins with.
+std::size_t LgOutput::getRestOfLine() const
+{
+    return _isMidLine ? _waiting.find('\n') + 1 : 0;
 }
 
 void LgOutput::beginOutage()
@@ -138,9 +194,8 @@ void LgOutput::beginOutage()
     if (_hasComplained)
         return;
     _hasComplained = true;
-    std::fprintf(stderr,
-                 "The log cannot be written to %s: %s Messages that find no room are counted.\n",
-                 _name.c_str(), _file->getProblem().c_str());
+    LgStandardStream::complain("The log cannot be written to " + _name + ": " +
+                               _file->getProblem() + " Messages that find no room are counted.\n");
 }
 
 /// Puts a record that tells of the lost messages where they would stand, before those that wait.
@@ -152,13 +207,28 @@ void LgOutput::reportLoss()
         std::to_string(_unreported) + " messages were lost: the log could not be written";
     const auto lost =
         static_cast<int>(std::min<std::uint64_t>(_unreported, std::numeric_limits<int>::max()));
-    std::string line;
-    _format.append(line, {LgTypes::Warning, _outageStamp, 0, "Logger", text, lost});
-    _waiting.insert(0, line);
-    for (Report& report : _reports)
-        report.end += line.size();
-    _reports.insert(_reports.begin(), {line.size(), lost});
+    insertReport({LgTypes::Warning, _outageStamp, 0, "Logger", text, lost});
     _unreported = 0;
+}
+
+/// Before the lines that wait, behind the rest of one that was begun.
+void LgOutput::insertReport(const LgRecord& record)
+{
+    std::string line;
+    _format.append(line, record);
+    const std::size_t begin = getRestOfLine();
+    _waiting.insert(begin, line);
+    for (Report& report : _reports)
+        if (report.end > begin)
+            report.end += line.size();
+    _reports.push_back({begin + line.size(), record.lost});
+}
+
+void LgOutput::takeNews()
+{
+    const std::string news = _file->takeNews();
+    if (!news.empty())
+        insertReport({LgTypes::Warning, HwCounter::timeStamp(), 0, "Logger", news, 0});
 }
 
 } // namespace Kr

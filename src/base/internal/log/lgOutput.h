@@ -6,7 +6,10 @@
 ///
 /// While the file cannot be written, lines wait in the buffer; the oldest make room for the
 /// youngest and are counted. The first failure is told once on the standard error stream. When the
-/// file can be written again, a record tells how many were lost, and the waiting lines follow.
+/// file can be written again, a record tells how many were lost, and the waiting lines follow. What
+/// no record has told by the end stands on the standard error stream.
+///
+/// A stream may take a part of a line: the rest of it stays in front of the buffer.
 ///
 /// Used by one thread at a time, but for `getLostCount`.
 
@@ -56,20 +59,26 @@ public:
     std::uint64_t getLostCount() const { return _lost.load(std::memory_order_relaxed); }
 
 private:
-    /// A line that reports others' loss, and ends there in the buffer.
+    /// A line that is no message, but may report others' loss, and ends there in the buffer.
     struct Report
     {
         std::size_t end;
         int lost;
     };
 
-    void makeRoom();
+    void rest();
+    bool makeRoom();
+    void dropAll();
+    void drop(std::size_t begin, std::size_t end);
     bool writeWaiting();
-    bool writeBatch();
-    std::size_t nextBatch(std::size_t limit) const;
-    void takeOut(std::size_t size);
+    bool writeBatch(std::size_t limit);
+    std::size_t nextBatch(std::size_t begin, std::size_t limit) const;
+    std::size_t getRestOfLine() const;
+    void takeOut(std::size_t begin, std::size_t end);
     void beginOutage();
     void reportLoss();
+    void insertReport(const LgRecord& record);
+    void takeNews();
 
     const std::unique_ptr<LgFile> _file;
     const std::string _name;
@@ -79,8 +88,10 @@ private:
     std::vector<Report> _reports;
     unsigned long long _outageStamp; ///< when the file began to fail
     bool _isFailing;
+    bool _isMidLine; ///< the buffer begins with the rest of a line that was begun
     bool _hasComplained;
     std::chrono::steady_clock::time_point _nextTry;
+    std::chrono::steady_clock::time_point _nextRest;
     std::atomic<std::uint64_t> _lost;
     std::uint64_t _unreported; ///< lost messages of which the file does not tell
 };

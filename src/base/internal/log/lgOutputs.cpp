@@ -20,6 +20,7 @@ std::shared_ptr<LgOutput> makeFile(const std::string& path, const LgSettings& se
 {
     LgFileSettings file;
     file.path = path;
+    file.privateFolder = settings.getPrivateFolder(path);
     file.maxSize = settings.maxFileSize;
     file.keptFiles = settings.keptFiles;
     file.isLocked = settings.isLockedBetweenProcesses;

@@ -2,9 +2,11 @@
 
 #include <base/hwCounter.h>
 #include <base/internal/log/lgColumnFormat.h>
+#include <base/internal/log/lgFolder.h>
 #include <base/internal/log/lgJsonFormat.h>
 #include <base/internal/log/lgOutputs.h>
 #include <base/internal/log/lgRingFile.h>
+#include <base/internal/log/lgSharedFile.h>
 #include <base/internal/log/lgThread.h>
 #include <base/internal/log/lgWritten.h>
 
@@ -96,11 +98,22 @@ LgRescue::LgRescue(const std::string& folder, const LgSettings* own)
 LgRescue::Result LgRescue::run()
 {
     std::error_code error;
+    if (_own != nullptr && !isUsable())
+        return {};
     for (const std::string& path : findRings(_folder, error))
         rescue(path);
     if (error)
         _result.problems.push_back(_folder + " cannot be listed: " + error.message());
     return std::move(_result);
+}
+
+/// Whether this process has a folder there that it may write to.
+bool LgRescue::isUsable() const
+{
+    std::error_code error;
+    const std::string file = (std::filesystem::path(_folder) / "events.log").string();
+    return std::filesystem::is_directory(_folder, error) &&
+           LgFolder::makeAbove(file, _own->getPrivateFolder(file));
 }
 
 /// A file goes when all that it held is written; until then nothing is lost by another try.
@@ -133,6 +146,7 @@ LgSettings LgRescue::makeSettings(const LgRingImage& image) const
 {
     LgSettings settings;
     settings.directory = _folder;
+    settings.isDirectoryPrivate = _own != nullptr && _own->isDirectoryPrivate;
     settings.isJson = image.isJson();
     settings.hasTimeStamps = image.hasTimeStamps();
     settings.maxFileSize = _own != nullptr ? _own->maxFileSize : image.getMaxFileSize();
@@ -167,34 +181,20 @@ bool LgRescue::isTrusted(const std::string& path) const
            std::filesystem::equivalent(file.parent_path(), _folder, error);
 }
 
-/// Those that do not stand in their log, of each log.
+/// Those that do not stand in their log.
 std::vector<Message> LgRescue::findUnwritten(LgRingImage& image, const LgSettings& settings) const
 {
     std::vector<Message> messages = image.takeMessages();
     std::vector<bool> isWritten(messages.size(), false);
-    const auto format = makeFormat(image, image.getClock(), image.getProcess());
+    std::vector<std::string> searched;
     for (std::size_t level = 0; level < LgTypes::NUM_LEVELS; ++level)
     {
         const std::string& path = settings.destinations[level].path;
-        const auto isBefore = [&](std::size_t other)
-        { return settings.destinations[other].path == path; };
-        std::size_t first = 0;
-        while (!isBefore(first))
-            ++first;
-        if (first != level || image.getPath(level) != path)
-            continue; // done already, or nothing was written there
-        std::vector<LgWritten::Line> lines;
-        std::vector<std::size_t> numbers;
-        for (std::size_t i = 0; i < messages.size(); ++i)
-            if (settings.destinations[messages[i].level].path == path)
-            {
-                numbers.push_back(i);
-                lines.push_back({messages[i].queue, ""});
-                format->append(lines.back().text, toRecord(messages[i]));
-            }
-        const std::vector<bool> found = LgWritten::find(lines, path, image.getMark(level));
-        for (std::size_t i = 0; i < numbers.size(); ++i)
-            isWritten[numbers[i]] = found[i];
+        const bool isNew = std::find(searched.begin(), searched.end(), path) == searched.end();
+        if (!isNew || image.getPath(level) != path)
+            continue; // nothing was written to a log that only replaces one
+        searched.push_back(path);
+        searchLog(image, settings, level, messages, isWritten);
     }
     std::size_t number = 0;
     const auto isDone = [&](const Message& message) {
@@ -203,6 +203,27 @@ std::vector<Message> LgRescue::findUnwritten(LgRingImage& image, const LgSetting
     };
     messages.erase(std::remove_if(messages.begin(), messages.end(), isDone), messages.end());
     return messages;
+}
+
+/// Searches the level's log for the messages that go there.
+void LgRescue::searchLog(const LgRingImage& image, const LgSettings& settings, std::size_t level,
+                         const std::vector<Message>& messages, std::vector<bool>& isWritten) const
+{
+    const std::string& path = settings.destinations[level].path;
+    const auto format = makeFormat(image, image.getClock(), image.getProcess());
+    std::vector<LgWritten::Line> lines;
+    std::vector<std::size_t> numbers;
+    for (std::size_t i = 0; i < messages.size(); ++i)
+        if (settings.destinations[messages[i].level].path == path)
+        {
+            numbers.push_back(i);
+            lines.push_back({messages[i].queue, ""});
+            format->append(lines.back().text, toRecord(messages[i]));
+        }
+    const std::string ownPath = LgSharedFile::getOwnPath(path, image.getProcess());
+    const std::vector<bool> found = LgWritten::find(lines, path, ownPath, image.getMark(level));
+    for (std::size_t i = 0; i < numbers.size(); ++i)
+        isWritten[numbers[i]] = found[i];
 }
 
 bool LgRescue::write(const LgRingImage& image, const LgSettings& settings,

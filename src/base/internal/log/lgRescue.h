@@ -35,6 +35,7 @@ public:
     Result run();
 
 private:
+    bool isUsable() const;
     void rescue(const std::string& path);
     bool read(LgFoundRings& rings, LgRingImage& image) const;
     LgSettings makeSettings(const LgRingImage& image) const;
@@ -42,6 +43,9 @@ private:
     bool isTrusted(const std::string& path) const;
     std::vector<LgRingImage::Message> findUnwritten(LgRingImage& image,
                                                     const LgSettings& settings) const;
+    void searchLog(const LgRingImage& image, const LgSettings& settings, std::size_t level,
+                   const std::vector<LgRingImage::Message>& messages,
+                   std::vector<bool>& isWritten) const;
     bool write(const LgRingImage& image, const LgSettings& settings,
                const std::vector<LgRingImage::Message>& messages);
 

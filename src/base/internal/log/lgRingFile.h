@@ -9,6 +9,7 @@
 /// it. So whoever gets the lock knows that the owner is dead.
 
 #include <base/internal/log/lgRingFormat.h>
+#include <base/internal/log/lgSettings.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -24,8 +25,8 @@ namespace Kr
 class LgRingFile
 {
 public:
-    /// Makes a file in that folder, with the folder; null, and the reason, if that fails.
-    static std::unique_ptr<LgRingFile> create(const std::string& folder, std::string& problem);
+    /// Makes a file in the log directory, with that; null, and the reason, if that fails.
+    static std::unique_ptr<LgRingFile> create(const LgSettings& settings, std::string& problem);
 
     LgRingFile(const LgRingFile&) = delete;
     LgRingFile& operator=(const LgRingFile&) = delete;
@@ -47,6 +48,7 @@ public:
 private:
     LgRingFile() = default;
 
+    bool make(const LgSettings& settings);
     bool open(const std::string& path) noexcept;
     void close() noexcept;
 

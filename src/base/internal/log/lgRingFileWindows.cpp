@@ -1,8 +1,10 @@
 #include <base/internal/log/lgRingFile.h>
 
 #include <base/internal/errors/processIdentity.h>
-#include <base/internal/errors/systemError.h>
+#include <base/internal/log/lgFolder.h>
+#include <base/internal/log/lgProblem.h>
 
+#include <platform/logFile.h>
 #include <platform/platform.h>
 
 #include <filesystem>
@@ -18,9 +20,9 @@ namespace
 constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr int maxFilesOfProcess = 1000; // those included that earlier ones of its number have left
 
-HANDLE openFile(const std::string& path, DWORD disposition) noexcept
+HANDLE openFile(const std::string& path) noexcept
 {
-    return CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, shared, nullptr, disposition,
+    return CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, shared, nullptr, OPEN_EXISTING,
                        FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
@@ -59,35 +61,50 @@ bool isOrdinary(HANDLE file) noexcept
 
 } // namespace
 
-std::unique_ptr<LgRingFile> LgRingFile::create(const std::string& folder, std::string& problem)
+std::unique_ptr<LgRingFile> LgRingFile::create(const LgSettings& settings, std::string& problem)
 {
     std::unique_ptr<LgRingFile> file(new LgRingFile);
     file->_chunks.reserve(LgRingFormat::maxChunks);
-    std::error_code error;
-    std::filesystem::create_directories(folder, error);
-    for (int number = 0; number < maxFilesOfProcess; ++number)
-    {
-        if (file->open((std::filesystem::path(folder) / getName(number)).string()))
-            return file;
-        if (GetLastError() != ERROR_FILE_EXISTS && GetLastError() != ERROR_ALREADY_EXISTS)
-            break;
-    }
-    char text[256];
-    formatSystemError(GetLastError(), text, sizeof text);
-    problem = text;
+    if (file->make(settings))
+        return file;
+    LgProblem reason;
+    reason.take();
+    problem = reason.getText();
     return nullptr;
 }
 
+/// Takes the first name that is free. No other process makes files of this one's number.
+bool LgRingFile::make(const LgSettings& settings)
+{
+    const std::filesystem::path folder(settings.directory);
+    for (int number = 0; number < maxFilesOfProcess; ++number)
+    {
+        const std::string path = (folder / getName(number)).string();
+        if (number == 0 && !LgFolder::makeAbove(path, settings.getPrivateFolder(path)))
+            return false;
+        if (krLogExists(path.c_str()))
+            continue;
+        if (open(path))
+            return true;
+        if (GetLastError() != ERROR_LOCK_VIOLATION) // by one who has found the file meanwhile
+            return false;
+    }
+    return false;
+}
+
 /// The file is nobody's between its making and the lock: who finds it then finds it empty, and
-/// leaves it alone.
+/// leaves it alone. It is made as a log is, for the same readers.
 bool LgRingFile::open(const std::string& path) noexcept
 {
-    const HANDLE owner = openFile(path, CREATE_NEW);
-    if (owner == INVALID_HANDLE_VALUE)
+    KrLogFile made;
+    if (!made.open(path.c_str(), false))
         return false;
-    _owner = owner;
+    made.close();
     _path = path;
-    const HANDLE file = lock(owner) ? openFile(path, OPEN_EXISTING) : INVALID_HANDLE_VALUE;
+    const HANDLE owner = openFile(path);
+    if (owner != INVALID_HANDLE_VALUE)
+        _owner = owner;
+    const HANDLE file = _owner != nullptr && lock(_owner) ? openFile(path) : INVALID_HANDLE_VALUE;
     if (file != INVALID_HANDLE_VALUE)
     {
         _file = file;
@@ -150,7 +167,7 @@ std::unique_ptr<LgFoundRings> LgFoundRings::open(const std::string& path)
     std::error_code error;
     if (!std::filesystem::is_regular_file(std::filesystem::symlink_status(path, error)))
         return nullptr;
-    const HANDLE file = openFile(path, OPEN_EXISTING);
+    const HANDLE file = openFile(path);
     if (file == INVALID_HANDLE_VALUE)
         return nullptr;
     std::unique_ptr<LgFoundRings> found(new LgFoundRings(path, file));

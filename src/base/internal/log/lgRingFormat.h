@@ -55,12 +55,19 @@ struct Destination
     char path[1020]; ///< of a file; empty if it is too long for this
 };
 
-/// How long a log was, and which file it is, however it may be called; all 0: there was none.
-struct LogMark
+/// How long a file was, and which it is, however it may be called; all 0: there was none.
+struct FileMark
 {
     std::uint64_t volume;
     std::uint64_t index;
     std::uint64_t size;
+};
+
+/// A log, and the file beside it in which the owner goes on while others keep it from the log.
+struct LogMark
+{
+    FileMark shared;
+    FileMark own;
 };
 
 struct Header

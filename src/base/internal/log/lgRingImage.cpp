@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <functional>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -66,7 +67,8 @@ public:
         const bool isOverflow = _chunk[entry + Format::Entry::overflow] != 0;
         message.lost = isOverflow ? word & Format::Entry::countMask : 0;
         message.level = isOverflow ? LgTypes::Informational : static_cast<LgTypes::Level>(word);
-        _group = isOverflow ? 0 : get<std::uint16_t>(_chunk, entry + Format::Entry::group);
+        message.groupNumber =
+            isOverflow ? 0 : get<std::uint16_t>(_chunk, entry + Format::Entry::group);
         _mark.entry = (_mark.entry + 1) & (_numEntries - 1);
         if (isOverflow)
         {
@@ -76,9 +78,6 @@ public:
         }
         return takeText(message.text) && word < LgTypes::NUM_LEVELS;
     }
-
-    /// The number of the group of the entry taken last.
-    std::uint16_t getGroup() const { return _group; }
 
 private:
     Rings(const Chunk& chunk, std::uint32_t side)
@@ -137,7 +136,6 @@ private:
     std::uint32_t _numCharacters;
     std::uint32_t _end = 0;
     std::uint32_t _committed = 0;
-    std::uint16_t _group = 0;
 };
 
 } // namespace
@@ -238,7 +236,6 @@ void LgRingImage::readQueue(const Chunk& chunk)
         chunk, offsetof(Format::Queue, threadNames) + _side * Format::Queue::nameSize);
     for (; rings->take(message); message.text.clear())
     {
-        message.group = std::to_string(rings->getGroup());
         message.timeStamp = limitStamp(message.timeStamp);
         messages.push_back(message);
     }
@@ -261,8 +258,9 @@ void LgRingImage::resolveGroups()
     for (std::vector<Message>& messages : _queues)
         for (Message& message : messages)
         {
-            const auto name = _names.find(static_cast<std::uint16_t>(std::stoul(message.group)));
-            message.group = name != _names.end() ? name->second : std::string();
+            const auto name = _names.find(message.groupNumber);
+            if (name != _names.end())
+                message.group = name->second;
         }
 }
 

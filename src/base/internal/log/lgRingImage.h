@@ -27,7 +27,8 @@ public:
         std::uint64_t timeStamp = 0;
         unsigned long thread = 0;
         std::string threadName;
-        std::string group;
+        std::uint16_t groupNumber = 0;
+        std::string group; ///< empty: none, or its name is missing
         LgTypes::Level level = LgTypes::Informational;
         std::string text;
         std::uint32_t lost = 0;
@@ -85,7 +86,7 @@ private:
     LgClock _clock{0, 0, 1};
     Destination _destinations[LgTypes::NUM_LEVELS];
     std::unordered_map<std::uint16_t, std::string> _names;
-    std::vector<std::vector<Message>> _queues; ///< the number of its group as its group's text
+    std::vector<std::vector<Message>> _queues;
 };
 
 } // namespace Kr

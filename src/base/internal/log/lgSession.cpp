@@ -69,6 +69,8 @@ std::size_t LgSession::drainOnce(LgDrain how)
     {
         _timeline->drain();
         _timeline->flush();
+        if (how == LgDrain::toDisk)
+            _timeline->sync();
     }
     if (how == LgDrain::toDisk)
         _outputs.sync();
@@ -108,6 +110,7 @@ void LgSession::openTimeline()
         return;
     LgFileSettings file;
     file.path = _settings.timelinePath;
+    file.privateFolder = _settings.getPrivateFolder(file.path);
     file.isExclusive = true;
     _timeline = std::make_unique<LgTimelineFile>(LgFile::create(file), file.path, _clock);
     LgTimeline::_enabled = true;

@@ -1,6 +1,7 @@
 #include <base/internal/log/lgSettings.h>
 
 #include <base/internal/errors/processIdentity.h>
+#include <base/internal/log/lgFolder.h>
 
 #include <algorithm>
 #include <charconv>
@@ -135,7 +136,7 @@ std::string defaultDirectory(LgSettings::Lookup lookup)
     std::error_code error;
     const std::string temporary = std::filesystem::temp_directory_path(error).string();
     const char* user = lookup("USER") != nullptr ? lookup("USER") : lookup("USERNAME");
-    const std::string name = user != nullptr ? "KRbase-" + std::string(user) : "KRbase";
+    const std::string name = "KRbase-" + (user != nullptr ? user : LgFolder::getUserName());
     return error ? name : (std::filesystem::path(temporary) / name).string();
 }
 
@@ -186,6 +187,7 @@ private:
         const char* directory = getValue("KR_LOG_DIR");
         if (directory == nullptr)
             directory = getValue("R4P_TEST_DIR");
+        _settings.isDirectoryPrivate = directory == nullptr;
         _settings.directory =
             fromRoot(directory != nullptr ? expand(directory) : defaultDirectory(_lookup));
     }
@@ -225,6 +227,12 @@ private:
 };
 
 } // namespace
+
+std::string LgSettings::getPrivateFolder(const std::string& path) const
+{
+    const bool isInside = path.compare(0, directory.size(), directory) == 0;
+    return isDirectoryPrivate && isInside ? directory : std::string();
+}
 
 LgSettings LgSettings::read(Lookup lookup, std::ostream& report)
 {

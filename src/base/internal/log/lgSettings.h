@@ -37,11 +37,15 @@ struct LgSettings
     /// made absolute, and in one spelling.
     static LgSettings read(Lookup lookup, std::ostream& report);
 
+    /// The log directory, for a file in it that must be the user's alone; otherwise empty.
+    std::string getPrivateFolder(const std::string& path) const;
+
     std::string directory;                                       ///< absolute
     std::array<LgDestination, LgTypes::NUM_LEVELS> destinations; ///< by level
     std::string timelinePath;                                    ///< empty: no timeline
     std::uint64_t maxFileSize = 0;                               ///< in bytes; 0: no limit
     int keptFiles = 1;
+    bool isDirectoryPrivate = false; ///< it is the default one, where others may write beside it
     bool hasTimeStamps = true;
     bool isJson = false;
     bool isBlocking = false;

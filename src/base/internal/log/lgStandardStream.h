@@ -2,8 +2,12 @@
 
 /// @file
 /// Internal to the library: one of the process's standard streams as a file of the log.
+///
+/// What a pipe takes of a text is not written again, and a reader that has stopped does not stop
+/// the program: after a second the text waits elsewhere.
 
 #include <base/internal/log/lgFile.h>
+#include <base/internal/log/lgProblem.h>
 
 #include <cstdio>
 #include <string>
@@ -19,12 +23,17 @@ public:
     {
     }
 
-    bool append(const char* text, std::size_t size) noexcept override;
+    std::size_t append(const char* text, std::size_t size) noexcept override;
     bool sync() noexcept override { return true; }
-    std::string getProblem() const override { return "The stream does not take it."; }
+    std::string getProblem() const override { return _problem.getText(); }
+
+    /// Writes what the logger has to say about itself on the standard error stream.
+    static void complain(const std::string& text) noexcept;
 
 private:
     std::FILE* const _stream;
+    LgProblem _problem;
+    bool _isStuck = false; ///< took not everything last time
 };
 
 } // namespace Kr

@@ -3,6 +3,7 @@
 #include <base/hwCounter.h>
 #include <base/internal/errors/processIdentity.h>
 #include <base/internal/log/lgJson.h>
+#include <base/internal/log/lgStandardStream.h>
 #include <base/internal/log/lgTimeText.h>
 #include <base/lgCounters.h>
 
@@ -16,8 +17,21 @@ namespace
 {
 
 constexpr std::size_t batchSize = 64 * 1024;
+constexpr std::size_t maxWaiting = 256 * 1024;
+constexpr std::chrono::milliseconds retryInterval(250);
+constexpr std::string_view separator = ",\n";
 constexpr char ending[] = "\n]\n";
 constexpr std::size_t endingSize = sizeof ending - 1;
+
+/// Those that tell something: names are told again.
+std::uint64_t countEvents(std::string_view text)
+{
+    constexpr std::string_view begin = ",\n{\"ph\":\"";
+    std::uint64_t count = 0;
+    for (std::size_t at = text.find(begin); at != text.npos; at = text.find(begin, at + 1))
+        count += text[at + begin.size()] != 'M' ? 1 : 0;
+    return count;
+}
 
 } // namespace
 
@@ -28,16 +42,19 @@ LgTimelineFile::LgTimelineFile(std::unique_ptr<LgFile> file, const std::string& 
     , _clock(clock)
     , _process(std::to_string(ProcessIdentity::getProcessId()))
     , _startStamp(HwCounter::timeStamp())
-    , _isStarted(false)
-    , _isClosed(false)
-    , _hasComplained(false)
 {
 }
 
 LgTimelineFile::~LgTimelineFile()
 {
     drain();
-    flush();
+    flush(true);
+    _lost += countEvents(_waiting);
+    if (_lost != 0)
+        LgStandardStream::complain(std::to_string(_lost) +
+                                   " events were lost: the timeline could "
+                                   "not be written to " +
+                                   _path + "\n");
 }
 
 void LgTimelineFile::addRing(std::shared_ptr<LgSpanRing> ring)
@@ -69,7 +86,7 @@ void LgTimelineFile::addMessage(const LgRecord& record)
 /// Threads that have ended are let go; their end is looked at before their ring.
 void LgTimelineFile::drain()
 {
-    askForCounters();
+    LgCounters::ask(&addCounter, this);
     takeNewRings();
     const auto drainAndTest = [this](const std::shared_ptr<LgSpanRing>& ring)
     {
@@ -80,31 +97,84 @@ void LgTimelineFile::drain()
     _rings.erase(std::remove_if(_rings.begin(), _rings.end(), drainAndTest), _rings.end());
 }
 
-/// The file is whole after each flush: the bracket at its end makes way for what follows. Each
-/// event brings the comma before it.
-void LgTimelineFile::flush()
+void LgTimelineFile::flush(bool now)
 {
-    if (_waiting.empty())
+    if (_waiting.empty() && _lost == 0)
         return;
-    if (!_isStarted)
-        _waiting.replace(0, 1, "[");
-    if (_isClosed && _file->removeEnd(endingSize))
-        _isClosed = false;
-    _waiting += ending;
-    if (!_isClosed && _file->append(_waiting.data(), _waiting.size()))
-        _isStarted = _isClosed = true;
-    else
-        complain();
-    _waiting.clear();
+    if (!_isFailing || now || std::chrono::steady_clock::now() >= _nextTry)
+    {
+        const std::string report = getLossReport();
+        _waiting.insert(0, report);
+        if (write())
+            return;
+        _waiting.erase(0, report.size());
+        beginOutage();
+    }
+    if (_waiting.size() > maxWaiting)
+        makeRoom();
 }
 
-void LgTimelineFile::complain()
+/// The file is whole afterwards: the bracket at its end makes way for what follows. Each event
+/// brings the comma before it.
+bool LgTimelineFile::write()
 {
+    if (!_isStarted)
+        _waiting.front() = '[';
+    _waiting += ending;
+    const std::size_t removed = _isStarted ? endingSize : 0;
+    if (_file->replaceEnd(removed, _waiting.data(), _waiting.size()))
+    {
+        _waiting.clear();
+        _isStarted = true;
+        _isFailing = false;
+        _lost = 0;
+        return true;
+    }
+    _waiting.resize(_waiting.size() - endingSize);
+    _waiting.front() = separator.front();
+    return false;
+}
+
+void LgTimelineFile::sync()
+{
+    if (!_file->sync())
+        beginOutage();
+}
+
+/// The event that tells of those that were lost, where they would have stood; empty if none were.
+std::string LgTimelineFile::getLossReport()
+{
+    if (_lost == 0)
+        return {};
+    std::string after;
+    after.swap(_waiting);
+    startEvent("i", 0);
+    appendTime("ts", _clock.getElapsed(HwCounter::timeStamp()));
+    _waiting += ",\"s\":\"p\",\"cat\":\"Warning\",\"name\":\"" + std::to_string(_lost) +
+                " events were lost: the timeline could not be written\"}";
+    after.swap(_waiting);
+    return after;
+}
+
+/// Drops the oldest events. The names of threads may be among them, so they are told again.
+void LgTimelineFile::makeRoom()
+{
+    const std::size_t end = std::min(_waiting.find(separator, batchSize), _waiting.size());
+    _lost += countEvents(std::string_view(_waiting).substr(0, end));
+    _waiting.erase(0, end);
+    _hasHeader = false;
+    _shownNames.clear();
+}
+
+void LgTimelineFile::beginOutage()
+{
+    _isFailing = true;
+    _nextTry = std::chrono::steady_clock::now() + retryInterval;
     if (_hasComplained)
         return;
     _hasComplained = true;
-    std::fprintf(stderr, "The timeline cannot be written to %s: %s\n", _path.c_str(),
-                 _file->getProblem().c_str());
+    LgStandardStream::complain("The timeline cannot be written to " + _path + ": " +
+                               _file->getProblem() + "\n");
 }
 
 /// What stands before the first event: who this is, and what time it is where the timeline begins.
@@ -131,7 +201,8 @@ void LgTimelineFile::beginEvent(const char* phase, unsigned long thread)
 
 void LgTimelineFile::startEvent(const char* phase, unsigned long thread)
 {
-    _waiting += ",\n{\"ph\":\"";
+    _waiting += separator;
+    _waiting += "{\"ph\":\"";
     _waiting += phase;
     _waiting += "\",\"pid\":";
     _waiting += _process;
@@ -180,12 +251,6 @@ void LgTimelineFile::showThreadName(unsigned long thread, std::string_view name)
         return;
     shown = name;
     addThreadName(thread, name);
-}
-
-void LgTimelineFile::askForCounters()
-{
-    if (const LgCounters::Source source = LgCounters::getSource())
-        source(&addCounter, this);
 }
 
 /// Writes a value that has changed.

@@ -3,12 +3,17 @@
 /// @file
 /// Internal to the library: writes the timeline, the spans of all threads and the messages of the
 /// log, as trace events.
+///
+/// While the file cannot be written, the youngest events wait; an event tells later how many others
+/// there were. The file is whole all the time.
 
 #include <base/internal/log/lgClock.h>
 #include <base/internal/log/lgFile.h>
 #include <base/internal/log/lgRecord.h>
 #include <base/internal/log/lgSpanRing.h>
 
+#include <chrono>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -35,10 +40,18 @@ public:
     /// The rest is for one thread at a time.
     void addMessage(const LgRecord& record);
     void drain();
-    void flush();
+
+    /// Writes what waits. After a failure the next try is made a little later, unless `now` is set.
+    void flush(bool now = false);
+
+    /// Returns when what was written is on the disk.
+    void sync();
 
 private:
-    void complain();
+    bool write();
+    std::string getLossReport();
+    void makeRoom();
+    void beginOutage();
     void addHeader();
     void startEvent(const char* phase, unsigned long thread);
     void beginEvent(const char* phase, unsigned long thread);
@@ -47,7 +60,6 @@ private:
     void addThreadName(unsigned long thread, std::string_view name);
     void showThreadName(unsigned long thread, std::string_view name);
     static void addCounter(void* timeline, const char* name, double value);
-    void askForCounters();
     void takeNewRings();
     void drainRing(LgSpanRing& ring);
 
@@ -61,9 +73,11 @@ private:
     std::string _waiting;
     const unsigned long long _startStamp;
     bool _hasHeader = false;
-    bool _isStarted;
-    bool _isClosed; ///< the bracket stands at the file's end
-    bool _hasComplained;
+    bool _isStarted = false; ///< the bracket stands at the file's end
+    bool _isFailing = false;
+    bool _hasComplained = false;
+    std::chrono::steady_clock::time_point _nextTry;
+    std::uint64_t _lost = 0; ///< events of which the file does not tell
 
     std::mutex _mutex; // guards what producers add
     std::vector<std::shared_ptr<LgSpanRing>> _newRings;

@@ -63,12 +63,14 @@ public:
         const std::size_t number = expected->second;
         _expected.erase(expected);
         _found[number] = true;
+        ++_count;
         std::vector<std::size_t>& numbers = _queues[_lines[number].queue];
         numbers.pop_back();
         expectNext(numbers);
     }
 
     bool isDone() const { return _expected.empty(); }
+    std::size_t getCount() const { return _count; }
     std::vector<bool> take() { return std::move(_found); }
 
 private:
@@ -80,6 +82,7 @@ private:
 
     const std::vector<LgWritten::Line>& _lines;
     std::vector<bool> _found;
+    std::size_t _count = 0;
     std::map<std::uint32_t, std::vector<std::size_t>> _queues;
     std::unordered_multimap<std::string_view, std::size_t> _expected; ///< one of each queue
 };
@@ -96,12 +99,8 @@ void searchFile(Search& search, const std::string& path, std::uint64_t from)
         search.meet(file.eof() ? line : line += '\n');
 }
 
-} // namespace
-
-std::vector<bool> LgWritten::find(const std::vector<Line>& lines, const std::string& path,
-                                  const LgRingFormat::LogMark& mark)
+void searchLog(Search& search, const std::string& path, const LgRingFormat::FileMark& mark)
 {
-    Search search(lines);
     int oldest = 0;
     while (oldest < maxRotated && isFile(getName(path, oldest + 1)))
         ++oldest;
@@ -111,10 +110,22 @@ std::vector<bool> LgWritten::find(const std::vector<Line>& lines, const std::str
         {
             oldest = number;
             from = mark.size;
-            break;
         }
     for (int number = oldest; number >= 0; --number, from = 0)
         searchFile(search, getName(path, number), from);
+}
+
+} // namespace
+
+std::vector<bool> LgWritten::find(const std::vector<Line>& lines, const std::string& path,
+                                  const std::string& ownPath, const LgRingFormat::LogMark& mark)
+{
+    Search search(lines);
+    searchLog(search, path, mark.shared);
+    const std::size_t inShared = search.getCount();
+    searchLog(search, ownPath, mark.own);
+    if (search.getCount() != inShared) // the process may have come back from there
+        searchLog(search, path, mark.shared);
     return search.take();
 }
 

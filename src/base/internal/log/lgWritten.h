@@ -21,11 +21,12 @@ struct Line
     std::string text;    ///< with its line feed
 };
 
-/// For each line whether it stands in the log, or the files that it was rotated into, behind the
-/// mark. The log tells more than its text does: of a queue's lines the first ones are written, and
-/// only behind the mark, so two messages that read alike are still two.
+/// For each line whether it stands in the log, the files that it was rotated into, or the process's
+/// own file beside it, behind the mark. The log tells more than its text does: of a queue's lines
+/// the first ones are written, and only behind the mark, so two messages that read alike are still
+/// two.
 std::vector<bool> find(const std::vector<Line>& lines, const std::string& path,
-                       const LgRingFormat::LogMark& mark);
+                       const std::string& ownPath, const LgRingFormat::LogMark& mark);
 
 } // namespace LgWritten
 } // namespace Kr

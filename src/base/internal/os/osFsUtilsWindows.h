@@ -54,12 +54,20 @@ public:
     static bool replaceFile(const OsFilePath& from, const OsFilePath& to);
     /// Whether the last error says that somebody holds the file at this moment.
     static bool isInUse();
-    /// Whether something is there that no file can take the place of.
+    /// Whether something is there that no file may take the place of: it cannot be written, or is
+    /// no file.
     static bool isProtected(const OsFilePath& path);
-    static bool removeFile(const OsFilePath& path);
 
-    /// A number that no other process has at this time.
-    static unsigned long getProcessNumber();
+    /// Creates a file for one who writes, renames or removes it while this handle is open, which
+    /// says to `removeAbandoned` that it is in use. `OsFileTypes::invalidHandle` with the last
+    /// error set.
+    static OsFileTypes::Handle claim(const OsFilePath& path);
+    /// Whether the last error says that a claim may succeed under another name.
+    static bool isTaken();
+    /// Removes the file, unless anybody has it open. False if it stays, or there is none.
+    static bool removeAbandoned(const OsFilePath& path);
+    /// Gives the one file the other's owner and permissions, as far as that can be done.
+    static void copyProtection(const OsFilePath& from, const OsFilePath& to);
 };
 
 } // namespace Kr

@@ -15,6 +15,13 @@ double exp(double x);
 /// x * x * x, rounded once.
 double cube(double x);
 
+/// sqrt(-2 log(x) / x), rounded to T at each step.
+template <class T>
+T polarFactor(double x);
+/// The same of an even number of positive normal numbers, each a T, in a third of the time.
+template <class T>
+void polarFactors(const double* x, unsigned int count, double* factors);
+
 struct SinCos
 {
     double sin;

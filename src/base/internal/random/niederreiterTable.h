@@ -3,13 +3,15 @@
 /// @file
 /// The points of Niederreiter's sequence in base 2, in four dimensions, as 31-bit fractions.
 
+#include <base/internal/random/lanes.h>
+
 #include <array>
 #include <cstdint>
 
 namespace Kr::Niederreiter
 {
 
-/// The four coordinates of a point, or of what a bit of the index contributes to one.
+/// What a bit of the index contributes to the four coordinates.
 using Row = std::array<std::uint32_t, 4>;
 
 /// What each bit of the index contributes. They come from the polynomials x, x + 1, x^2 + x + 1 and
@@ -48,20 +50,23 @@ inline constexpr Row directions[31] = {
     {1U, 1431655765U, 1702911453U, 1174691895U},
 };
 
-/// The point of an index; its highest bit does not count.
-Row getPoint(std::uint32_t index);
+/// The coordinates of an index's point; the index's highest bit does not count.
+Lanes<std::uint32_t> getPoint(std::uint32_t index);
 
-/// Writes the points of `count` indices from `first` on, coordinate c into `array[c]`.
-template <class T>
-void fill(std::uint32_t first, unsigned int count, T* const* array);
-
-/// The coordinates of an index's point, below 1.
+/// The same as fractions below 1.
 template <class T>
 void getPoint(std::uint32_t index, T* point);
 
-extern template void fill(std::uint32_t, unsigned int, float* const*);
-extern template void fill(std::uint32_t, unsigned int, double* const*);
+/// Writes the points of `count` indices from `first` on, coordinate c into `array[c]`, below 1.
+template <class T>
+void fill(std::uint32_t first, unsigned int count, T* const* array);
+
+/// The same mirrored: bit 0 is a fraction's highest.
+void fillMirrored(std::uint32_t first, unsigned int count, std::uint32_t* const* array);
+
 extern template void getPoint(std::uint32_t, float*);
 extern template void getPoint(std::uint32_t, double*);
+extern template void fill(std::uint32_t, unsigned int, float* const*);
+extern template void fill(std::uint32_t, unsigned int, double* const*);
 
 } // namespace Kr::Niederreiter

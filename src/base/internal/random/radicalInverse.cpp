@@ -1,4 +1,5 @@
 #include <base/internal/random/radicalInverse.h>
+#include <base/internal/random/reversedBits.h>
 
 #include <algorithm>
 #include <type_traits>

@@ -9,15 +9,6 @@
 namespace Kr
 {
 
-/// The bits in the opposite order.
-constexpr std::uint32_t getReversedBits(std::uint32_t x)
-{
-    x = __builtin_bswap32(x);
-    x = (x >> 4 & 0x0F0F0F0FU) | (x & 0x0F0F0F0FU) << 4;
-    x = (x >> 2 & 0x33333333U) | (x & 0x33333333U) << 2;
-    return (x >> 1 & 0x55555555U) | (x & 0x55555555U) << 1;
-}
-
 template <class T>
 class RadicalInverse
 {

@@ -1,0 +1,8 @@
+#include <base/inSettingsStore.h>
+
+namespace Kr
+{
+
+InSettingsStore::~InSettingsStore() = default;
+
+} // namespace Kr

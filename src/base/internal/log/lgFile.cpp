@@ -1,0 +1,22 @@
+#include <base/internal/log/lgFile.h>
+
+namespace Kr
+{
+
+LgFile::~LgFile() = default;
+
+bool LgFile::replaceEnd(std::size_t, const char*, std::size_t) noexcept
+{
+    return false;
+}
+
+void LgFile::rest() noexcept
+{
+}
+
+std::string LgFile::takeNews()
+{
+    return {};
+}
+
+} // namespace Kr

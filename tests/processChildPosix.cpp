@@ -1,0 +1,8 @@
+#include "processChild.h"
+
+#include <csignal>
+
+void ProcessChild::ignoreEnd()
+{
+    std::signal(SIGTERM, SIG_IGN);
+}
