@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <cstring>
 #include <random>
+#include <regex>
 
 namespace
 {
@@ -111,17 +112,15 @@ TEST(LogKept, RecoversWhatWasComplete)
     EXPECT_TRUE(result.problems.empty());
     EXPECT_EQ(result.processes, 1U);
     EXPECT_EQ(result.messages, 4U);
-    const Texts lines = LogTest::readLines(folder / "events.log");
-    ASSERT_EQ(lines.size(), 5U);
-    EXPECT_NE(lines[0].find("ended before it had written its log; recovered: 4 messages"),
-              std::string::npos);
-    EXPECT_NE(lines[1].find("Error "), std::string::npos);
-    EXPECT_NE(lines[1].find(":17 "), std::string::npos);
-    EXPECT_NE(lines[1].find(" Kept          first"), std::string::npos);
-    EXPECT_NE(lines[2].find(":painter "), std::string::npos);
-    EXPECT_NE(lines[2].find(" Late          second"), std::string::npos);
-    EXPECT_EQ(textOf(lines[3]), "#");
-    EXPECT_EQ(textOf(lines[4]), "third\\n");
+    std::string shown;
+    for (const std::string& line : LogTest::readLines(folder / "events.log"))
+        shown += std::regex_replace(line.substr(29), std::regex(" +([0-9]+:)?"), " ") + '\n';
+    const std::string number = std::to_string(Kr::ProcessIdentity::getProcessId());
+    EXPECT_EQ(shown, "Warning main Logger process " + number +
+                         " ended before it had written its log; recovered: 4 messages, and the "
+                         "loss of 0\n"
+                         "Error 17 Kept first\nWarning painter Late second\nWarning 17 Kept #\n"
+                         "Warning 17 - third\\n\n");
     EXPECT_EQ(LgRecovery::recover(folder.getPath().c_str()).processes, 0U);
     for (const auto& entry : std::filesystem::directory_iterator(folder.getPath()))
         EXPECT_NE(entry.path().extension(), ".rings");
@@ -226,8 +225,8 @@ TEST(LogKept, TrustsNoPath)
     }
 }
 
-/// The chunks of a sound file.
-std::vector<std::vector<unsigned char>> makeImage()
+/// A sound file: the header, names, a queue.
+std::string makeImage()
 {
     const Folder folder;
     Process process(folder);
@@ -238,50 +237,37 @@ std::vector<std::vector<unsigned char>> makeImage()
         takeText(queue);
     process.getRings().commit();
     process.die();
-    std::string bytes;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.getPath()))
-        bytes = LogTest::readFile(entry.path().string());
-    std::vector<std::vector<unsigned char>> chunks;
-    for (std::size_t at = 0; at + Kr::LgRingFormat::chunkSize <= bytes.size();
-         at += Kr::LgRingFormat::chunkSize)
-        chunks.emplace_back(bytes.begin() + static_cast<std::ptrdiff_t>(at),
-                            bytes.begin() +
-                                static_cast<std::ptrdiff_t>(at + Kr::LgRingFormat::chunkSize));
-    return chunks;
+    return LogTest::readFile(
+        std::filesystem::directory_iterator(folder.getPath())->path().string());
 }
 
-const LgRingImage::Chunk& asChunk(const std::vector<unsigned char>& bytes)
+/// Puts a number that means something where a number stands.
+void damage(std::string& bytes, std::mt19937& random)
 {
-    return *reinterpret_cast<const LgRingImage::Chunk*>(bytes.data());
+    const std::size_t chunk = random() % 3 * Kr::LgRingFormat::chunkSize;
+    const std::size_t reach = random() % 2 == 0 ? 256 : 4096;
+    const std::uint32_t values[] = {
+        0, 1, 0xFFFFFFFF, 0x80000000, 65535, 65536, static_cast<std::uint32_t>(random())};
+    std::memcpy(&bytes[chunk + random() % reach / 4 * 4], &values[random() % 7], 4);
 }
 
 TEST(LogKept, ReadsDamagedFilesWithoutHarm)
 {
-    const auto sound = makeImage();
-    ASSERT_EQ(sound.size(), 3U);
+    const std::string sound = makeImage();
+    ASSERT_EQ(sound.size(), 3 * Kr::LgRingFormat::chunkSize);
     std::mt19937 random(1);
     int refused = 0;
     for (int round = 0; round < 3000; ++round)
     {
-        auto chunks = sound;
-        const int changes = round == 0 ? 0 : 1 + static_cast<int>(random() % 8);
-        for (int i = 0; i < changes; ++i)
-        {
-            std::vector<unsigned char>& chunk = chunks[random() % chunks.size()];
-            const std::size_t reach = random() % 2 == 0 ? 256 : 4096; // where the numbers stand
-            const std::uint32_t values[] = {
-                0, 1, 0xFFFFFFFF, 0x80000000, 65535, 65536, static_cast<std::uint32_t>(random())};
-            const std::uint32_t value = values[random() % 7];
-            std::memcpy(chunk.data() + random() % reach / 4 * 4, &value, sizeof value);
-        }
+        std::string bytes = sound;
+        for (int i = round == 0 ? 0 : 1 + static_cast<int>(random() % 8); i > 0; --i)
+            damage(bytes, random);
+        const auto* const chunks = reinterpret_cast<const LgRingImage::Chunk*>(bytes.data());
         LgRingImage image;
-        if (!image.readHeader(asChunk(chunks[0])))
-        {
-            ++refused;
+        if (!image.readHeader(chunks[0]) && ++refused != 0)
             continue;
-        }
-        for (std::size_t i = 1; i < chunks.size(); ++i)
-            image.readChunk(asChunk(chunks[i]));
+        image.readChunk(chunks[1]);
+        image.readChunk(chunks[2]);
         const std::vector<LgRingImage::Message> messages = image.takeMessages();
         EXPECT_LE(messages.size(), 4096U);
         for (const LgRingImage::Message& message : messages)
@@ -298,8 +284,7 @@ TEST(LogKept, ReadsDamagedFilesWithoutHarm)
 TEST(LogKept, LeavesOtherFilesAlone)
 {
     const Folder folder;
-    const auto chunks = makeImage();
-    std::string other(chunks[0].begin(), chunks[0].end());
+    std::string other = makeImage();
     other[8] = 77;
     for (const std::string& content : {std::string(), std::string("text"), other})
     {

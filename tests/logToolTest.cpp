@@ -111,11 +111,20 @@ const char* const someLines[] = {
     "a line of somebody else",
 };
 
+Arguments readArguments(std::vector<std::string> words)
+{
+    words.insert(words.begin(), "kr-log");
+    std::vector<char*> argv;
+    for (std::string& word : words)
+        argv.push_back(word.data());
+    return Arguments::read(static_cast<int>(argv.size()), argv.data());
+}
+
 TEST(LogTool, Filters)
 {
     struct Case
     {
-        std::vector<const char*> arguments;
+        std::vector<std::string> arguments;
         const char* accepted; ///< a digit for each line
     };
     const Case cases[] = {
@@ -130,18 +139,11 @@ TEST(LogTool, Filters)
         {{"-s", "1d"}, "0000000"},
         {{"-u", "90s"}, "1111100"},
     };
-    const Folder folder;
     for (const Case& each : cases)
     {
-        const std::string path = folder.getPath();
-        std::vector<std::string> words{"kr-log"};
-        words.insert(words.end(), each.arguments.begin(), each.arguments.end());
-        words.insert(words.begin() + 1,
-                     {"-f", folder / "none.log"}); // options behind the file, too
-        std::vector<char*> argv;
-        for (std::string& word : words)
-            argv.push_back(word.data());
-        const Arguments arguments = Arguments::read(static_cast<int>(argv.size()), argv.data());
+        std::vector<std::string> words = each.arguments;
+        words.insert(words.begin(), {"-f", "none.log"}); // options behind the file, too
+        const Arguments arguments = readArguments(words);
         std::string accepted;
         for (const char* line : someLines)
             accepted += arguments.filter.accepts(makeRecord(line)) ? '1' : '0';
@@ -164,14 +166,9 @@ TEST(LogTool, RefusesByName)
     };
     for (const auto& [arguments, problem] : cases)
     {
-        std::vector<std::string> words{"kr-log"};
-        words.insert(words.end(), arguments.begin(), arguments.end());
-        std::vector<char*> argv;
-        for (std::string& word : words)
-            argv.push_back(word.data());
         try
         {
-            Arguments::read(static_cast<int>(argv.size()), argv.data());
+            readArguments(arguments);
             ADD_FAILURE() << problem;
         }
         catch (const KrLog::UsageError& error)
