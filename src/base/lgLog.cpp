@@ -3,6 +3,7 @@
 #include <base/internal/log/lgFork.h>
 #include <base/internal/log/lgLogState.h>
 #include <base/internal/log/lgProducer.h>
+#include <base/internal/log/lgRescue.h>
 #include <base/internal/log/lgTermination.h>
 #include <base/lgGroups.h>
 #include <base/osEnv.h>
@@ -30,7 +31,13 @@ void openGroups(LgLog::Lookup lookup)
         LgMajorGroup::finalize();
         throw;
     }
-}
+
+    /// What is left of processes that were killed comes first.
+    void recover(const LgSettings& settings)
+    {
+        for (const std::string& problem : LgRescue(settings.directory, &settings).run().problems)
+            std::cerr << problem << std::endl;
+    }
 
 } // namespace
 
@@ -41,7 +48,9 @@ void LgLog::init()
 
 void LgLog::init(Lookup lookup)
 {
-    auto session = std::make_unique<LgSession>(LgSettings::read(lookup, std::cout));
+    const LgSettings settings = LgSettings::read(lookup, std::cout);
+    recover(settings);
+    auto session = std::make_unique<LgSession>(settings);
     openGroups(lookup);
     LgFork::install();
     LgTermination::install();

@@ -26,6 +26,18 @@ LgQueue::LgQueue(unsigned long threadId, unsigned int numEntries, unsigned int n
         losses.store(0, std::memory_order_relaxed);
 }
 
+LgQueue::LgQueue(unsigned long threadId, const Rings& rings)
+    : _stream(rings.characters, rings.numCharacters)
+    , _entries(rings.entries, RingDelete{true})
+    , _mask(rings.numEntries - 1)
+    , _nextLook(rings.numEntries / 2)
+    , _threadId(threadId)
+{
+    KR_ASSERT(rings.entries != nullptr && rings.numEntries >= 4 && (rings.numEntries & _mask) == 0);
+    for (std::atomic<std::uint32_t>& losses : _losses)
+        losses.store(0, std::memory_order_relaxed);
+}
+
 LgQueue::~LgQueue() noexcept(false)
 {
     if (std::uncaught_exceptions() == 0)
@@ -123,18 +135,19 @@ void LgQueue::waitForSpace(int amount) const
 
 const LgQueue::Entry& LgQueue::readEntry() const
 {
-    KR_ASSERT_TEXT(!isEmpty(), "_beg != _end", 254);
-    Entry& entry = _entries[_beg.load(std::memory_order_relaxed)];
+    KR_ASSERT_TEXT(hasUnread(), "_beg != _end", 254);
+    Entry& entry = _entries[_next];
     entry.close();
     return entry;
 }
 
 void LgQueue::removeEntry()
 {
-    KR_ASSERT_TEXT(!isEmpty(), "_beg != _end", 262);
-    const unsigned int beg = _beg.load(std::memory_order_relaxed);
-    _entries[beg].close(); // it may not have been read
-    _beg.store((beg + 1) & _mask, std::memory_order_release);
+    KR_ASSERT_TEXT(hasUnread(), "_beg != _end", 262);
+    _entries[_next].close(); // it may not have been read
+    _next = (_next + 1) & _mask;
+    if (!_holdsBack)
+        _beg.store(_next, std::memory_order_release);
     if (!_observer.isNull())
         _observer->entryRemoved(this);
 }
@@ -153,6 +166,29 @@ LgQueue::Counts LgQueue::takeLosses(int count) noexcept
         rest -= taken[level];
     }
     return taken;
+}
+
+void LgQueue::holdBack() noexcept
+{
+    _holdsBack = true;
+    _stream.holdBack();
+}
+
+/// Texts first: whoever sees room for an entry finds room for its text.
+void LgQueue::release() noexcept
+{
+    _stream.release();
+    _beg.store(_next, std::memory_order_release);
+}
+
+bool LgQueue::hasUnread() const noexcept
+{
+    const unsigned int end = _end.load(std::memory_order_acquire);
+    if (_next == end)
+        return false;
+    const bool isNewest = ((_next + 1) & _mask) == end;
+    return !_holdsBack || !isNewest || !_entries[_next].isOverflowEntry() ||
+           _next == _beg.load(std::memory_order_relaxed);
 }
 
 ObjPtrRet<LgQueue::Observer> LgQueue::changeObserver(ObjPtr<Observer> observer)

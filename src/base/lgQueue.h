@@ -77,6 +77,16 @@ public:
     /// With rings of other sizes than the logger's, each a power of two from 4 up.
     LgQueue(unsigned long threadId, unsigned int numEntries, unsigned int numCharacters);
 
+    /// Rings in memory of the caller's, which must outlive the queue.
+    struct Rings
+    {
+        Entry* entries;
+        unsigned int numEntries;
+        char* characters;
+        unsigned int numCharacters;
+    };
+    LgQueue(unsigned long threadId, const Rings& rings);
+
     LgQueue(const LgQueue&) = delete;
     LgQueue& operator=(const LgQueue&) = delete;
 
@@ -132,6 +142,18 @@ public:
     /// may be told with its neighbour's entry.
     Counts takeLosses(int count) noexcept;
 
+    /// For a consumer that must not lose what it has taken: from now on what was removed, texts
+    /// too, stays in its ring until `release`. To be called before the queue is in use.
+    void holdBack() noexcept;
+
+    /// Gives back the room of what was removed.
+    void release() noexcept;
+
+    /// Whether there is an entry to be read: if the queue is not empty, but for what is held back.
+    /// An overflow entry is read when nothing is held back before it, since there must be room for
+    /// another one once it is closed.
+    bool hasUnread() const noexcept;
+
     /// Once this is false the producer adds nothing more: what is in the queue now is the rest.
     bool isCreatorAlive() const noexcept { return _creatorAlive.load(std::memory_order_acquire); }
 
@@ -161,6 +183,14 @@ private:
     friend class LgProducer;
     friend class LgRegistry;
     friend class LgStatement;
+    friend class LgKeptRings;
+
+    /// Frees a ring, unless it is somebody else's.
+    struct RingDelete
+    {
+        inline void operator()(Entry* ring) const noexcept;
+        bool isBorrowed; // false unless it is said
+    };
 
     static constexpr unsigned int defaultNumEntries = 1024;
 
@@ -193,11 +223,13 @@ private:
     void tellHalfFull() const noexcept;
 
     LgStream _stream;
-    const std::unique_ptr<Entry[]> _entries;
+    const std::unique_ptr<Entry[], RingDelete> _entries;
     const unsigned int _mask; // the ring's size less 1
 
     // Positions count modulo the ring's size. The consumer writes these ...
-    alignas(LgStream::cacheLineSize) std::atomic<unsigned int> _beg{0}; // the next entry to read
+    alignas(LgStream::cacheLineSize) std::atomic<unsigned int> _beg{0}; // what it holds begins here
+    unsigned int _next = 0; // the next entry to read; the same if it holds nothing back
+    bool _holdsBack = false;
     Counts _toldLosses = {};
 
     // ... and the producer these.
@@ -331,6 +363,12 @@ public:
 private:
     LgQueue& _queue;
 };
+
+inline void LgQueue::RingDelete::operator()(Entry* ring) const noexcept
+{
+    if (!isBorrowed)
+        delete[] ring;
+}
 
 inline void LgQueue::Entry::setMessage(LgTypes::Level level, std::uint16_t group) noexcept
 {

@@ -51,6 +51,15 @@ LgStream::LgStream(unsigned int ringSize)
     _buffer[0] = '\0';
 }
 
+LgStream::LgStream(char* ring, unsigned int ringSize)
+    : _buffer(ring, RingDelete{true})
+    , _mask(ringSize - 1)
+    , _room((ringSize - 1) / 2)
+{
+    KR_ASSERT(ring != nullptr && ringSize >= 4 && (ringSize & (ringSize - 1)) == 0);
+    _buffer[0] = '\0';
+}
+
 // The producer's side
 
 /// The free room as the consumer's position leaves it. A terminator that waits in the last free
@@ -264,27 +273,27 @@ unsigned int LgStream::findEnd(unsigned int start, unsigned int committed) const
 unsigned int LgStream::getNextSize() const noexcept
 {
     const unsigned int committed = _committedPosition.load(std::memory_order_acquire);
-    const unsigned int read = _readPosition.load(std::memory_order_relaxed);
-    if (read == committed)
+    if (_nextPosition == committed)
         return 0;
-    const unsigned int start = findStart(read);
+    const unsigned int start = findStart(_nextPosition);
     return (findEnd(start, committed) - start) & _mask;
 }
 
 LgStream& LgStream::operator>>(char* buffer) noexcept
 {
     const unsigned int committed = _committedPosition.load(std::memory_order_acquire);
-    const unsigned int read = _readPosition.load(std::memory_order_relaxed);
     unsigned int size = 0;
-    if (read != committed)
+    if (_nextPosition != committed)
     {
-        const unsigned int start = findStart(read);
+        const unsigned int start = findStart(_nextPosition);
         const unsigned int end = findEnd(start, committed);
         size = (end - start) & _mask;
         const unsigned int head = end < start ? _mask + 1 - start : size;
         std::memcpy(buffer, _buffer.get() + start, head);
         std::memcpy(buffer + head, _buffer.get(), size - head);
-        _readPosition.store(end, std::memory_order_release);
+        _nextPosition = end;
+        if (!_holdsBack)
+            release();
         _overflowed.store(false, std::memory_order_relaxed);
     }
     buffer[size] = '\0';

@@ -116,6 +116,9 @@ public:
     /// @param ringSize the size of the ring in characters, a power of two from 4 up. The default is
     /// what the logger uses; small rings are for those who want to see them fill.
     explicit LgStream(unsigned int ringSize = defaultRingSize);
+
+    /// With a ring of the caller's, which must outlive the stream.
+    LgStream(char* ring, unsigned int ringSize);
     LgStream(const LgStream&) = delete;
     LgStream& operator=(const LgStream&) = delete;
 
@@ -202,6 +205,18 @@ public:
 
 private:
     friend class LgQueue;
+    friend class LgKeptRings;
+
+    /// Frees a ring, unless it is somebody else's.
+    struct RingDelete
+    {
+        void operator()(char* ring) const noexcept
+        {
+            if (!isBorrowed)
+                delete[] ring;
+        }
+        bool isBorrowed; // false unless it is said
+    };
 
     static constexpr unsigned int defaultRingSize = 32768;
     static constexpr std::size_t cacheLineSize = 64;
@@ -272,13 +287,19 @@ private:
     unsigned int findStart(unsigned int readPosition) const noexcept;
     unsigned int findEnd(unsigned int start, unsigned int committed) const noexcept;
 
+    /// What `LgQueue` calls to give back the room of what was read.
+    void holdBack() noexcept { _holdsBack = true; }
+    void release() noexcept { _readPosition.store(_nextPosition, std::memory_order_release); }
+
     // Both sides read these: positions count modulo the ring's size.
-    std::unique_ptr<char[]> _buffer;
+    std::unique_ptr<char[], RingDelete> _buffer;
     unsigned int _mask; // the ring's size less 1
 
-    // The consumer writes these ...
+    // The consumer writes these: up to where there is room again ...
     alignas(cacheLineSize) std::atomic<unsigned int> _readPosition{0};
-    bool _stringRead = false; // the read position stands on the terminator of a text
+    unsigned int _nextPosition = 0; // ... and up to where it has read, the same if it holds nothing
+    bool _stringRead = false;       // that stands on the terminator of a text
+    bool _holdsBack = false;
 
     // ... and the producer these.
     alignas(cacheLineSize) std::atomic<unsigned int> _committedPosition{0};

@@ -72,6 +72,8 @@ const Setting<bool> switches[] = {
     {"KR_BLOCKING_TRACE", "logger.blocking", false, "A thread with a full queue waits"},
     {"KR_INTERNAL_INTERPROCESS_LOG_LOCK", "logger.interProcessLock", true,
      "Lock files that several processes write"},
+    {"KR_LOG_SURVIVE", "logger.survive", false,
+     "What waits to be written survives a kill of the process"},
 };
 
 const Setting<Format> format("KR_LOG_FORMAT", "logger.format", Format::Text, "The form of a line",

@@ -481,6 +481,24 @@ BOOL GetProcessHandleCount(HANDLE process, DWORD* count) noexcept;
 /// The kernel's number of the calling thread.
 DWORD GetCurrentThreadId() noexcept;
 
+// Files as memory (posix/mapping.cpp). A view that a forked process inherits is a copy of its own
+// from then on: what it writes there does not reach the file.
+
+constexpr DWORD PAGE_READWRITE = 0x04;
+constexpr DWORD FILE_MAP_WRITE = 0x0002;
+
+/// Only for files that are read and written, and without a name. Grows the file to that size if it
+/// is smaller, with the room on the disk for it: so writing into a view cannot fail for want of it.
+/// Null with the last error set if that fails.
+HANDLE CreateFileMappingA(HANDLE file, SECURITY_ATTRIBUTES* security, DWORD protection,
+                          DWORD sizeHigh, DWORD sizeLow, const char* name) noexcept;
+
+/// A view stays when the handles of its mapping and file are closed. The offset is a multiple of
+/// 65536.
+void* MapViewOfFile(HANDLE mapping, DWORD access, DWORD offsetHigh, DWORD offsetLow,
+                    std::size_t size) noexcept;
+BOOL UnmapViewOfFile(const void* address) noexcept;
+
 /// What the runtime's `assert` does on a failure: prints where and what, and aborts.
 void _assert(const char* text, const char* file, unsigned line);
 

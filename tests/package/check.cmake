@@ -62,6 +62,11 @@ run("every public member: link" ${COMPILER} -std=c++17 -O0 -w ${SCRATCH}/everyMe
     -o ${bin}/everyMember${suffix} -L${prefix}/${LIBDIR} -lKRbase)
 run("every public member: run" ${EMULATOR} ${bin}/everyMember${suffix})
 
+# The tool finds its library where it was moved to.
+unset(ENV{LD_LIBRARY_PATH})
+run("kr-log" ${EMULATOR} ${bin}/kr-log${suffix} --version)
+set(ENV{LD_LIBRARY_PATH} ${prefix}/${LIBDIR})
+
 # Two programs three ways, with default optimisation and with none. One computes a digest of everything that headers
 # compile into it: the same bits on every target, whatever the flags.
 set(digest 2189b039213945fc)

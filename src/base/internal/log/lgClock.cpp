@@ -40,6 +40,13 @@ LgClock::LgClock()
     }
 }
 
+LgClock::LgClock(unsigned long long anchorStamp, std::int64_t anchorTime, std::int64_t rate)
+    : _anchorStamp(anchorStamp)
+    , _anchorTime(anchorTime)
+    , _rate(rate)
+{
+}
+
 std::int64_t LgClock::getTimeOfDay(unsigned long long timeStamp) const
 {
     return _anchorTime + getElapsed(timeStamp);

@@ -14,6 +14,13 @@ class LgClock
 public:
     LgClock();
 
+    /// That of another process, as its getters told.
+    LgClock(unsigned long long anchorStamp, std::int64_t anchorTime, std::int64_t rate);
+
+    unsigned long long getAnchorStamp() const { return _anchorStamp; }
+    std::int64_t getAnchorTime() const { return _anchorTime; }
+    std::int64_t getRate() const { return _rate; }
+
     /// Nanoseconds since 1970-01-01 00:00 UTC.
     std::int64_t getTimeOfDay(unsigned long long timeStamp) const;
 

@@ -40,9 +40,14 @@ void appendEscaped(std::string& line, std::string_view text)
 } // namespace
 
 LgColumnFormat::LgColumnFormat(const LgClock& clock, bool hasTimeStamps)
+    : LgColumnFormat(clock, hasTimeStamps, ProcessIdentity::getProcessId())
+{
+}
+
+LgColumnFormat::LgColumnFormat(const LgClock& clock, bool hasTimeStamps, std::uint32_t process)
     : _time(clock)
     , _hasTimeStamps(hasTimeStamps)
-    , _process(std::to_string(ProcessIdentity::getProcessId()))
+    , _process(std::to_string(process))
 {
 }
 

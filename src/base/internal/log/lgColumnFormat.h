@@ -13,6 +13,7 @@
 #include <base/internal/log/lgLineFormat.h>
 #include <base/internal/log/lgTimeText.h>
 
+#include <cstdint>
 #include <string>
 
 namespace Kr
@@ -23,6 +24,9 @@ class LgColumnFormat : public LgLineFormat
 public:
     /// The clock must outlive it.
     LgColumnFormat(const LgClock& clock, bool hasTimeStamps);
+
+    /// For the records of another process.
+    LgColumnFormat(const LgClock& clock, bool hasTimeStamps, std::uint32_t process);
 
     void append(std::string& line, const LgRecord& record) override;
 

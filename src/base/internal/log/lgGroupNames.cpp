@@ -21,6 +21,7 @@ struct Names
 {
     std::mutex mutex;
     std::unordered_map<std::string, std::uint16_t> numbers;
+    LgGroupNames::Watcher* watcher = nullptr;
 };
 
 Names& names()
@@ -51,7 +52,24 @@ std::uint16_t LgGroupNames::getNumber(const char* name)
     const auto added =
         names().numbers.emplace(std::move(text), static_cast<std::uint16_t>(number)).first;
     texts[number].store(&added->first, std::memory_order_release);
+    if (names().watcher != nullptr)
+        names().watcher->nameAdded(added->second, added->first);
     return added->second;
+}
+
+void LgGroupNames::setWatcher(Watcher* watcher)
+{
+    const std::lock_guard<std::mutex> lock(names().mutex);
+    names().watcher = watcher;
+    for (std::size_t number = 1; number <= names().numbers.size(); ++number)
+        watcher->nameAdded(static_cast<std::uint16_t>(number), *texts[number].load());
+}
+
+void LgGroupNames::removeWatcher(const Watcher* watcher)
+{
+    const std::lock_guard<std::mutex> lock(names().mutex);
+    if (names().watcher == watcher)
+        names().watcher = nullptr;
 }
 
 std::string_view LgGroupNames::getName(std::uint16_t number) noexcept

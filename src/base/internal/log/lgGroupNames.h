@@ -18,6 +18,21 @@ namespace LgGroupNames
 /// find no number any more.
 std::uint16_t getNumber(const char* name);
 
+/// Is told of every name there is, and from then on of each new one, before its number is known.
+/// One at a time.
+class Watcher
+{
+public:
+    virtual void nameAdded(std::uint16_t number, std::string_view name) noexcept = 0;
+
+protected:
+    ~Watcher() = default;
+};
+void setWatcher(Watcher* watcher);
+
+/// Ends it, unless another one has taken its place.
+void removeWatcher(const Watcher* watcher);
+
 /// To be held while the process forks.
 std::mutex& getMutex();
 

@@ -8,9 +8,14 @@ namespace Kr
 {
 
 LgJsonFormat::LgJsonFormat(const LgClock& clock, bool hasTimeStamps)
+    : LgJsonFormat(clock, hasTimeStamps, ProcessIdentity::getProcessId())
+{
+}
+
+LgJsonFormat::LgJsonFormat(const LgClock& clock, bool hasTimeStamps, std::uint32_t process)
     : _time(clock)
     , _hasTimeStamps(hasTimeStamps)
-    , _process(std::to_string(ProcessIdentity::getProcessId()))
+    , _process(std::to_string(process))
 {
 }
 

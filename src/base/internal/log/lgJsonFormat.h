@@ -10,6 +10,7 @@
 #include <base/internal/log/lgLineFormat.h>
 #include <base/internal/log/lgTimeText.h>
 
+#include <cstdint>
 #include <string>
 
 namespace Kr
@@ -20,6 +21,9 @@ class LgJsonFormat : public LgLineFormat
 public:
     /// The clock must outlive it.
     LgJsonFormat(const LgClock& clock, bool hasTimeStamps);
+
+    /// For the records of another process.
+    LgJsonFormat(const LgClock& clock, bool hasTimeStamps, std::uint32_t process);
 
     void append(std::string& line, const LgRecord& record) override;
 

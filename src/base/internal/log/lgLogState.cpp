@@ -72,6 +72,12 @@ bool LgLogState::isBlocking() noexcept
     return state().isBlocking;
 }
 
+std::shared_ptr<LgKeptRings> LgLogState::getKeptRings(std::uint32_t sessionNumber)
+{
+    const std::lock_guard<std::mutex> lock(state().pointer);
+    return _number == sessionNumber ? state().session->getKeptRings() : nullptr;
+}
+
 bool LgLogState::addQueue(std::uint32_t sessionNumber, const std::shared_ptr<LgQueue>& queue)
 {
     const std::lock_guard<std::mutex> lock(state().pointer);

@@ -32,6 +32,10 @@ public:
     static bool isMainThread() noexcept;
     static bool isBlocking() noexcept;
 
+    /// Where the queues of the session of that number lie that outlive the process; null if none
+    /// do, or it has ended.
+    static std::shared_ptr<LgKeptRings> getKeptRings(std::uint32_t sessionNumber);
+
     /// What a thread adds to the session of that number; false if that has ended.
     static bool addQueue(std::uint32_t sessionNumber, const std::shared_ptr<LgQueue>& queue);
     static bool addRing(std::uint32_t sessionNumber, const std::shared_ptr<LgSpanRing>& ring);

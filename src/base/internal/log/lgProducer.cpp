@@ -46,15 +46,35 @@ public:
 };
 
 /// What a session left in the queue goes with the session.
+void discardMessages(LgQueue& queue)
+{
+    for (; !queue.isEmpty(); queue.release())
+        for (; queue.hasUnread(); queue.removeEntry())
+        {
+            const LgQueue::Entry& entry = queue.readEntry();
+            const int count = entry.isOverflowEntry() ? entry.getOverflowCount() : 1;
+            LgLosses::count(static_cast<std::uint64_t>(count));
+        }
+}
+
 void discardQueue(LgQueue* queue)
 {
-    for (; !queue->isEmpty(); queue->removeEntry())
-    {
-        const LgQueue::Entry& entry = queue->readEntry();
-        const int count = entry.isOverflowEntry() ? entry.getOverflowCount() : 1;
-        LgLosses::count(static_cast<std::uint64_t>(count));
-    }
+    discardMessages(*queue);
     delete queue;
+}
+
+/// A queue that outlives the process, as far as there is room for it and that is wanted.
+std::shared_ptr<LgQueue> makeKeptQueue(std::uint32_t session, unsigned long thread,
+                                       const ThreadLabel& label)
+{
+    const std::shared_ptr<LgKeptRings> rings = LgLogState::getKeptRings(session);
+    LgQueue* const queue = rings != nullptr ? rings->addQueue(thread, label) : nullptr;
+    const auto discard = [rings](LgQueue* each)
+    {
+        discardMessages(*each);
+        rings->removeQueue(each);
+    };
+    return queue != nullptr ? std::shared_ptr<LgQueue>(queue, discard) : nullptr;
 }
 
 // Plain thread-locals, which can be looked at while the thread ends.
@@ -248,8 +268,11 @@ LgQueue* LgProducer::findFreeQueue() noexcept
 
 std::shared_ptr<LgQueue> LgProducer::makeQueue() const
 {
-    std::shared_ptr<LgQueue> queue(new LgQueue(_thread), discardQueue);
-    queue->setLabel(ThreadLabel::ofCaller());
+    const std::shared_ptr<ThreadLabel> label = ThreadLabel::ofCaller();
+    std::shared_ptr<LgQueue> queue = makeKeptQueue(_sessionNumber, _thread, *label);
+    if (queue == nullptr)
+        queue.reset(new LgQueue(_thread), discardQueue);
+    queue->setLabel(label);
     queue->setHalfFullHandler(LgLogState::wakeReader);
     if (LgLogState::isBlocking())
         queue->changeObserver(ObjPtr<LgQueue::Observer>(new BlockingObserver));

@@ -33,7 +33,7 @@ LgReader::LgReader(LgRegistry& queues, LgOutputs& outputs)
 bool LgReader::eventsPending() noexcept
 {
     for (const std::shared_ptr<LgQueue>& queue : _queues.getQueues())
-        if (!queue->isEmpty())
+        if (queue->hasUnread())
             return true;
     return false;
 }
@@ -90,7 +90,7 @@ std::size_t LgReader::flushInOrder(const LgRegistry::Queues& queues, unsigned lo
 
 bool LgReader::isWaiting(const LgQueue& queue, unsigned long long until)
 {
-    return !queue.isEmpty() && queue.readEntry().getTimeStamp() <= until;
+    return queue.hasUnread() && queue.readEntry().getTimeStamp() <= until;
 }
 
 void LgReader::addHead(LgQueue* queue, unsigned long long until)

@@ -30,6 +30,8 @@ LgSession::LgSession(const LgSettings& settings, LgSession* predecessor)
 {
     _outputs.open(_settings, *_format);
     openTimeline();
+    if (_settings.survivesKill)
+        _keptRings = std::make_shared<LgKeptRings>(_settings, _clock);
     _reader.setWatcher([this](const LgRecord& record) { show(record); });
 }
 
@@ -38,7 +40,30 @@ LgSession::~LgSession()
     LgTimeline::_enabled = false;
 }
 
+/// Queues that are kept give no room back before what was read is written. A loss that stands
+/// behind such messages is read in a second round.
 std::size_t LgSession::drain(LgDrain how) noexcept
+{
+    std::size_t count = drainOnce(how);
+    if (_keptRings == nullptr || count == 0)
+        return count;
+    _keptRings->commit();
+    if (_reader.eventsPending())
+    {
+        count += drainOnce(how);
+        _keptRings->commit();
+    }
+    return count;
+}
+
+void LgSession::close() noexcept
+{
+    _outputs.close();
+    if (_keptRings != nullptr)
+        _keptRings->close();
+}
+
+std::size_t LgSession::drainOnce(LgDrain how) noexcept
 {
     const std::size_t count = _reader.flushAll();
     _lossReport.tell(how != LgDrain::toBuffers);
@@ -60,6 +85,8 @@ LgSession* LgSession::forFork(LgSession* parent)
     LgSettings settings = parent->_settings;
     settings.timelinePath.clear();
     LgTimeline::_enabled = false;
+    if (parent->_keptRings != nullptr)
+        parent->_keptRings->abandon();
     return new LgSession(settings, parent);
 }
 

@@ -5,6 +5,7 @@
 /// queues, the reader that drains them, and where it takes the messages.
 
 #include <base/internal/log/lgClock.h>
+#include <base/internal/log/lgKeptRings.h>
 #include <base/internal/log/lgLineFormat.h>
 #include <base/internal/log/lgLossReport.h>
 #include <base/internal/log/lgOutputs.h>
@@ -40,11 +41,14 @@ public:
     LgRegistry& getRegistry() { return _queues; }
     LgTimelineFile* getTimeline() { return _timeline.get(); }
 
+    /// Where the queues lie that outlive the process; null if none do.
+    const std::shared_ptr<LgKeptRings>& getKeptRings() const { return _keptRings; }
+
     /// Returns how many events there were. One thread at a time.
     std::size_t drain(LgDrain how) noexcept;
 
     /// Writes the rest of it.
-    void close() noexcept { _outputs.close(); }
+    void close() noexcept;
 
     /// Messages that overflow entries or outputs report as lost.
     std::uint64_t getLostCount() const;
@@ -57,6 +61,7 @@ public:
     static LgSession* forFork(LgSession* parent);
 
 private:
+    std::size_t drainOnce(LgDrain how) noexcept;
     void openTimeline();
     void show(const LgRecord& record) noexcept;
     void drainTimeline(LgDrain how) noexcept;
@@ -73,6 +78,7 @@ private:
     LgReader _reader;
     LgLossReport _lossReport;
     std::unique_ptr<LgTimelineFile> _timeline;
+    std::shared_ptr<LgKeptRings> _keptRings; // shared with the queues in it
 };
 
 } // namespace Kr

@@ -160,6 +160,7 @@ public:
         readWord("KR_BLOCKING_TRACE", switchWords, _settings.isBlocking);
         readWord("KR_INTERNAL_INTERPROCESS_LOG_LOCK", switchWords,
                  _settings.isLockedBetweenProcesses);
+        readWord("KR_LOG_SURVIVE", switchWords, _settings.survivesKill);
         readWord("KR_LOG_FORMAT", formatWords, _settings.isJson);
         readNumber("KR_LOG_MAX_SIZE", parseSize, _settings.maxFileSize);
         readNumber("KR_LOG_MAX_FILES", parseKeptFiles, _settings.keptFiles);

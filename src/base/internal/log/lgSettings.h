@@ -49,6 +49,7 @@ struct LgSettings
     bool hasTimeStamps = true;
     bool isJson = false;
     bool isBlocking = false;
+    bool survivesKill = false; ///< what waits in the queues lies in a file
     bool isLockedBetweenProcesses = true;
 };
 

@@ -14,22 +14,22 @@ namespace
 constexpr std::chrono::milliseconds lockPatience(500);
 constexpr std::chrono::milliseconds retryInterval(250);
 
-/// Puts the process's number before the extension.
-std::string ownPath(const std::string& path)
-{
-    const std::size_t name = path.find_last_of("/\\") + 1; // 0 if there is no separator
-    const std::size_t dot = path.rfind('.');
-    const bool hasExtension = dot != std::string::npos && dot > name;
-    const std::string number = '-' + std::to_string(ProcessIdentity::getProcessId());
-    return std::string(path).insert(hasExtension ? dot : path.size(), number);
-}
-
 } // namespace
 
 LgSharedFile::LgSharedFile(const LgFileSettings& settings)
     : _settings(settings)
     , _shared(settings)
 {
+}
+
+/// Puts the process's number before the extension.
+std::string LgSharedFile::getOwnPath(const std::string& path, std::uint32_t process)
+{
+    const std::size_t name = path.find_last_of("/\\") + 1; // 0 if there is no separator
+    const std::size_t dot = path.rfind('.');
+    const bool hasExtension = dot != std::string::npos && dot > name;
+    return std::string(path).insert(hasExtension ? dot : path.size(),
+                                    '-' + std::to_string(process));
 }
 
 LgSharedFile::~LgSharedFile()
@@ -88,7 +88,7 @@ void LgSharedFile::goAway()
     if (_own == nullptr)
     {
         LgFileSettings own = _settings;
-        own.path = ownPath(_settings.path);
+        own.path = getOwnPath(_settings.path, ProcessIdentity::getProcessId());
         _own = std::make_unique<LgAppendedFile>(own);
     }
     _nextTry = std::chrono::steady_clock::now() + retryInterval;

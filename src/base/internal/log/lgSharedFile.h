@@ -12,6 +12,7 @@
 #include <base/internal/log/lgFile.h>
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -22,6 +23,10 @@ class LgSharedFile : public LgFile
 {
 public:
     explicit LgSharedFile(const LgFileSettings& settings);
+
+    /// The path of the file in which a process goes on.
+    static std::string getOwnPath(const std::string& path, std::uint32_t process);
+
     ~LgSharedFile() override;
 
     std::size_t append(const char* text, std::size_t size) noexcept override;
