@@ -31,13 +31,14 @@ void openGroups(LgLog::Lookup lookup)
         LgMajorGroup::finalize();
         throw;
     }
+}
 
-    /// What is left of processes that were killed comes first.
-    void recover(const LgSettings& settings)
-    {
-        for (const std::string& problem : LgRescue(settings.directory, &settings).run().problems)
-            std::cerr << problem << std::endl;
-    }
+/// What is left of processes that were killed comes first.
+void recover(const LgSettings& settings)
+{
+    for (const std::string& problem : LgRescue(settings.directory, &settings).run().problems)
+        std::cerr << problem << std::endl;
+}
 
 } // namespace
 
