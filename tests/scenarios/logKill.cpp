@@ -14,6 +14,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <map>
 #include <new>
 #include <random>
@@ -148,8 +149,7 @@ void checkFound(const Found& found, const Counts& counts, bool isBlocking)
 }
 
 /// Starts what runs in a process of its own.
-template <class Run>
-pid_t start(Run run)
+pid_t start(const std::function<void()>& run)
 {
     const pid_t child = ::fork();
     if (child == 0)
@@ -263,13 +263,11 @@ void ended()
         []
         {
             const Library library;
-            std::thread([&library] { KR_LOG(library.group, Warning) << "~0:0."; }).join();
-            KR_LOG(library.group, Error) << "~0:1.";
             for (int i = 0; i < 3000; ++i)
                 KR_LOG(library.group, Warning) << "~1:" << i << '.';
         });
     SCENARIO_CHECK(::waitpid(process, &status, 0) == process && status == 0);
-    SCENARIO_CHECK(Found(folder.getPath()).times.size() == 3002);
+    SCENARIO_CHECK(Found(folder.getPath()).times.size() == 3000);
     for (const auto& entry : std::filesystem::directory_iterator(folder.getPath()))
         SCENARIO_CHECK(entry.path().extension() != ".rings");
 }
