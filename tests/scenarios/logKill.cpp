@@ -189,7 +189,7 @@ void recover(const std::string& folder, bool byNextProcess)
 void killed()
 {
     std::mt19937 random(1);
-    std::uniform_int_distribution<int> moment(0, 12000); // microseconds
+    std::uniform_int_distribution<int> moment(0, 5000); // microseconds
     for (int round = 0; round < rounds && Scenario::failures() == 0; ++round)
     {
         const LogTest::Folder folder;
