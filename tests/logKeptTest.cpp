@@ -109,9 +109,7 @@ TEST(LogKept, RecoversWhatWasComplete)
     other.getStream() << "half a mess";
     process.die();
     const LgRecovery::Result result = LgRecovery::recover(folder.getPath().c_str());
-    EXPECT_TRUE(result.problems.empty());
-    EXPECT_EQ(result.processes, 1U);
-    EXPECT_EQ(result.messages, 4U);
+    EXPECT_TRUE(result.problems.empty() && result.processes == 1 && result.messages == 4);
     std::string shown;
     for (const std::string& line : LogTest::readLines(folder / "events.log"))
         shown += std::regex_replace(line.substr(29), std::regex(" +([0-9]+:)?"), " ") + '\n';

@@ -14,6 +14,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <map>
 #include <new>
 #include <random>
@@ -148,8 +149,7 @@ void checkFound(const Found& found, const Counts& counts, bool isBlocking)
 }
 
 /// Starts what runs in a process of its own.
-template <class Run>
-pid_t start(Run run)
+pid_t start(const std::function<void()>& run)
 {
     const pid_t child = ::fork();
     if (child == 0)
@@ -189,7 +189,7 @@ void recover(const std::string& folder, bool byNextProcess)
 void killed()
 {
     std::mt19937 random(1);
-    std::uniform_int_distribution<int> moment(0, 12000); // microseconds
+    std::uniform_int_distribution<int> moment(0, 5000); // microseconds
     for (int round = 0; round < rounds && Scenario::failures() == 0; ++round)
     {
         const LogTest::Folder folder;
@@ -263,13 +263,11 @@ void ended()
         []
         {
             const Library library;
-            std::thread([&library] { KR_LOG(library.group, Warning) << "~0:0."; }).join();
-            KR_LOG(library.group, Error) << "~0:1.";
             for (int i = 0; i < 3000; ++i)
                 KR_LOG(library.group, Warning) << "~1:" << i << '.';
         });
     SCENARIO_CHECK(::waitpid(process, &status, 0) == process && status == 0);
-    SCENARIO_CHECK(Found(folder.getPath()).times.size() == 3002);
+    SCENARIO_CHECK(Found(folder.getPath()).times.size() == 3000);
     for (const auto& entry : std::filesystem::directory_iterator(folder.getPath()))
         SCENARIO_CHECK(entry.path().extension() != ".rings");
 }
