@@ -56,6 +56,7 @@ LgKeptRings::LgKeptRings(const LgSettings& settings, const LgClock& clock)
     : _settings(settings)
     , _clock(clock)
 {
+    _threadName.reserve(ThreadLabel::size); // so that a commit needs no memory
     for (std::size_t level = 0; level < LgTypes::NUM_LEVELS; ++level)
         _ownPaths[level] = LgSharedFile::getOwnPath(settings.destinations[level].path,
                                                     ProcessIdentity::getProcessId());
@@ -103,7 +104,7 @@ bool LgKeptRings::open()
     void* const memory = _file != nullptr ? _file->addChunk() : nullptr;
     if (memory == nullptr)
     {
-        complain(problem.empty() ? "there is no room on the disk." : problem);
+        complain(problem.empty() ? "there is no room on the disk." : problem.c_str());
         return false;
     }
     auto* const header = new (memory) LgRingFormat::Header{};
@@ -267,11 +268,10 @@ void LgKeptRings::nameAdded(std::uint16_t number, std::string_view name) noexcep
     _names->size.store(used + size, std::memory_order_release);
 }
 
-void LgKeptRings::complain(const std::string& problem)
+void LgKeptRings::complain(const char* problem) noexcept
 {
     if (!_hasComplained)
-        std::fprintf(stderr, "The log does not survive a kill of the process: %s\n",
-                     problem.c_str());
+        std::fprintf(stderr, "The log does not survive a kill of the process: %s\n", problem);
     _hasComplained = true;
 }
 

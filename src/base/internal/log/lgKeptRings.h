@@ -69,7 +69,7 @@ private:
     Place build(void* memory, unsigned long thread) const;
     void mark(const Place& place, std::uint32_t side);
     void nameAdded(std::uint16_t number, std::string_view name) noexcept override;
-    void complain(const std::string& problem);
+    void complain(const char* problem) noexcept;
 
     const LgSettings _settings;
     const LgClock _clock;
