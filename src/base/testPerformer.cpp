@@ -33,6 +33,14 @@ void takeMessage(TestRun& run, const LgMessage& message, bool isShown)
     run.takeMessage(std::move(text));
 }
 
+/// Makes what every thread has once it logs or checks, so that no test is charged with it.
+void prepareThread()
+{
+    LgLog::getQueue();
+    LgLog::flush();
+    TestNote::forgetUnwound();
+}
+
 } // namespace
 
 TestPerformer::TestPerformer() = default;
@@ -52,8 +60,7 @@ TestResult TestPerformer::perform(const TestCase& test)
     TestRun run(test);
     const LgListener listener([this, &run](const LgMessage& message)
                               { takeMessage(run, message, _areMessagesShown); });
-    LgLog::getQueue(); // which stays once it is made, as what follows does
-    TestNote::forgetUnwound();
+    prepareThread();
     const TestHoldings before = TestHoldings::count();
     run.perform();
     TestNote::forgetUnwound();

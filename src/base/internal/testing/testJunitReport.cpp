@@ -3,7 +3,6 @@
 #include <base/internal/errors/calendar.h>
 #include <base/internal/testing/testWords.h>
 #include <base/internal/testing/testXml.h>
-#include <base/osSafeWriter.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -97,7 +96,7 @@ std::string writeOutput(const std::vector<TestResult>& results, const std::strin
 } // namespace
 
 TestJunitReport::TestJunitReport(const OsFilePath& path)
-    : _path(path)
+    : _writer(path)
 {
 }
 
@@ -161,9 +160,8 @@ void TestJunitReport::end(const TestTotals&)
     for (std::size_t i = 0; i < _suites.size(); ++i)
         text += writeSuite(_suites[i], i);
     text += "</testsuites>\n";
-    OsSafeWriter writer(_path);
-    writer.write(text.data(), static_cast<unsigned long>(text.size()));
-    writer.commit();
+    _writer.write(text.data(), static_cast<unsigned long>(text.size()));
+    _writer.commit();
 }
 
 } // namespace Kr

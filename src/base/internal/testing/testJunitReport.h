@@ -6,6 +6,7 @@
 
 #include <base/internal/testing/testReport.h>
 #include <base/osFilePath.h>
+#include <base/osSafeWriter.h>
 
 #include <chrono>
 #include <string>
@@ -17,6 +18,7 @@ namespace Kr
 class TestJunitReport : public TestReport
 {
 public:
+    /// Raises as `OsSafeWriter` does if the file cannot be written, before any test has run.
     explicit TestJunitReport(const OsFilePath& path);
 
     void begin(const TestPlan& plan) override;
@@ -36,7 +38,7 @@ private:
     Suite& getSuite(const std::string& group);
     static std::string writeSuite(const Suite& suite, std::size_t number);
 
-    const OsFilePath _path;
+    OsSafeWriter _writer;
     std::vector<Suite> _suites;
     std::chrono::system_clock::time_point _newest; ///< when the newest result had come
 };
