@@ -53,4 +53,10 @@ TestEx::ExBadValue::ExBadValue(const char* file, int line, const char* option, c
     formatReason("The option %.*s needs %.*s.", option, needed);
 }
 
+TestEx::ExBadFile::ExBadFile(const char* file, int line, const char* name, const char* why)
+    : ExConcrete(file, line)
+{
+    formatReason("The file '%.*s' cannot be used: %.*s", name, why);
+}
+
 } // namespace Kr

@@ -2,14 +2,20 @@
 
 /// @file
 /// What keeps `TestMgr` from running the tests that it is asked for.
-/// @code
-/// try
+/// @code{.cpp}
+/// #include <base/testMgr.h>
+///
+/// int runQuickTests()
 /// {
-///     Kr::TestMgr::run({"vectors.*"});
-/// }
-/// catch (const Kr::TestEx& error)
-/// {
-///     std::cerr << error.getReason() << '\n'; // No test is called 'vectors.*'; the nearest ...
+///     try
+///     {
+///         return Kr::TestMgr::run({"vectors.*"});
+///     }
+///     catch (const Kr::TestEx& error)
+///     {
+///         std::cerr << error.getReason() << '\n'; // No test is called 'vectors.*'; ...
+///         return 2;
+///     }
 /// }
 /// @endcode
 
@@ -25,6 +31,7 @@ public:
     class ExTwoTests;
     class ExUnknownOption;
     class ExBadValue;
+    class ExBadFile;
 
 protected:
     TestEx(const char* file, int line) noexcept;
@@ -64,6 +71,14 @@ class KR_BASE_API TestEx::ExBadValue
 {
 public:
     ExBadValue(const char* file, int line, const char* option, const char* needed);
+};
+
+/// "The file '%.*s' cannot be used: %.*s": the second is why.
+class KR_BASE_API TestEx::ExBadFile
+    : public ExConcrete<TestEx::ExBadFile, std::runtime_error, TestEx>
+{
+public:
+    ExBadFile(const char* file, int line, const char* name, const char* why);
 };
 
 } // namespace Kr

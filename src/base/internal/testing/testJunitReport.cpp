@@ -3,6 +3,8 @@
 #include <base/internal/errors/calendar.h>
 #include <base/internal/testing/testWords.h>
 #include <base/internal/testing/testXml.h>
+#include <base/raise.h>
+#include <base/testEx.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -93,10 +95,22 @@ std::string writeOutput(const std::vector<TestResult>& results, const std::strin
     return "    <system-out>" + TestXml::escape(text + output) + "</system-out>\n";
 }
 
+std::unique_ptr<OsSafeWriter> open(const OsFilePath& path)
+{
+    try
+    {
+        return std::make_unique<OsSafeWriter>(path);
+    }
+    catch (const ExBase& error)
+    {
+        raise<TestEx::ExBadFile>(KR_HERE, path.getChars(), error.getReason());
+    }
+}
+
 } // namespace
 
 TestJunitReport::TestJunitReport(const OsFilePath& path)
-    : _writer(path)
+    : _writer(open(path))
 {
 }
 
@@ -160,8 +174,8 @@ void TestJunitReport::end(const TestTotals&)
     for (std::size_t i = 0; i < _suites.size(); ++i)
         text += writeSuite(_suites[i], i);
     text += "</testsuites>\n";
-    _writer.write(text.data(), static_cast<unsigned long>(text.size()));
-    _writer.commit();
+    _writer->write(text.data(), static_cast<unsigned long>(text.size()));
+    _writer->commit();
 }
 
 } // namespace Kr

@@ -9,6 +9,7 @@
 #include <base/osSafeWriter.h>
 
 #include <chrono>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -18,7 +19,7 @@ namespace Kr
 class TestJunitReport : public TestReport
 {
 public:
-    /// Raises as `OsSafeWriter` does if the file cannot be written, before any test has run.
+    /// Raises `TestEx::ExBadFile` if the file cannot be written, before any test has run.
     explicit TestJunitReport(const OsFilePath& path);
 
     void begin(const TestPlan& plan) override;
@@ -38,7 +39,7 @@ private:
     Suite& getSuite(const std::string& group);
     static std::string writeSuite(const Suite& suite, std::size_t number);
 
-    OsSafeWriter _writer;
+    const std::unique_ptr<OsSafeWriter> _writer;
     std::vector<Suite> _suites;
     std::chrono::system_clock::time_point _newest; ///< when the newest result had come
 };

@@ -65,12 +65,19 @@ void takePattern(TestOptions& options, Text word)
 
 std::string readFile(const OsFilePath& path)
 {
-    OsFileReader reader(path);
-    std::string text;
-    char block[4096];
-    while (const unsigned long count = reader.read(block, sizeof block))
-        text.append(block, count);
-    return text;
+    try
+    {
+        OsFileReader reader(path);
+        std::string text;
+        char block[4096];
+        while (const unsigned long count = reader.read(block, sizeof block))
+            text.append(block, count);
+        return text;
+    }
+    catch (const ExBase& error)
+    {
+        raise<TestEx::ExBadFile>(KR_HERE, path.getChars(), error.getReason());
+    }
 }
 
 /// A pattern or exclusion in each line; what stands behind "#" is for people.

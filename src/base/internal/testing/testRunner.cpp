@@ -1,12 +1,12 @@
 #include <base/internal/testing/testRunner.h>
 
+#include <base/internal/testing/testColour.h>
 #include <base/internal/testing/testIsolation.h>
 #include <base/internal/testing/testJunitReport.h>
 #include <base/internal/testing/testPeopleReport.h>
 #include <base/internal/testing/testSettings.h>
 #include <base/internal/testing/testTapReport.h>
 #include <base/osEnv.h>
-#include <base/osTerminal.h>
 #include <base/testPerformer.h>
 
 #include <chrono>
@@ -18,14 +18,15 @@ namespace Kr
 namespace
 {
 
-/// As https://no-color.org asks for.
+/// Without an order of the user's, as https://no-color.org asks for.
 bool isColoured(TestOptions::Colour colour)
 {
-    if (colour != TestOptions::Automatic)
-        return colour == TestOptions::Always;
+    if (colour == TestOptions::Never)
+        return false;
+    const bool isShown = TestColour::performEnable();
     const char* const refusal = OsEnv::getVariable("NO_COLOR");
-    return (refusal == nullptr || *refusal == '\0') &&
-           OsTerminal::isTerminal(OsTerminal::StandardOutput);
+    const bool isRefused = refusal != nullptr && *refusal != '\0';
+    return colour == TestOptions::Always || (isShown && !isRefused);
 }
 
 } // namespace

@@ -31,9 +31,10 @@ bool isNamed(const std::vector<std::string>& patterns, const TestCase& test)
 
 [[noreturn]] void raiseNoSuchTest(const Tests& all, const std::string& pattern)
 {
+    const bool isGroup = pattern.find('.') == std::string::npos;
     std::set<std::string> known;
     for (const TestCase* test : all)
-        known.insert({test->getFullName(), test->getGroupName()});
+        known.insert(isGroup ? test->getGroupName() : test->getFullName());
     const std::string nearest = quoteNearest(pattern, {known.begin(), known.end()});
     raise<TestEx::ExNoSuchTest>(KR_HERE, pattern.c_str(), nearest.c_str());
 }
