@@ -1,0 +1,12 @@
+#include <base/internal/testing/testSettings.h>
+
+namespace Kr
+{
+
+TestSettings& TestSettings::getInstance()
+{
+    static TestSettings settings;
+    return settings;
+}
+
+} // namespace Kr

@@ -1,0 +1,171 @@
+// Runs a small program of tests, and reads what it reports.
+
+#include "fileFolder.h"
+
+#include <base/osProcess.h>
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using testing::AllOf;
+using testing::ContainsRegex;
+using testing::HasSubstr;
+using testing::Not;
+using Words = std::vector<std::string>;
+
+class TestingTest : public testing::Test
+{
+protected:
+    Kr::OsProcess::Result run(const Words& words) const
+    {
+        Kr::OsCommand command("test_testing_child", words);
+        command.changeVariable("KR_TEST_DIR", _folder.getPath().string());
+        command.changeVariable("KR_LOG_DIR", _folder.getPath().string());
+        auto result = Kr::OsProcess::run(command, {}, 120.);
+        std::string plain; // of line ends that are the system's own
+        for (const char c : result.output)
+            plain.append(c == '\r' ? 0U : 1U, c);
+        result.output = plain;
+        return result;
+    }
+
+    FileFolder _folder;
+};
+
+TEST_F(TestingTest, WhatIsRunAndHowItEnds)
+{
+    const struct
+    {
+        Words words;
+        unsigned status;
+        std::string output;
+    } cases[] = {
+        {{"good"}, 0, "\n2 passed, 0 failed; 9 checks in "},
+        {{"--list", "*s.s*"}, 0, "^values.shown\n$|^ends.skipped\nends.standard\nvalues.shown\n$"},
+        {{"--list", "good", "-*.threads"}, 0, "^good.conditions\n$"},
+        {{"good.c*", "library.ends"}, 1, "ok      good.conditions.*FAILED  library.ends"},
+        {{"ends.required", "ends.skipped"}, 1, "0 passed, 1 failed, 1 skipped; 2 checks"},
+        {{"--stop", "ends"}, 1, "stopped at the first failure; 4 tests not run"},
+        {{"--repeat=3", "good.threads"}, 0, "3 tests in 3 rounds\n.*3 passed"},
+        {{"ends.skiped"}, 2, "No test is called 'ends.skiped'; the nearest are 'ends.skipped'"},
+        {{"good", "-nothing"}, 2, "No test is called 'nothing'"},
+        {{"good", "-good"}, 2, "There are no tests to run"},
+        {{"--isolated"}, 2, "There is no option '--isolated'; the nearest are '--isolate'"},
+        {{"--repeat=0"}, 2, "The option --repeat needs a number from 1 on"},
+        {{"--limit"}, 2, "The option --limit needs a value"},
+        {{"--list=yes"}, 2, "The option --list needs no value"},
+        {{"--leaks=often"}, 2, "The option --leaks needs off, report or fail"},
+        {{"--tests=missing"}, 2, "The file '[^']*missing' cannot be used: "},
+        {{"good", "--junit=missing/it.xml"}, 2, "The file '[^']*it.xml' cannot be used: "},
+    };
+    for (const auto& each : cases)
+    {
+        SCOPED_TRACE(testing::PrintToString(each.words));
+        const auto result = run(each.words);
+        EXPECT_EQ(result.status.getCode(), each.status) << result.output;
+        EXPECT_THAT(result.output + result.errors, ContainsRegex(each.output));
+    }
+}
+
+TEST_F(TestingTest, AFailedCheckShowsBothValues)
+{
+    const std::string output = run({"values"}).output;
+    for (const char* const pair :
+         {"(1 == 2U)\n        left:  1\n        right: 2\n", "left:  'a'\n        right: '\\n'\n",
+          "left:  0.1\n        right: 0.1\n", "left:  \"tab\\t\"\n        right: \"tab\"\n",
+          "left:  null\n        right: \"text\"\n", "left:  [\"a\"]\n        right: [\"a\"]\n",
+          "left:  7\n        right: 7\n", "left:  (Opaque)\n        right: (Opaque)\n",
+          "left:  1\n        right: nan\n        apart: nan\n",
+          "std::out_of_range)\n        instead: std::invalid_argument: stoi\n",
+          "(1 + 1, int)\n        nothing was raised\n"})
+        EXPECT_THAT(output, HasSubstr(pair));
+    EXPECT_THAT(output, ContainsRegex("testingChild.cpp:[0-9]+: KR_CHECK"));
+}
+
+TEST_F(TestingTest, WhatEndsATest)
+{
+    const std::string output = run({"ends"}).output;
+    EXPECT_THAT(output, AllOf(HasSubstr("KR_REQUIRE(2 > 3)"), Not(HasSubstr("behind the end")),
+                              ContainsRegex("skipped ends.skipped  [0-9.]+ ms: no device\n")));
+    EXPECT_THAT(output, ContainsRegex("testingChild.cpp:[0-9]+: Kr::ExInternalError: first\n"
+                                      "        second\n"
+                                      "        behind the check at .*testingChild.cpp:[0-9]+\n"
+                                      "        note: outer\n"
+                                      "        note: inner 3\n"));
+    EXPECT_THAT(output, AllOf(ContainsRegex("    std::out_of_range: .*\n"
+                                            "        before the first check of "),
+                              HasSubstr("    an exception of the type int\n")));
+}
+
+TEST_F(TestingTest, AnIsolatedProcessCostsOneTest)
+{
+    const auto result = run({"--isolate", "--limit=3", "--junit=report.xml", "processes", "good"});
+    EXPECT_EQ(result.status.getCode(), 1U);
+    EXPECT_THAT(result.output,
+                AllOf(HasSubstr("ok      good.threads"), HasSubstr("ok      processes.before"),
+                      HasSubstr("The test's process has ended: illegal instruction"),
+                      HasSubstr("its last lines:\n          last words <&>"),
+                      HasSubstr("The test's process has ended: exit status 0"),
+                      HasSubstr("The test's process was ended after 3.00 s"),
+                      HasSubstr("The test's process has ended: exit status 3"),
+                      HasSubstr("3 passed, 4 failed")));
+    const std::string report = FileFolder::read(_folder / "report.xml");
+    EXPECT_THAT(report, AllOf(ContainsRegex("name=\"processes\" .* tests=\"5\" failures=\"0\" "
+                                            "errors=\"4\" skipped=\"0\""),
+                              HasSubstr("last words &lt;&amp;&gt; \\x01\\xff"),
+                              HasSubstr("</testsuites>")));
+    EXPECT_THAT(run({"--isolate", "--stop", "ends"}).output,
+                HasSubstr("0 passed, 1 failed; 2 checks"));
+}
+
+TEST_F(TestingTest, FilesNameTests)
+{
+    std::ofstream(_folder / "some.txt") << "# the good ones\ngood.*  -good.threads # slow\n\nends\n"
+                                        << "-ends.s*";
+    EXPECT_EQ(run({"--list", "--tests=some.txt", "-ends.number"}).output,
+              "ends.required\nends.library\ngood.conditions\n");
+}
+
+TEST_F(TestingTest, TheSeedGivesTheOrderAgain)
+{
+    const std::string first = run({"--tap", "--shuffle", "good", "ends"}).output;
+    const std::size_t seed = first.find("--shuffle=");
+    ASSERT_NE(seed, std::string::npos) << first;
+    const Words again = {"--tap", first.substr(seed, first.find('\n', seed) - seed), "ends",
+                         "good"};
+    const auto getOrder = [](const std::string& tap)
+    {
+        std::string order;
+        for (std::size_t at = 0; (at = tap.find("ok ", at)) != std::string::npos; ++at)
+            order += tap.substr(at, tap.find('\n', at) - at) + '\n';
+        return order;
+    };
+    EXPECT_EQ(getOrder(first), getOrder(run(again).output));
+    EXPECT_THAT(first, AllOf(HasSubstr("TAP version 14\n1..7\n"),
+                             ContainsRegex("\nok [1-7] - ends.skipped # SKIP no device\n"),
+                             ContainsRegex("\nnot ok [1-7] - ends.number\n  ---\n"
+                                           "  duration_ms: [0-9]+\n  message: \\|2\n"
+                                           "    an exception of the type int\n")));
+}
+
+TEST_F(TestingTest, LeaksAndMessages)
+{
+    const auto reported = run({"resources"});
+    EXPECT_THAT(reported.output,
+                AllOf(ContainsRegex("ok      resources.handle .*leaves [^\n]*1 handle\n"),
+                      HasSubstr("    log: Warning Scene: no light\n")));
+    EXPECT_TRUE(std::filesystem::exists(_folder / "forgotten"));
+    EXPECT_THAT(run({"resources.handle", "--leaks=fail"}).output,
+                ContainsRegex("FAILED  resources.handle.*It leaves behind [^\n]*1 handle."));
+    EXPECT_THAT(run({"resources.handle", "--leaks=off"}).output, Not(HasSubstr("leaves")));
+    EXPECT_THAT(run({"resources.message", "--testing.messages"}).errors,
+                HasSubstr("log: Warning Scene: no light\n"));
+    EXPECT_EQ(reported.errors, "");
+}
+
+} // namespace
