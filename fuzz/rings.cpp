@@ -27,8 +27,8 @@ Chunks makeSoundFile()
     Kr::LgSettings settings;
     settings.directory = folder.getPath();
     const auto rings = std::make_unique<Kr::LgKeptRings>(settings, Kr::LgClock());
-    Kr::ThreadLabel label;
-    label.set("painter");
+    const auto label = std::make_shared<Kr::ThreadLabel>();
+    label->set("painter");
     Kr::LgQueue& queue = *rings->addQueue(7, label);
     const std::uint16_t group = Kr::LgGroupNames::getNumber("Group");
     for (int i = 0; i < 1200; ++i)

@@ -44,8 +44,8 @@ public:
     {
         if (_rings == nullptr)
             _rings = std::make_unique<LgKeptRings>(_settings, _clock);
-        Kr::ThreadLabel label;
-        label.set(name);
+        const auto label = std::make_shared<Kr::ThreadLabel>();
+        label->set(name);
         return *_rings->addQueue(thread, label);
     }
 

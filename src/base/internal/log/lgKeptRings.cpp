@@ -67,7 +67,8 @@ LgKeptRings::~LgKeptRings()
     LgGroupNames::removeWatcher(this);
 }
 
-LgQueue* LgKeptRings::addQueue(unsigned long thread, const ThreadLabel& label) noexcept
+LgQueue* LgKeptRings::addQueue(unsigned long thread,
+                               const std::shared_ptr<const ThreadLabel>& label) noexcept
 {
     const std::lock_guard<std::mutex> lock(_mutex);
     try
@@ -79,7 +80,8 @@ LgQueue* LgKeptRings::addQueue(unsigned long thread, const ThreadLabel& label) n
             return nullptr;
         }
         const Place place = build(memory, thread);
-        label.copyTo(_threadName);
+        place.queue->setLabel(label); // before the reader finds the queue
+        label->copyTo(_threadName);
         for (auto& name : place.chunk->threadNames)
             copyText(name, _threadName);
         _places.push_back(place);

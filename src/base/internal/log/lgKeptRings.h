@@ -41,7 +41,8 @@ public:
 
     /// The queue of a thread; null, with a line on the standard error stream the first time, if it
     /// cannot be in the file. The first one makes the file. May be called by any thread.
-    LgQueue* addQueue(unsigned long thread, const ThreadLabel& label) noexcept;
+    LgQueue* addQueue(unsigned long thread,
+                      const std::shared_ptr<const ThreadLabel>& label) noexcept;
 
     /// Destroys such a queue, which has been read. May be called by any thread.
     void removeQueue(LgQueue* queue) noexcept;

@@ -65,7 +65,7 @@ void discardQueue(LgQueue* queue)
 
 /// A queue that outlives the process, as far as there is room for it and that is wanted.
 std::shared_ptr<LgQueue> makeKeptQueue(std::uint32_t session, unsigned long thread,
-                                       const ThreadLabel& label)
+                                       const std::shared_ptr<const ThreadLabel>& label)
 {
     const std::shared_ptr<LgKeptRings> rings = LgLogState::getKeptRings(session);
     LgQueue* const queue = rings != nullptr ? rings->addQueue(thread, label) : nullptr;
@@ -269,10 +269,12 @@ LgQueue* LgProducer::findFreeQueue() noexcept
 std::shared_ptr<LgQueue> LgProducer::makeQueue() const
 {
     const std::shared_ptr<ThreadLabel> label = ThreadLabel::ofCaller();
-    std::shared_ptr<LgQueue> queue = makeKeptQueue(_sessionNumber, _thread, *label);
+    std::shared_ptr<LgQueue> queue = makeKeptQueue(_sessionNumber, _thread, label);
     if (queue == nullptr)
+    {
         queue.reset(new LgQueue(_thread), discardQueue);
-    queue->setLabel(label);
+        queue->setLabel(label);
+    }
     queue->setHalfFullHandler(LgLogState::wakeReader);
     if (LgLogState::isBlocking())
         queue->changeObserver(ObjPtr<LgQueue::Observer>(new BlockingObserver));
