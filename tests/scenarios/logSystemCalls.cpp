@@ -10,13 +10,11 @@
 
 #include <atomic>
 #include <cerrno>
-#include <cstdarg>
 #include <cstdlib>
 #include <map>
 #include <optional>
 
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -32,12 +30,6 @@ int failing = noCall; ///< the number of the first call that fails
 int lastFailing = 0;
 std::string folderPath;
 std::string synced; ///< the paths that were, each in a line
-
-template <class Function>
-Function* real(const char* name)
-{
-    return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
-}
 
 std::string pathOf(int descriptor)
 {
@@ -57,76 +49,74 @@ bool fails(const std::string& path)
     return call >= failing && call <= lastFailing;
 }
 
-} // namespace
-
-extern "C" int open(const char* path, int flags, ...)
+/// The host's answer, or that the call has failed.
+template <class Result, class... Arguments>
+Result answer(const char* name, const std::string& path, Arguments... arguments)
 {
-    va_list rest;
-    va_start(rest, flags);
-    const mode_t mode = va_arg(rest, mode_t);
-    va_end(rest);
-    return fails(path) ? -1 : real<int(const char*, int, ...)>("open")(path, flags, mode);
-}
-
-extern "C" int fcntl(int descriptor, int command, ...)
-{
-    va_list rest;
-    va_start(rest, command);
-    void* const argument = va_arg(rest, void*);
-    va_end(rest);
-    return fails(pathOf(descriptor))
-               ? -1
-               : real<int(int, int, ...)>("fcntl")(descriptor, command, argument);
-}
-
-extern "C" ssize_t write(int descriptor, const void* data, std::size_t size)
-{
-    return fails(pathOf(descriptor))
-               ? -1
-               : real<ssize_t(int, const void*, std::size_t)>("write")(descriptor, data, size);
-}
-
-extern "C" ssize_t pread(int descriptor, void* data, std::size_t size, off_t at)
-{
-    return fails(pathOf(descriptor))
-               ? -1
-               : real<ssize_t(int, void*, std::size_t, off_t)>("pread")(descriptor, data, size, at);
-}
-
-extern "C" int ftruncate(int descriptor, off_t size) noexcept
-{
-    return fails(pathOf(descriptor)) ? -1 : real<int(int, off_t)>("ftruncate")(descriptor, size);
-}
-
-/// Notes the path; the test does not wait for the disk.
-extern "C" int fsync(int descriptor)
-{
-    const std::string path = pathOf(descriptor);
     if (fails(path))
         return -1;
-    synced += path + '\n';
-    return 0;
+    return reinterpret_cast<Result (*)(Arguments...)>(::dlsym(RTLD_NEXT, name))(arguments...);
 }
 
-extern "C" int fstat(int descriptor, struct stat* status) noexcept
-{
-    return fails(pathOf(descriptor)) ? -1
-                                     : real<int(int, struct stat*)>("fstat")(descriptor, status);
-}
+} // namespace
 
-extern "C" int lstat(const char* path, struct stat* status) noexcept
+extern "C"
 {
-    return fails(path) ? -1 : real<int(const char*, struct stat*)>("lstat")(path, status);
-}
+    // The two that take a varying number of arguments are not declared here by the host's header.
+    int open(const char* path, int flags, mode_t mode)
+    {
+        return answer<int>("open", path, path, flags, mode);
+    }
 
-extern "C" int mkdir(const char* path, mode_t mode) noexcept
-{
-    return fails(path) ? -1 : real<int(const char*, mode_t)>("mkdir")(path, mode);
-}
+    int fcntl(int file, int command, void* argument)
+    {
+        return answer<int>("fcntl", pathOf(file), file, command, argument);
+    }
 
-extern "C" int rename(const char* from, const char* to) noexcept
-{
-    return fails(from) ? -1 : real<int(const char*, const char*)>("rename")(from, to);
+    ssize_t write(int file, const void* data, std::size_t size)
+    {
+        return answer<ssize_t>("write", pathOf(file), file, data, size);
+    }
+
+    ssize_t pread(int file, void* data, std::size_t size, off_t at)
+    {
+        return answer<ssize_t>("pread", pathOf(file), file, data, size, at);
+    }
+
+    int ftruncate(int file, off_t size) noexcept
+    {
+        return answer<int>("ftruncate", pathOf(file), file, size);
+    }
+
+    int fstat(int file, struct stat* status) noexcept
+    {
+        return answer<int>("fstat", pathOf(file), file, status);
+    }
+
+    int lstat(const char* path, struct stat* status) noexcept
+    {
+        return answer<int>("lstat", path, path, status);
+    }
+
+    int mkdir(const char* path, mode_t mode) noexcept
+    {
+        return answer<int>("mkdir", path, path, mode);
+    }
+
+    int rename(const char* from, const char* to) noexcept
+    {
+        return answer<int>("rename", from, from, to);
+    }
+
+    /// Notes the path; the test does not wait for the disk.
+    int fsync(int file)
+    {
+        const std::string path = pathOf(file);
+        if (fails(path))
+            return -1;
+        synced += path + '\n';
+        return 0;
+    }
 }
 
 namespace
