@@ -1,22 +1,28 @@
 #pragma once
 
 /// @file
-/// Reports of settings, less the library's own: every program that links it has the logger's.
+/// Reports of settings, less the library's own: every program that links it has those of some
+/// packages.
 
 #include <sstream>
 #include <string>
 
-/// Leaves out the settings of the package `logger`, with the indented lines below them.
-inline std::string withoutLogger(const std::string& report)
+/// Leaves out the settings of the library's packages, with the indented lines below them.
+inline std::string withoutLibrary(const std::string& report)
 {
     std::istringstream lines(report);
     std::string kept;
-    bool isLogger = false;
+    bool isOurs = false;
     for (std::string line; std::getline(lines, line);)
     {
         if (line.rfind(' ', 0) != 0)
-            isLogger = line.rfind("logger.", 0) == 0 || line == "Settings of package 'logger':";
-        if (!isLogger)
+        {
+            isOurs = false;
+            for (const std::string package : {"logger", "testing"})
+                isOurs = isOurs || line.rfind(package + '.', 0) == 0 ||
+                         line == "Settings of package '" + package + "':";
+        }
+        if (!isOurs)
             kept += line + '\n';
     }
     return kept;

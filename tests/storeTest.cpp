@@ -264,7 +264,7 @@ std::string dump()
 {
     std::ostringstream text;
     Kr::InSettings::dumpAll(text);
-    return withoutLogger(text.str());
+    return withoutLibrary(text.str());
 }
 
 TEST(SettingsStore, StandsBeforeTheDefaults)

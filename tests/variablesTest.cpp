@@ -271,7 +271,7 @@ std::string reportOf(void (*report)(std::ostream&))
     std::ostringstream text;
     text << std::hex << std::boolalpha << std::setfill('*') << std::setw(99);
     report(text);
-    return withoutLogger(text.str());
+    return withoutLibrary(text.str());
 }
 
 void printHelp(std::ostream& os)

@@ -84,7 +84,7 @@ std::string dump()
 {
     std::ostringstream text;
     Kr::InSettings::dumpAll(text);
-    return withoutLogger(text.str());
+    return withoutLibrary(text.str());
 }
 
 /// Starts the program with these words, and stops it at the end of the scope.
