@@ -23,8 +23,8 @@ void runActions(void*)
         actions.list[--actions.count]();
 }
 
-/// A thread-local object with a destructor would do, but the runtime library ends the process where
-/// it has no memory to remember one.
+/// A thread-local object with a destructor would do, but one runtime library ends the process where
+/// it has no memory to remember one, and the other frees the object before it destroys it.
 class Key
 {
 public:
@@ -50,11 +50,14 @@ private:
     bool _isMade;
 };
 
+/// Made before anything else: where thread-local objects belong to a key of their own, the keys of
+/// a thread end in the order in which they were made.
+[[gnu::init_priority(101)]] const Key key;
+
 } // namespace
 
 BOOL krAtThreadEnd(void (*action)() noexcept) noexcept
 {
-    static const Key key;
     for (int i = 0; i < actions.count; ++i)
         if (actions.list[i] == action)
             return 1;
