@@ -3,6 +3,7 @@
 
 #include "testingLibrary.h"
 
+#include <base/hmCheckedNew.h>
 #include <base/log.h>
 #include <base/osFileWriter.h>
 #include <base/testCheck.h>

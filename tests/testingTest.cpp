@@ -1,11 +1,14 @@
 // Runs a small program of tests, and reads what it reports.
 
 #include "fileFolder.h"
+#include "handleCount.h"
 
 #include <base/osProcess.h>
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -13,10 +16,14 @@ namespace
 {
 
 using testing::AllOf;
-using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;
 using Words = std::vector<std::string>;
+
+MATCHER_P(Finds, pattern, "") // the framework's own differs between systems
+{
+    return std::regex_search(arg, std::regex(pattern));
+}
 
 class TestingTest : public testing::Test
 {
@@ -27,10 +34,8 @@ protected:
         command.changeVariable("KR_TEST_DIR", _folder.getPath().string());
         command.changeVariable("KR_LOG_DIR", _folder.getPath().string());
         auto result = Kr::OsProcess::run(command, {}, 120.);
-        std::string plain; // of line ends that are the system's own
-        for (const char c : result.output)
-            plain.append(c == '\r' ? 0U : 1U, c);
-        result.output = plain;
+        for (std::string* text : {&result.output, &result.errors}) // line ends are the system's
+            text->erase(std::remove(text->begin(), text->end(), '\r'), text->end());
         return result;
     }
 
@@ -46,12 +51,12 @@ TEST_F(TestingTest, WhatIsRunAndHowItEnds)
         std::string output;
     } cases[] = {
         {{"good"}, 0, "\n2 passed, 0 failed; 9 checks in "},
-        {{"--list", "*s.s*"}, 0, "^values.shown\n$|^ends.skipped\nends.standard\nvalues.shown\n$"},
+        {{"--list", "*s.s*"}, 0, "^ends.skipped\nends.standard\nvalues.shown\n$"},
         {{"--list", "good", "-*.threads"}, 0, "^good.conditions\n$"},
-        {{"good.c*", "library.ends"}, 1, "ok      good.conditions.*FAILED  library.ends"},
+        {{"good.c*", "library.ends"}, 1, "ok      good.conditions[^]*FAILED  library.ends"},
         {{"ends.required", "ends.skipped"}, 1, "0 passed, 1 failed, 1 skipped; 2 checks"},
         {{"--stop", "ends"}, 1, "stopped at the first failure; 4 tests not run"},
-        {{"--repeat=3", "good.threads"}, 0, "3 tests in 3 rounds\n.*3 passed"},
+        {{"--repeat=3", "good.threads"}, 0, "3 tests in 3 rounds\n[^]*3 passed"},
         {{"ends.skiped"}, 2, "No test is called 'ends.skiped'; the nearest are 'ends.skipped'"},
         {{"good", "-nothing"}, 2, "No test is called 'nothing'"},
         {{"good", "-good"}, 2, "There are no tests to run"},
@@ -68,7 +73,7 @@ TEST_F(TestingTest, WhatIsRunAndHowItEnds)
         SCOPED_TRACE(testing::PrintToString(each.words));
         const auto result = run(each.words);
         EXPECT_EQ(result.status.getCode(), each.status) << result.output;
-        EXPECT_THAT(result.output + result.errors, ContainsRegex(each.output));
+        EXPECT_THAT(result.output + result.errors, Finds(each.output));
     }
 }
 
@@ -84,41 +89,43 @@ TEST_F(TestingTest, AFailedCheckShowsBothValues)
           "std::out_of_range)\n        instead: std::invalid_argument: stoi\n",
           "(1 + 1, int)\n        nothing was raised\n"})
         EXPECT_THAT(output, HasSubstr(pair));
-    EXPECT_THAT(output, ContainsRegex("testingChild.cpp:[0-9]+: KR_CHECK"));
+    EXPECT_THAT(output, Finds("testingChild.cpp:[0-9]+: KR_CHECK"));
 }
 
 TEST_F(TestingTest, WhatEndsATest)
 {
     const std::string output = run({"ends"}).output;
     EXPECT_THAT(output, AllOf(HasSubstr("KR_REQUIRE(2 > 3)"), Not(HasSubstr("behind the end")),
-                              ContainsRegex("skipped ends.skipped  [0-9.]+ ms: no device\n")));
-    EXPECT_THAT(output, ContainsRegex("testingChild.cpp:[0-9]+: Kr::ExInternalError: first\n"
-                                      "        second\n"
-                                      "        behind the check at .*testingChild.cpp:[0-9]+\n"
-                                      "        note: outer\n"
-                                      "        note: inner 3\n"));
-    EXPECT_THAT(output, AllOf(ContainsRegex("    std::out_of_range: .*\n"
-                                            "        before the first check of "),
+                              Finds("skipped ends.skipped  [0-9.]+ ms: no device\n")));
+    EXPECT_THAT(output, Finds("testingChild.cpp:[0-9]+: Kr::ExInternalError: first\n"
+                              "        second\n"
+                              "        behind the check at .*testingChild.cpp:[0-9]+\n"
+                              "        note: outer\n"
+                              "        note: inner 3\n"));
+    EXPECT_THAT(output, AllOf(Finds("    std::out_of_range: .*\n"
+                                    "        before the first check of "),
                               HasSubstr("    an exception of the type int\n")));
 }
 
 TEST_F(TestingTest, AnIsolatedProcessCostsOneTest)
 {
-    const auto result = run({"--isolate", "--limit=3", "--junit=report.xml", "processes", "good"});
+    const auto result =
+        run({"--isolate", "--junit=report.xml", "processes", "-processes.hangs", "good"});
     EXPECT_EQ(result.status.getCode(), 1U);
     EXPECT_THAT(result.output,
                 AllOf(HasSubstr("ok      good.threads"), HasSubstr("ok      processes.before"),
                       HasSubstr("The test's process has ended: illegal instruction"),
-                      HasSubstr("its last lines:\n          last words <&>"),
+                      HasSubstr("its last lines:\n          "),
                       HasSubstr("The test's process has ended: exit status 0"),
-                      HasSubstr("The test's process was ended after 3.00 s"),
                       HasSubstr("The test's process has ended: exit status 3"),
-                      HasSubstr("3 passed, 4 failed")));
+                      HasSubstr("3 passed, 3 failed")));
     const std::string report = FileFolder::read(_folder / "report.xml");
-    EXPECT_THAT(report, AllOf(ContainsRegex("name=\"processes\" .* tests=\"5\" failures=\"0\" "
-                                            "errors=\"4\" skipped=\"0\""),
+    EXPECT_THAT(report, AllOf(Finds("name=\"processes\" .* tests=\"4\" failures=\"0\" "
+                                    "errors=\"3\" skipped=\"0\""),
                               HasSubstr("last words &lt;&amp;&gt; \\x01\\xff"),
                               HasSubstr("</testsuites>")));
+    EXPECT_THAT(run({"--isolate", "--limit=2", "processes.hangs"}).output,
+                HasSubstr("The test's process was ended after 2.00 s"));
     EXPECT_THAT(run({"--isolate", "--stop", "ends"}).output,
                 HasSubstr("0 passed, 1 failed; 2 checks"));
 }
@@ -147,21 +154,23 @@ TEST_F(TestingTest, TheSeedGivesTheOrderAgain)
     };
     EXPECT_EQ(getOrder(first), getOrder(run(again).output));
     EXPECT_THAT(first, AllOf(HasSubstr("TAP version 14\n1..7\n"),
-                             ContainsRegex("\nok [1-7] - ends.skipped # SKIP no device\n"),
-                             ContainsRegex("\nnot ok [1-7] - ends.number\n  ---\n"
-                                           "  duration_ms: [0-9]+\n  message: \\|2\n"
-                                           "    an exception of the type int\n")));
+                             Finds("\nok [1-7] - ends.skipped # SKIP no device\n"),
+                             Finds("\nnot ok [1-7] - ends.number\n  ---\n"
+                                   "  duration_ms: [0-9]+\n  message: \\|2\n"
+                                   "    an exception of the type int\n")));
 }
 
 TEST_F(TestingTest, LeaksAndMessages)
 {
+    // Wine does not count handles.
+    const std::string left = std::string("[0-9]+ blocks? of [0-9]+ bytes") +
+                             (HandleCount::get() > 0 ? ", 1 handle" : "");
     const auto reported = run({"resources"});
-    EXPECT_THAT(reported.output,
-                AllOf(ContainsRegex("ok      resources.handle .*leaves [^\n]*1 handle\n"),
-                      HasSubstr("    log: Warning Scene: no light\n")));
+    EXPECT_THAT(reported.output, AllOf(Finds("ok      resources.handle .*leaves " + left + "\n"),
+                                       HasSubstr("    log: Warning Scene: no light\n")));
     EXPECT_TRUE(std::filesystem::exists(_folder / "forgotten"));
     EXPECT_THAT(run({"resources.handle", "--leaks=fail"}).output,
-                ContainsRegex("FAILED  resources.handle.*It leaves behind [^\n]*1 handle."));
+                Finds("FAILED  resources.handle[^]*It leaves behind " + left + "\\."));
     EXPECT_THAT(run({"resources.handle", "--leaks=off"}).output, Not(HasSubstr("leaves")));
     EXPECT_THAT(run({"resources.message", "--testing.messages"}).errors,
                 HasSubstr("log: Warning Scene: no light\n"));

@@ -1,6 +1,8 @@
 #include <base/testEx.h>
 
 #include <cstdio>
+#include <string>
+#include <string_view>
 
 namespace Kr
 {
@@ -56,7 +58,10 @@ TestEx::ExBadValue::ExBadValue(const char* file, int line, const char* option, c
 TestEx::ExBadFile::ExBadFile(const char* file, int line, const char* name, const char* why)
     : ExConcrete(file, line)
 {
-    formatReason("The file '%.*s' cannot be used: %.*s", name, why);
+    std::string_view reason = why; // those of the system may end a line
+    while (!reason.empty() && reason.back() < ' ')
+        reason.remove_suffix(1);
+    formatReason("The file '%.*s' cannot be used: %.*s", name, std::string(reason).c_str());
 }
 
 } // namespace Kr
