@@ -177,9 +177,10 @@ void convertHours(benchmark::State& state)
     std::mt19937_64 generator(4);
     std::vector<Kr::DtTime> times;
     for (std::size_t i = 0; i < size; ++i)
-        times.emplace_back(static_cast<std::int64_t>(state.range(0) * 3600 * 1000000000LL +
-                                                     static_cast<std::int64_t>(generator() % 1000000000)),
-                           1000000000, 1);
+        times.emplace_back(
+            static_cast<std::int64_t>(state.range(0) * 3600 * 1000000000LL +
+                                      static_cast<std::int64_t>(generator() % 1000000000)),
+            1000000000, 1);
     Kr::Rational rate(30000, 1001);
     benchmark::DoNotOptimize(rate);
     std::size_t i = 0;

@@ -235,7 +235,7 @@ TEST(LogTool, SumsUp)
 
 std::string lineAt(int number)
 {
-    char line[80];
+    char line[128];
     std::snprintf(line, sizeof line,
                   "2026-11-21T07:33:08.%06dZ  Warning         1:main          G             %d\n",
                   number, number);

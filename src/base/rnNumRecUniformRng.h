@@ -11,8 +11,8 @@
 /// assert(noise() == first);
 /// @endcode
 /// Pitfalls: with so few values, do not take it where more than 20 bits of a sample matter; take
-/// `RnLecuyerUniformRng` there. A generator cannot be copied. It makes its samples 64 at a time: one
-/// that gives only a few costs more.
+/// `RnLecuyerUniformRng` there. A generator cannot be copied. It makes its samples 64 at a time:
+/// one that gives only a few costs more.
 ///
 /// C. Bays, S. D. Durham: Improving a Poor Random Number Generator. ACM Transactions on
 /// Mathematical Software 2 (1), 1976.

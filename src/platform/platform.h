@@ -153,7 +153,7 @@ constexpr DWORD ERROR_NEGATIVE_SEEK = 131;
 constexpr DWORD GENERIC_READ = 0x80000000;
 constexpr DWORD GENERIC_WRITE = 0x40000000;
 constexpr DWORD FILE_APPEND_DATA = 0x0004; ///< without GENERIC_WRITE: every write appends
-constexpr DWORD DELETE = 0x00010000;       ///< only what FILE_FLAG_DELETE_ON_CLOSE and registry keys need
+constexpr DWORD DELETE = 0x00010000; ///< only what FILE_FLAG_DELETE_ON_CLOSE and registry keys need
 
 constexpr DWORD FILE_SHARE_READ = 0x1;
 constexpr DWORD FILE_SHARE_WRITE = 0x2;
