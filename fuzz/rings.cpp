@@ -27,9 +27,9 @@ Chunks makeSoundFile()
     Kr::LgSettings settings;
     settings.directory = folder.getPath();
     const auto rings = std::make_unique<Kr::LgKeptRings>(settings, Kr::LgClock());
-    const auto label = std::make_shared<Kr::ThreadLabel>();
-    label->set("painter");
-    Kr::LgQueue& queue = *rings->addQueue(7, label);
+    static Kr::ThreadLabel label; // not owned by the queue, which has no end
+    label.set("painter");
+    Kr::LgQueue& queue = *rings->addQueue(7, {std::shared_ptr<void>(), &label});
     const std::uint16_t group = Kr::LgGroupNames::getNumber("Group");
     for (int i = 0; i < 1200; ++i)
         if (queue.reserveGroupEntry(Kr::LgTypes::Warning, group))

@@ -14,6 +14,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <deque>
 #include <random>
 #include <regex>
 
@@ -44,9 +45,10 @@ public:
     {
         if (_rings == nullptr)
             _rings = std::make_unique<LgKeptRings>(_settings, _clock);
-        const auto label = std::make_shared<Kr::ThreadLabel>();
-        label->set(name);
-        return *_rings->addQueue(thread, label);
+        Kr::ThreadLabel& label = _labels.emplace_back();
+        label.set(name);
+        // Not owned by the queue, which is left without an end as a killed process leaves it.
+        return *_rings->addQueue(thread, {std::shared_ptr<void>(), &label});
     }
 
     LgKeptRings& getRings() { return *_rings; }
@@ -60,6 +62,7 @@ public:
 private:
     Kr::LgSettings _settings;
     const Kr::LgClock _clock;
+    std::deque<Kr::ThreadLabel> _labels;
     std::unique_ptr<LgKeptRings> _rings;
 };
 
