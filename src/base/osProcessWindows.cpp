@@ -31,13 +31,11 @@ bool hasFolder(const OsFilePath& program)
 HANDLE openFile(OsCommand::Stream stream, const OsFilePath& path, bool isAppended)
 {
     constexpr DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE;
-    HANDLE file = INVALID_HANDLE_VALUE;
-    if (stream == OsCommand::Input)
-        file = krCreateFile(path.getChars(), GENERIC_READ, share, OPEN_EXISTING);
-    else if (isAppended)
-        file = krCreateFile(path.getChars(), FILE_APPEND_DATA, share, OPEN_ALWAYS);
-    else
-        file = krCreateFile(path.getChars(), GENERIC_WRITE, share, CREATE_ALWAYS);
+    const bool isInput = stream == OsCommand::Input;
+    const DWORD outputAccess = isAppended ? FILE_APPEND_DATA : GENERIC_WRITE;
+    const DWORD outputDisposition = isAppended ? OPEN_ALWAYS : CREATE_ALWAYS;
+    const HANDLE file = krCreateFile(path.getChars(), isInput ? GENERIC_READ : outputAccess, share,
+                                     isInput ? OPEN_EXISTING : outputDisposition);
     return file != INVALID_HANDLE_VALUE ? file : nullptr;
 }
 

@@ -85,7 +85,8 @@ void abandon(int descriptor) noexcept
     pthread_attr_t attributes;
     ::pthread_attr_init(&attributes);
     ::pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
-    ::pthread_attr_setstacksize(&attributes, std::max<std::size_t>(65536, PTHREAD_STACK_MIN));
+    ::pthread_attr_setstacksize(
+        &attributes, std::max(std::size_t{65536}, static_cast<std::size_t>(PTHREAD_STACK_MIN)));
     pthread_t thread;
     auto* const argument =
         reinterpret_cast<void*>(static_cast<std::intptr_t>(descriptor)); // NOLINT

@@ -29,7 +29,7 @@ namespace Kr
 
 class ThreadLabel;
 
-class LgKeptRings : private LgGroupNames::Watcher
+class LgKeptRings final : private LgGroupNames::Watcher
 {
 public:
     LgKeptRings(const LgSettings& settings, const LgClock& clock);
