@@ -320,9 +320,14 @@ TEST(Processes, ManyThreadsStartManyProcesses)
                 for (int i = 0; i < 25; ++i)
                 {
                     const std::string text = std::to_string(thread * 100 + i);
-                    const auto result = OsProcess::run(child({"echo"}), text, 100.);
-                    EXPECT_EQ(OsProcess::Complete, result.ending); // no other child has the pipes
+                    OsCommand command = child({"echo"});
+                    command.pipeStream(OsCommand::Input).pipeStream(OsCommand::Output);
+                    OsProcess process(command);
+                    process.setLinger(60.); // the system may keep what a child had for a while
+                    const auto result = process.communicate(text, 100.);
+                    EXPECT_EQ(OsProcess::Complete, result.ending);
                     EXPECT_EQ(text, result.output);
+                    EXPECT_TRUE(process.wait().isSuccess());
                 }
             });
     for (std::thread& thread : threads)
