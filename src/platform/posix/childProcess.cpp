@@ -17,22 +17,6 @@
 namespace
 {
 
-class Lock
-{
-public:
-    explicit Lock(pthread_mutex_t& mutex) noexcept
-        : _mutex(mutex)
-    {
-        ::pthread_mutex_lock(&_mutex);
-    }
-    Lock(const Lock&) = delete;
-    Lock& operator=(const Lock&) = delete;
-    ~Lock() { ::pthread_mutex_unlock(&_mutex); }
-
-private:
-    pthread_mutex_t& _mutex;
-};
-
 struct SignalCode
 {
     int signal;
@@ -138,7 +122,7 @@ bool KrChildProcess::wait(KrMoment deadline) noexcept
 
 bool KrChildProcess::hasEnded() noexcept
 {
-    const Lock lock(_mutex);
+    const KrMutexLock lock(_mutex);
     if (!_hasEnded)
         fetchStatus();
     return _hasEnded;
@@ -187,7 +171,7 @@ bool KrChildProcess::signal(int number) noexcept
 bool KrChildProcess::terminate(DWORD code) noexcept
 {
     {
-        const Lock lock(_mutex);
+        const KrMutexLock lock(_mutex);
         _terminationCode = code;
     }
     return signal(SIGKILL);

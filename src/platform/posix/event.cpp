@@ -13,22 +13,6 @@ namespace
 
 constexpr KrMoment nanosecondsPerSecond = 1'000'000'000;
 
-class Lock
-{
-public:
-    explicit Lock(pthread_mutex_t& mutex) noexcept
-        : _mutex(mutex)
-    {
-        ::pthread_mutex_lock(&_mutex);
-    }
-    Lock(const Lock&) = delete;
-    Lock& operator=(const Lock&) = delete;
-    ~Lock() { ::pthread_mutex_unlock(&_mutex); }
-
-private:
-    pthread_mutex_t& _mutex;
-};
-
 } // namespace
 
 KrMoment krNow() noexcept
@@ -84,7 +68,7 @@ void KrEvent::close() noexcept
 {
     bool isUsed = false;
     {
-        const Lock lock(_mutex);
+        const KrMutexLock lock(_mutex);
         _isClosed = true;
         isUsed = _waiting != 0;
     }
@@ -94,7 +78,7 @@ void KrEvent::close() noexcept
 
 void KrEvent::set() noexcept
 {
-    const Lock lock(_mutex);
+    const KrMutexLock lock(_mutex);
     fireTimers();
     if (_isManual || _waiting == _released)
         _isSet = true;
@@ -103,14 +87,14 @@ void KrEvent::set() noexcept
 
 void KrEvent::reset() noexcept
 {
-    const Lock lock(_mutex);
+    const KrMutexLock lock(_mutex);
     fireTimers();
     _isSet = false;
 }
 
 void KrEvent::pulse() noexcept
 {
-    const Lock lock(_mutex);
+    const KrMutexLock lock(_mutex);
     fireTimers();
     release();
     _isSet = false;
@@ -121,7 +105,7 @@ bool KrEvent::wait(KrMoment deadline) noexcept
     bool isReleased = false;
     bool isUsed = true;
     {
-        const Lock lock(_mutex);
+        const KrMutexLock lock(_mutex);
         isReleased = waitLocked(deadline);
         isUsed = !_isClosed || _waiting != 0;
     }
@@ -232,14 +216,14 @@ void KrEvent::release() noexcept
 
 void KrEvent::addTimer(const Timer& timer)
 {
-    const Lock lock(_mutex);
+    const KrMutexLock lock(_mutex);
     _timers.push_back(timer);
     wake(); // it may come before what they wait for
 }
 
 void KrEvent::removeTimer(UINT number) noexcept
 {
-    const Lock lock(_mutex);
+    const KrMutexLock lock(_mutex);
     fireTimers();
     const auto isIt = [number](const Timer& timer) { return timer.number == number; };
     _timers.erase(std::remove_if(_timers.begin(), _timers.end(), isIt), _timers.end());

@@ -36,6 +36,24 @@ private:
     int _previous;
 };
 
+/// Holds a mutex of the host's, which conditions with absolute deadlines need, to the end of a
+/// block.
+class KrMutexLock
+{
+public:
+    explicit KrMutexLock(pthread_mutex_t& mutex) noexcept
+        : _mutex(mutex)
+    {
+        ::pthread_mutex_lock(&_mutex);
+    }
+    KrMutexLock(const KrMutexLock&) = delete;
+    KrMutexLock& operator=(const KrMutexLock&) = delete;
+    ~KrMutexLock() { ::pthread_mutex_unlock(&_mutex); }
+
+private:
+    pthread_mutex_t& _mutex;
+};
+
 /// What can be waited for.
 class KrWaitable : public KrHandleObject
 {
