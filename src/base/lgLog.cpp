@@ -68,7 +68,7 @@ void LgLog::destroy()
 LgQueue* LgLog::getQueue() noexcept
 {
     LgProducer* producer = LgProducer::getLasting();
-    return producer != nullptr ? producer->getQueue() : nullptr;
+    return producer != nullptr ? producer->shareQueue() : nullptr;
 }
 
 void LgLog::flush() noexcept

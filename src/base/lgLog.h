@@ -19,8 +19,9 @@
 /// the disk when the statement that logs them ends. A forked process goes on logging into the same
 /// files.
 ///
-/// Pitfalls: the messages of a thread that fill its queue before the reader comes are dropped and
-/// counted, unless `KR_BLOCKING_TRACE` has the thread wait. While the logger is not up, statements
+/// Pitfalls: a flood of messages that fills its thread's queue, and the spare ones of the process,
+/// before the reader comes is dropped from there on and counted, unless `KR_BLOCKING_TRACE` has the
+/// thread wait. While the logger is not up, statements
 /// do nothing, whatever thread they are in. The queue of a thread is for that thread alone.
 
 #include <base/krBaseApi.h>
@@ -52,10 +53,11 @@ public:
     static void destroy();
 
     /// The calling thread's queue, for those who write into it without `KR_LOG`: made by the first
-    /// call, then at no cost. Null while the logger is not up, when the thread is ending or memory
-    /// is short, and in code that the logger calls for its output. The thread that started the
-    /// logger has the default queue, of number 0; the others have their thread's number. What the
-    /// thread logs with `KR_LOG` between `reserveEntry` and `addEntry` goes into another queue.
+    /// call, then at no cost. From then on the thread stays in it, however full it is. Null while
+    /// the logger is not up, when the thread is ending or memory is short, and in code that the
+    /// logger calls for its output. The thread that started the logger has the default queue, of
+    /// number 0; the others have their thread's number. What the thread logs with `KR_LOG` between
+    /// `reserveEntry` and `addEntry` goes into another queue.
     static LgQueue* getQueue() noexcept;
 
     /// Returns when everything that was logged before the call has been handed to the system. May

@@ -181,6 +181,7 @@ public:
 
 private:
     friend class LgProducer;
+    friend class LgReader;
     friend class LgRegistry;
     friend class LgStatement;
     friend class LgKeptRings;
@@ -209,6 +210,12 @@ private:
         return (beg - end - 1) & _mask;
     }
     bool look(unsigned int end, LgTypes::Level rank) noexcept;
+
+    /// Whether a message of that rank would be lost for want of room.
+    bool isFullFor(LgTypes::Level rank) noexcept
+    {
+        return _suppressCount == 0 && !hasRoom(_end.load(std::memory_order_relaxed), rank);
+    }
     bool hasRoom(unsigned int end, LgTypes::Level rank) noexcept
     {
         return (end != _nextLook || look(end, rank)) && _stream.hasRoom(rank);
@@ -217,6 +224,21 @@ private:
     inline bool reserveOrdinary(LgTypes::Level level, std::uint16_t group) noexcept;
     inline void fill(unsigned int end, LgTypes::Level level, std::uint16_t group) noexcept;
     void leave() noexcept { _detours.fetch_or(Left, std::memory_order_relaxed); }
+
+    /// Goes on for the thread that has used the other one until now.
+    void succeed(const LgQueue& other) noexcept
+    {
+        _threadId = other._threadId;
+        _label = other._label;
+        _turn = other._turn + 1;
+    }
+
+    /// For an empty queue whose creator has ended: it may have another one.
+    void retire() noexcept
+    {
+        _label = nullptr;
+        _creatorAlive.store(true, std::memory_order_relaxed);
+    }
     void countLoss(LgTypes::Level level) noexcept;
     void completeUnusual();
     void checkRoom(unsigned int end);
@@ -241,7 +263,8 @@ private:
     bool _isDisplaced = false; // a loss was counted where the reserved entry was
 
     std::atomic<bool> _creatorAlive{true};
-    const unsigned long _threadId;
+    unsigned long _threadId;
+    unsigned int _turn = 0; // how many queues the thread has used before
     std::shared_ptr<const ThreadLabel> _label;
     ObjPtr<Observer> _observer;
     void (*_halfFullHandler)() noexcept = nullptr;

@@ -4,6 +4,7 @@
 #include <base/internal/errors/processIdentity.h>
 #include <base/internal/log/lgLosses.h>
 #include <base/internal/log/lgReaderThread.h>
+#include <base/internal/log/lgSpareQueues.h>
 #include <base/internal/log/lgThread.h>
 
 #include <atomic>
@@ -51,6 +52,14 @@ std::size_t drainSession(LgDrain how) noexcept
         return 0;
     const LgThread::OutputGuard guard;
     return session->drain(how);
+}
+
+/// Blocking threads need no other queue, and those that outlive the process are each made for
+/// theirs.
+void keepSpares(LgSession& session) noexcept
+{
+    if (!session.getSettings().isBlocking && session.getKeptRings() == nullptr)
+        session.getRegistry().keepSpares(LgLogState::wakeReader);
 }
 
 } // namespace
@@ -138,6 +147,7 @@ void LgLogState::start(std::unique_ptr<LgSession> session)
     const std::scoped_lock lock(state().draining, state().pointer);
     state().isBlocking = session->getSettings().isBlocking;
     state().mainThread = ProcessIdentity::getThreadId();
+    keepSpares(*session);
     state().session = session.release();
     _number = ++state().lastNumber;
 }
@@ -158,6 +168,7 @@ void LgLogState::stop()
     state().session->getRegistry().leaveQueues();
     drainSession(LgDrain::toSystem);
     drainSession(LgDrain::toSystem);
+    LgSpareQueues::get().clear();
     const std::lock_guard<std::mutex> lock(state().pointer);
     const std::unique_ptr<LgSession> session(state().session);
     state().session = nullptr;
@@ -214,9 +225,11 @@ void LgLogState::beginForkedSession(bool isMainThread) noexcept
     if (state().session == nullptr)
         return;
     state().session->getRegistry().leaveQueues();
+    LgSpareQueues::get().clear();
     try
     {
         state().session = LgSession::forFork(state().session);
+        keepSpares(*state().session);
         _number = ++state().lastNumber;
     }
     catch (const std::exception&)

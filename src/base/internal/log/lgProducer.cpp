@@ -4,6 +4,7 @@
 #include <base/internal/errors/threadLabel.h>
 #include <base/internal/log/lgLogState.h>
 #include <base/internal/log/lgLosses.h>
+#include <base/internal/log/lgSpareQueues.h>
 #include <base/internal/log/lgThreadSlot.h>
 #include <base/lgTimeline.h>
 
@@ -45,24 +46,6 @@ public:
     void waitForSpace(LgQueue* queue, int) override { waitForRoom(*queue); }
 };
 
-/// What a session left in the queue goes with the session.
-void discardMessages(LgQueue& queue)
-{
-    for (; !queue.isEmpty(); queue.release())
-        for (; queue.hasUnread(); queue.removeEntry())
-        {
-            const LgQueue::Entry& entry = queue.readEntry();
-            const int count = entry.isOverflowEntry() ? entry.getOverflowCount() : 1;
-            LgLosses::count(static_cast<std::uint64_t>(count));
-        }
-}
-
-void discardQueue(LgQueue* queue)
-{
-    discardMessages(*queue);
-    delete queue;
-}
-
 /// A queue that outlives the process, as far as there is room for it and that is wanted.
 std::shared_ptr<LgQueue> makeKeptQueue(std::uint32_t session, unsigned long thread,
                                        const std::shared_ptr<const ThreadLabel>& label)
@@ -71,7 +54,7 @@ std::shared_ptr<LgQueue> makeKeptQueue(std::uint32_t session, unsigned long thre
     LgQueue* const queue = rings != nullptr ? rings->addQueue(thread, label) : nullptr;
     const auto discard = [rings](LgQueue* each)
     {
-        discardMessages(*each);
+        LgRegistry::discardMessages(*each);
         rings->removeQueue(each);
     };
     return queue != nullptr ? std::shared_ptr<LgQueue>(queue, discard) : nullptr;
@@ -145,6 +128,7 @@ LgProducer::LgProducer(bool isForOneMessage) noexcept
     : _isForOneMessage(isForOneMessage)
     , _sessionNumber(0)
     , _thread(0)
+    , _isQueueShared(false)
 {
 }
 
@@ -154,6 +138,13 @@ void LgProducer::join(std::uint32_t sessionNumber, unsigned long thread)
     leave();
     _sessionNumber = sessionNumber;
     _thread = thread;
+    _isQueueShared = false;
+}
+
+LgQueue* LgProducer::shareQueue() noexcept
+{
+    _isQueueShared = true;
+    return getQueue(0);
 }
 
 LgSpanRing* LgProducer::getRing() noexcept
@@ -177,7 +168,8 @@ LgSpanRing* LgProducer::getRing() noexcept
 /// messages leave some to the severer ones.
 LgQueue* LgProducer::open(std::uint16_t group, LgTypes::Level level) noexcept
 {
-    LgQueue* queue = findFreeQueue();
+    const std::size_t depth = findFreeDepth();
+    LgQueue* queue = depth < _queues.size() ? _queues[depth].get() : nullptr;
     if (queue == nullptr)
     {
         countUnqueued(level);
@@ -188,7 +180,27 @@ LgQueue* LgProducer::open(std::uint16_t group, LgTypes::Level level) noexcept
         waitForRoom(*queue);
     else
         queue->waitForSpace(1);
-    return queue->reserve(level, group, mayWait ? LgTypes::InternalError : level) ? queue : nullptr;
+    const LgTypes::Level rank = mayWait ? LgTypes::InternalError : level;
+    if (queue->isFullFor(rank))
+        queue = goOn(depth);
+    return queue->reserve(level, group, rank) ? queue : nullptr;
+}
+
+/// Goes on in a spare queue, if there is one: the full one is left to the reader. One whose address
+/// has been given away stays.
+LgQueue* LgProducer::goOn(std::size_t depth) noexcept
+{
+    std::shared_ptr<LgQueue>& queue = _queues[depth];
+    const bool mayLeave = !(depth == 0 && _isQueueShared);
+    const std::shared_ptr<LgQueue> spare = mayLeave ? LgSpareQueues::get().take() : nullptr;
+    if (spare == nullptr)
+        return queue.get();
+    spare->succeed(*queue);
+    queue->creatorExit();
+    queue = spare;
+    if (depth == 0)
+        showQueue();
+    return queue.get();
 }
 
 /// There was no memory for a queue, or the session has just ended.
@@ -254,16 +266,13 @@ void LgProducer::showQueue() noexcept
         LgThreadSlot::set(_queues[0].get());
 }
 
-/// The first one into which no message is being written.
-LgQueue* LgProducer::findFreeQueue() noexcept
+/// That of the first queue into which no message is being written, made if memory allows.
+std::size_t LgProducer::findFreeDepth() noexcept
 {
-    for (std::size_t depth = 0; depth < _queues.size(); ++depth)
-    {
-        LgQueue* queue = getQueue(depth);
-        if (queue == nullptr || !queue->isReserved())
-            return queue;
-    }
-    return nullptr;
+    std::size_t depth = 0;
+    while (depth < _queues.size() && getQueue(depth) != nullptr && _queues[depth]->isReserved())
+        ++depth;
+    return depth;
 }
 
 std::shared_ptr<LgQueue> LgProducer::makeQueue() const
@@ -272,7 +281,7 @@ std::shared_ptr<LgQueue> LgProducer::makeQueue() const
     std::shared_ptr<LgQueue> queue = makeKeptQueue(_sessionNumber, _thread, label);
     if (queue == nullptr)
     {
-        queue.reset(new LgQueue(_thread), discardQueue);
+        queue = LgRegistry::makeQueue(_thread);
         queue->setLabel(label);
     }
     queue->setHalfFullHandler(LgLogState::wakeReader);

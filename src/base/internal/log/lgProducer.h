@@ -30,8 +30,9 @@ public:
     /// Lets go of the calling thread's producer: what it has logged stays for the reader.
     static void end() noexcept;
 
-    /// Null if the session has ended or memory is short.
-    LgQueue* getQueue() noexcept { return getQueue(0); }
+    /// The first queue, in which the thread stays from then on, however full it is. Null if the
+    /// session has ended or memory is short.
+    LgQueue* shareQueue() noexcept;
     LgSpanRing* getRing() noexcept;
 
     /// Begins a message, which the returned queue takes; null if it is dropped.
@@ -53,7 +54,8 @@ private:
     void join(std::uint32_t sessionNumber, unsigned long thread);
     void leave() noexcept;
     LgQueue* getQueue(std::size_t depth) noexcept;
-    LgQueue* findFreeQueue() noexcept;
+    std::size_t findFreeDepth() noexcept;
+    LgQueue* goOn(std::size_t depth) noexcept;
     void countUnqueued(LgTypes::Level level) const noexcept;
     void showQueue() noexcept;
     bool isWriting() const noexcept;
@@ -62,6 +64,7 @@ private:
     const bool _isForOneMessage; // nothing will tell of the end of its thread
     std::uint32_t _sessionNumber;
     unsigned long _thread; // the number under which its records appear
+    bool _isQueueShared;   // somebody else may write into the first queue
     Queues _queues;
     Queues _formerQueues; // of the session that was left: a message may be on its way there
     std::shared_ptr<LgSpanRing> _ring;

@@ -43,8 +43,7 @@ bool LgReader::flushEarliest(unsigned long long until) noexcept
     LgQueue* earliest = nullptr;
     for (const std::shared_ptr<LgQueue>& queue : _queues.getQueues())
         if (isWaiting(*queue, until) &&
-            (earliest == nullptr ||
-             queue->readEntry().getTimeStamp() < earliest->readEntry().getTimeStamp()))
+            (earliest == nullptr || isLater(getHead(earliest), getHead(queue.get()))))
             earliest = queue.get();
     if (earliest != nullptr)
         flushEvent(earliest);
@@ -93,11 +92,16 @@ bool LgReader::isWaiting(const LgQueue& queue, unsigned long long until)
     return queue.hasUnread() && queue.readEntry().getTimeStamp() <= until;
 }
 
+LgReader::Head LgReader::getHead(LgQueue* queue)
+{
+    return {queue->readEntry().getTimeStamp(), queue->_turn, queue};
+}
+
 void LgReader::addHead(LgQueue* queue, unsigned long long until)
 {
     if (!isWaiting(*queue, until))
         return;
-    _heads.push_back({queue->readEntry().getTimeStamp(), queue});
+    _heads.push_back(getHead(queue));
     std::push_heap(_heads.begin(), _heads.end(), isLater);
 }
 

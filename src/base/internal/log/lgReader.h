@@ -59,10 +59,15 @@ private:
     struct Head
     {
         unsigned long long timeStamp;
+        unsigned int turn; // of the queues of one thread, which may hold messages of one moment
         LgQueue* queue;
     };
 
-    static bool isLater(const Head& a, const Head& b) { return a.timeStamp > b.timeStamp; }
+    static Head getHead(LgQueue* queue);
+    static bool isLater(const Head& a, const Head& b)
+    {
+        return a.timeStamp != b.timeStamp ? a.timeStamp > b.timeStamp : a.turn > b.turn;
+    }
     static bool isWaiting(const LgQueue& queue, unsigned long long until);
     bool makeRoomForHeads(std::size_t count) noexcept;
     void addHead(LgQueue* queue, unsigned long long until);

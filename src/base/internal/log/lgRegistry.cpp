@@ -1,7 +1,42 @@
 #include <base/internal/log/lgRegistry.h>
 
+#include <base/internal/log/lgLosses.h>
+#include <base/internal/log/lgSpareQueues.h>
+#include <base/internal/log/lgTry.h>
+
+#include <algorithm>
+
 namespace Kr
 {
+
+namespace
+{
+
+// What a thread fills while the reader wakes up, and more. Once they are short there will be all.
+constexpr std::size_t sparesAtHand = 8;
+
+} // namespace
+
+std::shared_ptr<LgQueue> LgRegistry::makeQueue(unsigned long thread)
+{
+    const auto discard = [](LgQueue* queue)
+    {
+        discardMessages(*queue);
+        delete queue;
+    };
+    return {new LgQueue(thread), discard};
+}
+
+void LgRegistry::discardMessages(LgQueue& queue)
+{
+    for (; !queue.isEmpty(); queue.release())
+        for (; queue.hasUnread(); queue.removeEntry())
+        {
+            const LgQueue::Entry& entry = queue.readEntry();
+            const int count = entry.isOverflowEntry() ? entry.getOverflowCount() : 1;
+            LgLosses::count(static_cast<std::uint64_t>(count));
+        }
+}
 
 void LgRegistry::addQueue(std::shared_ptr<LgQueue> queue)
 {
@@ -18,11 +53,44 @@ const LgRegistry::Queues& LgRegistry::getQueues() noexcept
     return _queues;
 }
 
+void LgRegistry::keepSpares(void (*halfFullHandler)() noexcept) noexcept
+{
+    _halfFullHandler = halfFullHandler;
+}
+
+void LgRegistry::makeSpares() noexcept
+{
+    if (_halfFullHandler == nullptr || LgSpareQueues::get().count() >= sparesAtHand)
+        return;
+    const std::size_t wanted = _spares == 0 ? sparesAtHand : LgSpareQueues::maxSize;
+    lgTry(
+        [this, wanted]
+        {
+            for (; _spares < wanted; ++_spares)
+            {
+                Queues one;
+                one.push_back(makeQueue(0));
+                one.front()->setHalfFullHandler(_halfFullHandler);
+                LgSpareQueues::get().put(one.front());
+                _queues.splice(_queues.end(), one);
+            }
+        });
+}
+
 /// A creator's end is looked at first: nothing can be added to a queue after it.
 void LgRegistry::dropFinishedQueues() noexcept
 {
-    _queues.remove_if([](const std::shared_ptr<LgQueue>& queue)
-                      { return !queue->isCreatorAlive() && queue->isEmpty(); });
+    _queues.remove_if(
+        [this](const std::shared_ptr<LgQueue>& queue)
+        { return !queue->isCreatorAlive() && queue->isEmpty() && !becomesSpare(queue); });
+}
+
+bool LgRegistry::becomesSpare(const std::shared_ptr<LgQueue>& queue) const noexcept
+{
+    if (LgSpareQueues::get().count() >= _spares)
+        return false;
+    queue->retire();
+    return LgSpareQueues::get().put(queue);
 }
 
 void LgRegistry::leaveQueues() noexcept

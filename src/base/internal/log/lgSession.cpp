@@ -65,6 +65,7 @@ void LgSession::close() noexcept
 
 std::size_t LgSession::drainOnce(LgDrain how) noexcept
 {
+    _queues.makeSpares();
     const std::size_t count = _reader.flushAll();
     _lossReport.tell(how != LgDrain::toBuffers);
     drainTimeline(how);
