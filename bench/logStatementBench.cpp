@@ -92,6 +92,15 @@ void manual(benchmark::internal::Benchmark* bench)
     bench->UseManualTime()->Iterations(200);
 }
 
+template <class Message>
+void writeTo(Kr::LgQueue& queue, int i)
+{
+    if (!queue.reserveEntry(Kr::LgTypes::Informational))
+        return;
+    Message::write(queue.getStream(), i);
+    queue.addEntry();
+}
+
 /// The queue alone, which another thread drains once a millisecond.
 template <class Message>
 void BM_LgQueue(benchmark::State& state)
@@ -110,19 +119,23 @@ void BM_LgQueue(benchmark::State& state)
                 std::this_thread::sleep_for(std::chrono::milliseconds(1));
             }
         });
-    measure(state,
-            [&](int i)
-            {
-                if (!queue.reserveEntry(Kr::LgTypes::Informational))
-                    return;
-                Message::write(queue.getStream(), i);
-                queue.addEntry();
-            });
+    measure(state, [&queue](int i) { writeTo<Message>(queue, i); });
     isStopping = true;
     reader.join();
 }
 BENCHMARK_TEMPLATE(BM_LgQueue, Constant)->Apply(manual);
 BENCHMARK_TEMPLATE(BM_LgQueue, IntAndDouble)->Apply(manual);
+
+/// The queue alone, which the logger drains to its file as it does for statements.
+template <class Message>
+void BM_queueOfLogger(benchmark::State& state)
+{
+    const Logger logger;
+    Kr::LgQueue& queue = *Kr::LgLog::getQueue();
+    measure(state, [&queue](int i) { writeTo<Message>(queue, i); });
+}
+BENCHMARK_TEMPLATE(BM_queueOfLogger, Constant)->Apply(manual);
+BENCHMARK_TEMPLATE(BM_queueOfLogger, IntAndDouble)->Apply(manual);
 
 void BM_statementConstant(benchmark::State& state)
 {

@@ -17,6 +17,7 @@ foreach(header
         init/inNamedVariable.h
         init/inValueForm.h
         log/lgFormat.h
+        log/lgThreadSlot.h
         numeric/rounded.h
         numeric/twosComplement.h)
     get_filename_component(folder ${header} DIRECTORY)

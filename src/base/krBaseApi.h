@@ -21,4 +21,8 @@
 #endif
 #else
 #define KR_BASE_API __attribute__((visibility("default")))
+
+// A variable of the library's, one for each thread, that any module reads by two loads. Where this
+// is missing the compiler emulates such variables, and a call is faster.
+#define KR_BASE_THREAD_LOCAL __thread __attribute__((tls_model("initial-exec")))
 #endif

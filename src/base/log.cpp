@@ -4,20 +4,9 @@
 #include <base/internal/log/lgLogState.h>
 #include <base/internal/log/lgLosses.h>
 #include <base/internal/log/lgProducer.h>
-#include <base/internal/log/lgThreadSlot.h>
 
 namespace Kr
 {
-
-/// The way of nearly every statement: into the queue that its thread has already.
-LgStatement::Place LgStatement::open(const LgMinorGroup& group, LgTypes::Level level) noexcept
-{
-    LgQueue* const queue = LgThreadSlot::get();
-    if (queue != nullptr && level > LgTypes::FatalError && group.getLimit() == nullptr &&
-        queue->reserveOrdinary(level, group.getNumber()))
-        return {queue, true};
-    return openUnusual(group, level);
-}
 
 LgStatement::Place LgStatement::openUnusual(const LgMinorGroup& group,
                                             LgTypes::Level level) noexcept

@@ -15,9 +15,10 @@
 /// one test, and the values are not computed. The statement is one statement: an `else` behind it
 /// belongs to the `if` before it.
 ///
-/// A statement costs what its thread's queue costs, and a call: the message stands in the queue,
+/// A statement costs little more than its thread's queue does: the message stands in the queue,
 /// with the number of its group, and a reader takes it to the file.
 
+#include <base/internal/log/lgThreadSlot.h>
 #include <base/krBaseApi.h>
 #include <base/lgGroups.h>
 #include <base/lgLog.h>
@@ -75,7 +76,15 @@ private:
         bool isOrdinary = false; ///< nothing is left to do behind the message
     };
 
-    static Place open(const LgMinorGroup& group, LgTypes::Level level) noexcept;
+    /// The way of nearly every statement: into the queue that its thread has already.
+    static Place open(const LgMinorGroup& group, LgTypes::Level level) noexcept
+    {
+        LgQueue* const queue = LgThreadSlot::get();
+        if (queue != nullptr && level > LgTypes::FatalError && group.getLimit() == nullptr &&
+            queue->reserveOrdinary(level, group.getNumber()))
+            return {queue, true};
+        return openUnusual(group, level);
+    }
     static Place openUnusual(const LgMinorGroup& group, LgTypes::Level level) noexcept;
     static void completeUnusual(LgQueue* queue, LgTypes::Level level) noexcept;
 

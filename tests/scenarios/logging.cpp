@@ -822,7 +822,7 @@ void timeline()
                         ? 1
                         : 0;
         cutShort += LogTest::JsonCheck::isValue(text) && contains(text, "the end") ? 1 : 0;
-        SCENARIO_CHECK(contains(text, "\"process_name\"") && contains(text, "\"cat\":\"span\"") &&
+        SCENARIO_CHECK(contains(text, "\"process_name\",\"args\":{\"name\":\"scenario_logging\"}") && contains(text, "\"cat\":\"span\"") &&
                        contains(text, "\"cat\":\"clock\",\"name\":\"20"));
     }
     SCENARIO_CHECK(complete == 1 && cutShort == 1);

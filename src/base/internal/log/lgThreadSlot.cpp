@@ -3,21 +3,6 @@
 namespace Kr
 {
 
-namespace
-{
-
-thread_local LgQueue* slot = nullptr;
-
-} // namespace
-
-LgQueue* LgThreadSlot::get() noexcept
-{
-    return slot;
-}
-
-void LgThreadSlot::set(LgQueue* queue) noexcept
-{
-    slot = queue;
-}
+KR_BASE_THREAD_LOCAL LgQueue* LgThreadSlot::_queue = nullptr;
 
 } // namespace Kr

@@ -3,6 +3,7 @@
 #include <base/hwCounter.h>
 #include <base/internal/errors/processIdentity.h>
 #include <base/internal/log/lgJson.h>
+#include <base/internal/log/lgProgram.h>
 #include <base/internal/log/lgStandardStream.h>
 #include <base/internal/log/lgTimeText.h>
 #include <base/internal/log/lgTry.h>
@@ -43,6 +44,7 @@ LgTimelineFile::LgTimelineFile(std::unique_ptr<LgFile> file, const std::string& 
     , _path(path)
     , _clock(clock)
     , _process(std::to_string(ProcessIdentity::getProcessId()))
+    , _program(LgProgram::getName())
     , _startStamp(HwCounter::timeStamp())
 {
     _waiting.reserve(2 * maxWaiting); // with the longest message behind it
@@ -211,9 +213,9 @@ void LgTimelineFile::addHeader()
 {
     _hasHeader = true;
     startEvent("M", 0);
-    _waiting += ",\"name\":\"process_name\",\"args\":{\"name\":\"process ";
-    _waiting += _process;
-    _waiting += "\"}}";
+    _waiting += ",\"name\":\"process_name\",\"args\":{\"name\":";
+    LgJson::appendString(_waiting, _program);
+    _waiting += "}}";
     if (_shownNames.find(0) == _shownNames.end())
         showThreadName(0, "main");
     startEvent("i", 0);

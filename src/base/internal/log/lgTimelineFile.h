@@ -69,6 +69,7 @@ private:
     const std::string _path;
     const LgClock& _clock;
     const std::string _process;
+    const std::string _program;
     std::map<unsigned long, std::string> _shownNames; ///< by thread
     std::string _threadName;
     std::map<std::string, double> _counters; ///< as they were written last
