@@ -99,7 +99,7 @@ bool LgStream::updateRoom() noexcept
         _room = room - mostKept;
     else
         takeWholeRoom(room);
-    _flags |= room > half ? 0U : HalfFull;
+    setFlags(room > half ? 0U : HalfFull);
     return _room != 0;
 }
 
@@ -108,8 +108,8 @@ void LgStream::takeWholeRoom(unsigned int room) noexcept
 {
     const unsigned int kept = getKept(_mask + 1, _rank);
     _room = room > kept ? room - kept : 0;
-    _flags |= static_cast<unsigned int>(HalfFull) |
-              (kept != getMostKept(_mask + 1, _rank) ? FromKept : 0U);
+    setFlags(static_cast<unsigned int>(HalfFull) |
+             (kept != getMostKept(_mask + 1, _rank) ? FromKept : 0U));
 }
 
 /// Room that only severe messages may take is granted to one of them at a time.
@@ -117,7 +117,7 @@ void LgStream::returnKept() noexcept
 {
     if ((_flags & FromKept) != 0)
         _room = 0;
-    _flags &= ~FromKept;
+    clearFlags(FromKept);
 }
 
 unsigned int LgStream::getKept(unsigned int ringSize, LgTypes::Level rank) noexcept
@@ -148,14 +148,14 @@ void LgStream::appendTight(const char* text, std::size_t length) noexcept
         return;
     }
     _overflowed.store(true, std::memory_order_relaxed);
-    _flags |= Cut;
+    setFlags(Cut);
     copyIn("#", 1);
 }
 
 void LgStream::cutAll() noexcept
 {
     _overflowed.store(true, std::memory_order_relaxed);
-    _flags |= static_cast<unsigned int>(StringCompleted) | Cut;
+    setFlags(static_cast<unsigned int>(StringCompleted) | Cut);
     if (_message == Message::Open)
         _message = Message::Closed; // no hole in a message should room come back meanwhile
 }
@@ -165,7 +165,7 @@ void LgStream::completeString()
     if (_pendingAdvance && !updateRoom())
     {
         _overflowed.store(true, std::memory_order_relaxed); // not even an empty text fits
-        _flags |= StringCompleted;
+        setFlags(StringCompleted);
     }
     else if (_message == Message::None)
     {
@@ -174,7 +174,7 @@ void LgStream::completeString()
     else if (_message == Message::Open)
     {
         // An empty message gets no entry, so it must not make a text either.
-        _flags |= StringCompleted;
+        setFlags(StringCompleted);
         if ((_flags & TextWritten) == 0)
             return;
         publish();
@@ -187,7 +187,7 @@ void LgStream::completeString()
 bool LgStream::takeHalfFull() noexcept
 {
     const bool isHalfFull = (_flags & HalfFull) != 0;
-    _flags &= ~HalfFull;
+    clearFlags(HalfFull);
     return isHalfFull;
 }
 

@@ -183,7 +183,7 @@ public:
     /// The longest text that fits with its terminator whatever the state of an emptied ring.
     static constexpr unsigned int getMaxSize() noexcept { return defaultRingSize - 2; }
 
-    void resetOutputFlags() noexcept { _flags &= ~(TextWritten | StringCompleted); }
+    void resetOutputFlags() noexcept { clearFlags(TextWritten | StringCompleted); }
     unsigned int getOutputFlags() const noexcept
     {
         return _flags & (TextWritten | StringCompleted);
@@ -250,6 +250,14 @@ private:
             appendTight(text, length);
         return *this;
     }
+    void setFlags(unsigned int flags) noexcept
+    {
+        _flags = static_cast<std::uint8_t>(_flags | flags);
+    }
+    void clearFlags(unsigned int flags) noexcept
+    {
+        _flags = static_cast<std::uint8_t>(_flags & ~flags);
+    }
     inline void copyIn(const char* text, unsigned int length) noexcept;
     void appendTight(const char* text, std::size_t length) noexcept;
     void cutAll() noexcept;
@@ -304,8 +312,8 @@ private:
     // ... and the producer these.
     alignas(cacheLineSize) std::atomic<unsigned int> _committedPosition{0};
     unsigned int _writePosition = 0;
-    unsigned int _room; // what may be stored without another look at the read position
-    unsigned int _flags = 0;
+    unsigned int _room;      // what may be stored without another look at the read position
+    std::uint8_t _flags = 0; // read as wide as it is written, or the processor waits
     bool _pendingAdvance = false;
     Message _message = Message::None;
     LgTypes::Level _rank = LgTypes::InternalError;
@@ -335,14 +343,14 @@ inline void LgStream::copyIn(const char* text, unsigned int length) noexcept
     }
     _writePosition = (_writePosition + length) & _mask;
     _room -= length;
-    _flags |= TextWritten;
+    setFlags(TextWritten);
 }
 
 inline void LgStream::publish() noexcept
 {
     _buffer[_writePosition] = '\0';
     _committedPosition.store(_writePosition, std::memory_order_release);
-    _flags |= static_cast<unsigned int>(StringCompleted) | Published;
+    setFlags(static_cast<unsigned int>(StringCompleted) | Published);
     if (_room != 0)
         stepOverTerminator();
     else
@@ -358,7 +366,7 @@ inline void LgStream::stepOverTerminator() noexcept
 /// That the ring is half full is told with the message.
 inline void LgStream::beginMessage() noexcept
 {
-    _flags &= static_cast<unsigned int>(HalfFull) | FromKept;
+    clearFlags(~(static_cast<unsigned int>(HalfFull) | FromKept));
     _message = Message::Open;
 }
 
@@ -382,7 +390,7 @@ inline LgStream& LgStream::appendNumber(Value value)
         const auto length = static_cast<unsigned int>(LgFormat::write(to, value) - to);
         _writePosition += length;
         _room -= length;
-        _flags |= TextWritten;
+        setFlags(TextWritten);
         return *this;
     }
     char text[numberRoom];
