@@ -32,7 +32,7 @@ target_compile_options(kr_warnings INTERFACE
     $<$<BOOL:${KR_WARNINGS_AS_ERRORS}>:-Werror>)
 if(KR_SANITIZE)
     target_compile_options(kr_build_flags INTERFACE
-        -fsanitize=${KR_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+        -fsanitize=${KR_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(kr_build_flags INTERFACE -fsanitize=${KR_SANITIZE})
 endif()
 
