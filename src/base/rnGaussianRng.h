@@ -55,7 +55,7 @@ public:
 
 private:
     T getNormal();
-    void getNormals(unsigned int n, T* array);
+    void makePairs(unsigned int n, T* array);
 
     T _mean;
     T _sigma;
