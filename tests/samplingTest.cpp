@@ -272,16 +272,19 @@ TEST(Directions, RefuseNullAndAnglesThatAreNone)
 // --- histograms
 // -----------------------------------------------------------------------------------
 
+template <class T>
+struct Constant : RnStdEngineRngBase<T>
+{
+    T value = 0;
+    T operator()() override { return value; }
+    void getSequence(unsigned int n, T* array) override { std::fill_n(array, n, value); }
+    void restart() override {}
+};
+
 TYPED_TEST(SamplingOf, HistogramsNeverGiveAnEmptyBin)
 {
     using T = TypeParam;
-    struct Constant : RnStdEngineRngBase<T>
-    {
-        T value = 0;
-        T operator()() override { return value; }
-        void getSequence(unsigned int n, T* array) override { std::fill_n(array, n, value); }
-        void restart() override {}
-    } source;
+    Constant<T> source;
     const T weightLists[][4] = {
         {0, 0, 0, 1}, {1, 0, 0, 0}, {0, T(0.1), T(0.7), 0}, {T(1e-15), 0, T(1e15), 0}};
     for (const auto& weights : weightLists)
@@ -311,6 +314,27 @@ TYPED_TEST(SamplingOf, HistogramsNeverGiveAnEmptyBin)
                     << u;
             }
         }
+    }
+}
+
+TYPED_TEST(SamplingOf, DirectionsAndBitsTakeAnySourceAtItsEndsAndBeyond)
+{
+    using T = TypeParam;
+    Constant<T> source;
+    RnSeparableBiRng<T> square(&source);
+    RnConeMultiRng<T> cone(&square, T(0.7));
+    RnCosineHemisphereMultiRng<T> bounce(&square);
+    RnBitGenerator<T> bits(&source);
+    for (const double u : {-1., 0., 1., 2., std::nan("")})
+    {
+        source.value = static_cast<T>(u);
+        T direction[3];
+        cone.getSample(direction);
+        EXPECT_GT(cone.getPdf(direction), 0) << u;
+        EXPECT_NEAR(direction[2], u >= 1 ? std::cos(T(0.7)) : 1, 1e-7) << u;
+        bounce.getSample(direction);
+        EXPECT_EQ(direction[2], u >= 1 ? 0 : 1) << u;
+        EXPECT_EQ(bits(), u >= 1 ? 0xFFFFFFFFU : 0U) << u;
     }
 }
 
