@@ -54,7 +54,7 @@ public:
     char const* getName() const override;
 
 private:
-    T getNormal();
+    T makePair();
     void makePairs(unsigned int n, T* array);
 
     T _mean;

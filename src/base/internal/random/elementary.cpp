@@ -160,10 +160,10 @@ constexpr unsigned int intervalCount = 1 << intervalBits;
 
 constexpr NearOne<double> makeNearOne(unsigned int interval)
 {
-    constexpr unsigned int countBelow1 = 80;
-    const double middle = interval < countBelow1 ? 0.6875 + (interval + 0.5) / 256
-                                                 : 1 + (interval - countBelow1 + 0.5) / 128;
-    const double n = static_cast<int>(128 / middle + 0.5);
+    // Below 1 intervals are half as wide. Their middles are in units of 1/512.
+    const unsigned int middle = interval < 80 ? 353 + 2 * interval : 194 + 4 * interval;
+    const unsigned int nearest = (2 * 128 * 512 / middle + 1) / 2;
+    const double n = nearest;
     const auto shorten = [](double x)
     {
         constexpr double unit = 1. / (std::int64_t(1) << 42);
