@@ -225,11 +225,11 @@ template <class Value>
 
     const Value r2 = r * r;
     const Value series = r2 * (((r * (1. / 3) - 1. / 2) + r2 * (r * (1. / 5) - 1. / 4)) +
-                               r2 * r2 * ((r * (1. / 7) - 1. / 6) + r2 * (r * (1. / 9) - 1. / 8)));
+                               r2 * r2 * ((r * (1. / 7) - 1. / 6) - r2 * (1. / 8)));
     const Value high = (exponent * ln2High + nearOne.logHigh) + rHigh;
     const Value sum = high + rLow;
     const Value rest = (high - sum) + rLow; // the greater of the two comes first, or is 0
-    return sum + (rest + ((exponent * ln2Low + nearOne.logLow) + series));
+    return sum + ((rest + (exponent * ln2Low + nearOne.logLow)) + series);
 }
 
 } // namespace
