@@ -13,6 +13,7 @@
 #include <base/rnNumRecUniformRng.h>
 #include <base/rnSeparableBiRng.h>
 #include <base/rnSeparableMultiRng.h>
+#include <base/rnStdEngineRng.h>
 #include <base/rnStdUniformRng.h>
 
 #include <gtest/gtest.h>
@@ -366,7 +367,8 @@ TYPED_TEST(RandomOf, NiederreiterComesFromItsPolynomials)
     using T = TypeParam;
     const std::vector<std::uint32_t> directions[] = {getDirections(2), getDirections(3),
                                                      getDirections(7), getDirections(11)};
-    for (const std::uint32_t start : {0U, 1U, 31U, 1000000U, 2147479000U, 4294963100U})
+    // The fifth start leads past the last of the 2^31 points, whose first coordinate rounds to 1.
+    for (const std::uint32_t start : {0U, 1U, 31U, 1000000U, 2147479400U, 4294963100U})
     {
         RnNiederreiterMultiRng<T> single, sequence;
         single.restart(start);
@@ -406,15 +408,6 @@ TEST(Niederreiter, SequenceGoesThroughADerivedSample)
     double* array[] = {values, values + 1, values + 2, values + 3};
     mirrored.getSequence(1, array);
     EXPECT_EQ(values[0], 1 - 1. / 8192);
-}
-
-TEST(Niederreiter, FloatStaysBelowOne)
-{
-    RnNiederreiterMultiRng<float> rng;
-    rng.restart(0x7FFFFFFFU - 4096); // all 31 bits: the first coordinate is 1 - 2^-31
-    float point[4];
-    rng.getSample(point);
-    EXPECT_EQ(point[0], std::nextafter(1.F, 0.F));
 }
 
 // --- shapes and combinations
@@ -495,7 +488,7 @@ TYPED_TEST(RandomOf, BlocksAreTheSinglesAndLeaveTheSourceAlike)
     using T = TypeParam;
     RnLecuyerUniformRng<T> source, blockSource;
     RnGaussianRng<T> gauss(&source, 1, 2), blockGauss(&blockSource, 1, 2);
-    RnMexicanHatRng<T> hat(&gauss), blockHat(&blockGauss);
+    RnMexicanHatRng<T> hat(&source, 1, 3), blockHat(&blockSource, 1, 3);
     RnSeparableBiRng<T> pairs(&gauss), blockPairs(&blockGauss);
     RnAsymmetricalSeparableBiRng<T> mixed(&gauss, &gauss), blockMixed(&blockGauss, &blockGauss);
     RnSeparableMultiRng<T, 3> triples(&gauss), blockTriples(&blockGauss);
@@ -506,6 +499,9 @@ TYPED_TEST(RandomOf, BlocksAreTheSinglesAndLeaveTheSourceAlike)
         blockGauss.getSequence(count, x.data());
         for (unsigned int i = 0; i < count; ++i)
             ASSERT_EQ(x[i], gauss());
+        blockHat.getSequence(count, x.data());
+        for (unsigned int i = 0; i < count; ++i)
+            ASSERT_EQ(x[i], hat());
         ASSERT_EQ(source(), blockSource()) << count;
         blockPairs.getSequence(count, x.data(), y.data());
         for (unsigned int i = 0; i < count; ++i)
@@ -584,6 +580,7 @@ TYPED_TEST(RandomOf, MisuseFailsItsCheck)
     using T = TypeParam;
     const T inf = std::numeric_limits<T>::infinity(), nan = std::numeric_limits<T>::quiet_NaN();
     RnLecuyerUniformRng<T> uniform;
+    RnStdEngineRng<T, std::minstd_rand> engine;
     RnVanDerCorputRng<T> inverse;
     RnHaltonMultiRng<T, 2> halton;
     RnHammersleyMultiRng<T, 2> hammersley(4);
@@ -603,13 +600,21 @@ TYPED_TEST(RandomOf, MisuseFailsItsCheck)
         {"_sigma > 0", "rnGaussianRng.imp", [&] { RnGaussianRng<T>(&uniform, 0, nan); }},
         {"FloatUtil::isfinite(_sigma)", "rnGaussianRng.imp",
          [&] { RnGaussianRng<T>(&uniform, 0, inf); }},
+        {"FloatUtil::isfinite(_mean)", "rnGaussianRng.imp",
+         [&] { RnGaussianRng<T>(&uniform, nan, 1); }},
         {"rng != 0", "rnMexicanHatRng.imp", [&] { RnMexicanHatRng<T>(nullptr, 0, 0); }},
         {"_halfwidth > 0", "rnMexicanHatRng.imp", [&] { RnMexicanHatRng<T>(&uniform, 0, 0); }},
         {"_halfwidth > 0", "rnMexicanHatRng.imp",
          [&] { RnMexicanHatRng<T>(&uniform, 0, std::numeric_limits<T>::denorm_min()); }},
         {"_halfwidth > 0", "rnMexicanHatRng.imp", [&] { RnMexicanHatRng<T>(&uniform, 0, nan); }},
+        {"_halfwidth > 0", "rnMexicanHatRng.imp", [&] { RnMexicanHatRng<T>(&uniform, 0, -1); }},
         {"FloatUtil::isfinite(_halfwidth)", "rnMexicanHatRng.imp",
          [&] { RnMexicanHatRng<T>(&uniform, 0, inf); }},
+        {"FloatUtil::isfinite(_centre)", "rnMexicanHatRng.imp",
+         [&] { RnMexicanHatRng<T>(&uniform, inf, 1); }},
+        {"array != nullptr || n == 0", "rnLecuyerUniformRng",
+         [&] { uniform.getSequence(1, nullptr); }},
+        {"array != nullptr || n == 0", "rnStdEngineRng", [&] { engine.getSequence(1, nullptr); }},
         {"_uniRng", "rnSeparableBiRng.imp", [&] { RnSeparableBiRng<T>(nullptr); }},
         {"_uniRng", "rnAsymmetricalSeparableBiRng.imp",
          [&] { RnAsymmetricalSeparableBiRng<T>(&uniform, nullptr); }},

@@ -9,19 +9,14 @@
 class Canvas
 {
 public:
-    enum Anchor
-    {
-        Left,
-        Centre
-    };
-
     virtual ~Canvas() = default;
     virtual void fillBox(double x, double y, double width, double height, std::uint32_t colour) = 0;
     virtual void fillDot(double x, double y, double radius, std::uint32_t colour) = 0;
     virtual void drawLine(double x0, double y0, double x1, double y1, double width,
                           std::uint32_t colour) = 0;
-    /// Capitals of the given height, standing on y.
-    virtual void drawText(double x, double y, double height, const std::string& text, Anchor anchor,
+    /// Letters of the given height, from x on, standing on y. In a PNG small letters are small
+    /// capitals.
+    virtual void drawText(double x, double y, double height, const std::string& text,
                           std::uint32_t colour) = 0;
     /// Writes the file; throws std::runtime_error if that fails.
     virtual void save() = 0;
@@ -31,3 +26,6 @@ public:
 std::unique_ptr<Canvas> makeCanvas(const std::string& file, int width, int height);
 std::unique_ptr<Canvas> makeSvgCanvas(const std::string& file, int width, int height);
 std::unique_ptr<Canvas> makePngCanvas(const std::string& file, int width, int height);
+
+/// All at once; throws std::runtime_error if that fails.
+void writeFile(const std::string& file, const std::string& bytes);

@@ -12,6 +12,7 @@
 #include <base/rnNumRecUniformRng.h>
 #include <base/rnScrambledRng.h>
 #include <base/rnSeparableBiRng.h>
+#include <base/rnSeparableMultiRng.h>
 #include <base/rnStdUniformRng.h>
 
 #include <cmath>
@@ -106,6 +107,12 @@ void addSquares(std::vector<Exhibit>& gallery)
                                      RnHaltonBiRng<double> rng;
                                      return drawPairs(rng, n);
                                  }));
+    gallery.push_back(makeSquare("Halton", "bases 5, 7",
+                                 [](unsigned int n)
+                                 {
+                                     RnHaltonBiRng<double> rng(5, 7);
+                                     return drawPairs(rng, n);
+                                 }));
     gallery.push_back(makeSquare("Hammersley", "grid, base 2",
                                  [](unsigned int n)
                                  {
@@ -118,12 +125,6 @@ void addSquares(std::vector<Exhibit>& gallery)
     gallery.push_back(makeFourDimensional<Plain>("Niederreiter", "3, 4 of 4", 2));
     gallery.push_back(makeFourDimensional<Scrambled>("Owen", "Niederreiter 1, 2", 0, 1U));
     gallery.push_back(makeFourDimensional<Scrambled>("Owen", "Niederreiter 3, 4", 2, 1U));
-    gallery.push_back(makeSquare("Halton", "bases 5, 7",
-                                 [](unsigned int n)
-                                 {
-                                     RnHaltonBiRng<double> rng(5, 7);
-                                     return drawPairs(rng, n);
-                                 }));
 }
 
 Kr::RnBiHistogram<double> makeRings()
@@ -180,6 +181,23 @@ void addShapes(std::vector<Exhibit>& gallery)
                        drawHats,
                        nullptr,
                        [](const Point& p) { return 576 * p[0] * p[0] * p[1] * p[1]; }});
+    const auto drawTriples = [](unsigned int n)
+    {
+        RnLecuyerUniformRng<double> uniform;
+        RnMexicanHatRng<double> hat(&uniform);
+        RnSeparableMultiRng<double, 3> triples(&hat);
+        return drawVectors<3>(triples, n, 0);
+    };
+    gallery.push_back({"Triples",
+                       "hats, Lecuyer",
+                       Exhibit::Plane,
+                       false,
+                       {-0.5, -0.5},
+                       {0.5, 0.5},
+                       drawTriples,
+                       nullptr,
+                       [](const Point& p)
+                       { return 13824 * p[0] * p[0] * p[1] * p[1] * p[2] * p[2]; }});
     const auto drawAlias = [](unsigned int n)
     {
         RnLecuyerUniformRng<double> uniform;

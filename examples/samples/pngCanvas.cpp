@@ -1,6 +1,9 @@
 #include "canvas.h"
 
-#include <png.h>
+#define STB_IMAGE_WRITE_IMPLEMENTATION
+#define STB_IMAGE_WRITE_STATIC
+#define STBI_WRITE_NO_STDIO
+#include <stb_image_write.h>
 
 #include <algorithm>
 #include <cctype>
@@ -99,43 +102,41 @@ public:
             const double px = i + 0.5 - x0, py = j + 0.5 - y0;
             const double along =
                 length2 > 0 ? std::clamp((px * dx + py * dy) / length2, 0., 1.) : 0;
-            return std::clamp(radius + 0.5 - std::hypot(px - along * dx, py - along * dy), 0., 1.);
+            return std::clamp(radius + 0.5 - getLength(px - along * dx, py - along * dy), 0., 1.);
         };
         visit(std::min(x0, x1) - radius - 1, std::min(y0, y1) - radius - 1,
               std::max(x0, x1) + radius + 1, std::max(y0, y1) + radius + 1, colour, getCoverage);
     }
 
-    void drawText(double x, double y, double height, const std::string& text, Anchor anchor,
+    void drawText(double x, double y, double height, const std::string& text,
                   std::uint32_t colour) override
     {
-        const double unit = height / 6;
-        if (anchor == Centre)
-        {
-            double width = -letterGap * unit;
-            for (const char c : text)
-                width += getLetter(c).width * unit;
-            x -= width / 2;
-        }
         for (const char c : text)
         {
             const Letter letter = getLetter(c);
-            drawLetter(x - letter.left * unit, y - height, unit, letter.strokes, colour);
+            const double unit = getUnit(c, height);
+            drawLetter(x - letter.left * unit, y - 6 * unit, unit, letter.strokes, colour);
             x += letter.width * unit;
         }
     }
 
     void save() override
     {
-        png_image image{};
-        image.version = PNG_IMAGE_VERSION;
-        image.width = static_cast<png_uint_32>(_width);
-        image.height = static_cast<png_uint_32>(_height);
-        image.format = PNG_FORMAT_RGB;
-        if (png_image_write_to_file(&image, _file.c_str(), 0, _pixels.data(), 0, nullptr) == 0)
-            throw std::runtime_error("cannot write " + _file + ": " + image.message);
+        const auto append = [](void* bytes, void* data, int size)
+        {
+            static_cast<std::string*>(bytes)->append(static_cast<const char*>(data),
+                                                     static_cast<std::size_t>(size));
+        };
+        std::string bytes;
+        if (stbi_write_png_to_func(append, &bytes, _width, _height, 3, _pixels.data(), 0) == 0)
+            throw std::runtime_error("cannot encode " + _file);
+        writeFile(_file, bytes);
     }
 
 private:
+    /// In nothing but correctly rounded operations, for the same pixels everywhere.
+    static double getLength(double x, double y) { return std::sqrt(x * x + y * y); }
+
     /// Blends the colour into all pixels of a rectangle, by the coverage of each.
     template <class Coverage>
     void visit(double left, double top, double right, double bottom, std::uint32_t colour,
@@ -170,6 +171,12 @@ private:
         double width; ///< with the gap to the next one
     };
 
+    /// What a step of the letters' grid is; small letters are small capitals.
+    static double getUnit(char c, double height)
+    {
+        return height / 6 * (std::islower(static_cast<unsigned char>(c)) != 0 ? 0.8 : 1);
+    }
+
     static Letter getLetter(char c)
     {
         const auto found =
@@ -198,7 +205,7 @@ private:
             }
             const double nextX = x + (point[0] - '0') * unit, nextY = y + (point[1] - '0') * unit;
             if (isDown)
-                drawLine(lastX, lastY, nextX, nextY, std::max(1.1, unit * 0.85), colour);
+                drawLine(lastX, lastY, nextX, nextY, std::max(1.2, unit * 0.85), colour);
             lastX = nextX;
             lastY = nextY;
             isDown = true;

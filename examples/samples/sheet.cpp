@@ -11,24 +11,28 @@ namespace
 
 constexpr std::uint32_t paper = 0xF7F5F0, cell = 0xFFFFFF, ink = 0x1F2A37, faint = 0xE3E0D8,
                         grey = 0x7C8591;
-/// By kind: lines, planes, globes; and what is behind a globe.
+/// By kind: values, points, directions; and what is behind a globe.
 constexpr std::uint32_t colours[] = {0x2A6F97, 0x1F2A37, 0xA4432C};
 constexpr std::uint32_t behind = 0xE2B9AC, curve = 0xD1902C;
 
-constexpr int columns = 6;
-constexpr double margin = 70, cellSize = 280, gap = 36, caption = 62, heading = 130;
+constexpr int columns = 5;
+constexpr double margin = 80, cellSize = 300, gap = 40, caption = 72, heading = 160;
 constexpr unsigned int pointCount = 512, valueCount = 8192, barCount = 48;
+/// As parts of a cell's size: what stays free inside of its frame, and the radius of a dot.
+constexpr double inset = 0.04, dot = 0.0078;
 
 void drawPoints(Canvas& canvas, const Exhibit& exhibit, unsigned int count, double x, double y,
                 double size)
 {
-    const double radius = size * 0.0078;
+    const double left = x + inset * size, bottom = y + (1 - inset) * size;
+    const double inner = (1 - 2 * inset) * size;
     for (const Exhibit::Point& p : exhibit.draw(count))
     {
         const double u = (p[0] - exhibit.min[0]) / (exhibit.max[0] - exhibit.min[0]);
         const double v = (p[1] - exhibit.min[1]) / (exhibit.max[1] - exhibit.min[1]);
         if (0 <= u && u <= 1 && 0 <= v && v <= 1)
-            canvas.fillDot(x + u * size, y + (1 - v) * size, radius, colours[Exhibit::Plane]);
+            canvas.fillDot(left + u * inner, bottom - v * inner, dot * size,
+                           colours[Exhibit::Plane]);
     }
 }
 
@@ -36,14 +40,14 @@ void drawPoints(Canvas& canvas, const Exhibit& exhibit, unsigned int count, doub
 void drawGlobe(Canvas& canvas, const Exhibit& exhibit, unsigned int count, double x, double y,
                double size)
 {
-    const double radius = size * 0.47, middleX = x + size / 2, middleY = y + size / 2;
+    const double radius = size * (0.5 - inset), middleX = x + size / 2, middleY = y + size / 2;
     canvas.fillDot(middleX, middleY, radius + 1.5, faint);
     canvas.fillDot(middleX, middleY, radius, cell);
     const std::vector<Exhibit::Point> points = exhibit.draw(count);
     for (const bool isFront : {false, true})
         for (const Exhibit::Point& p : points)
             if ((p[2] >= 0) == isFront)
-                canvas.fillDot(middleX + p[0] * radius, middleY - p[1] * radius, size * 0.0078,
+                canvas.fillDot(middleX + p[0] * radius, middleY - p[1] * radius, dot * size,
                                isFront ? colours[Exhibit::Globe] : behind);
 }
 
@@ -60,20 +64,21 @@ void drawBars(Canvas& canvas, const Exhibit& exhibit, unsigned int count, double
     }
     double top = *std::max_element(bars.begin(), bars.end());
     top = std::max(top, exhibit.getPdf(exhibit.min[0] + range / 2)) * 1.18;
-    const double base = y + size * 0.94, height = size * 0.88, width = size / barCount;
+    const double left = x + inset * size, base = y + (1 - inset) * size;
+    const double inner = (1 - 2 * inset) * size, width = inner / barCount;
     for (unsigned int i = 0; i < barCount; ++i)
-        canvas.fillBox(x + i * width + 0.6, base - bars[i] / top * height, width - 1.2,
-                       bars[i] / top * height, colours[Exhibit::Line]);
-    canvas.drawLine(x, base, x + size, base, 1.2, grey);
+        canvas.fillBox(left + i * width + 0.6, base - bars[i] / top * inner, width - 1.2,
+                       bars[i] / top * inner, colours[Exhibit::Line]);
+    canvas.drawLine(left, base, left + inner, base, 1.2, grey);
     constexpr int steps = 240;
     for (int i = 0; i < steps; ++i)
     {
         const auto getHeight = [&](int step)
         {
             return base - exhibit.getPdf(exhibit.min[0] + range * (step + 0.5) / (steps + 1)) /
-                              top * height;
+                              top * inner;
         };
-        canvas.drawLine(x + size * i / steps, getHeight(i), x + size * (i + 1) / steps,
+        canvas.drawLine(left + inner * i / steps, getHeight(i), left + inner * (i + 1) / steps,
                         getHeight(i + 1), 2, curve);
     }
 }
@@ -118,19 +123,19 @@ void drawSheet(Canvas& canvas, const std::vector<Exhibit>& gallery)
 {
     const SheetSize sheet = getSheetSize(gallery.size());
     canvas.fillBox(0, 0, sheet.width, sheet.height, paper);
-    canvas.drawText(margin, 72, 26, "libKRbase: all generators", Canvas::Left, ink);
+    canvas.drawText(margin, 88, 32, "libKRbase: All Generators", ink);
     canvas.drawText(
-        margin, 104, 11.5,
-        "Black: pairs.  Red: directions, seen along the axis.  Blue: values, under their density.  "
-        "D: L2 star discrepancy.",
-        Canvas::Left, grey);
+        margin, 126, 13,
+        "Black: pairs.  Red: directions, seen along the axis.  Blue: values, under their "
+        "density.  n: samples.  D: L2 star discrepancy.",
+        grey);
     for (std::size_t i = 0; i < gallery.size(); ++i)
     {
         const double x = margin + static_cast<double>(i % columns) * (cellSize + gap);
         const double y = heading + static_cast<double>(i / columns) * (cellSize + caption + gap);
         drawExhibit(canvas, gallery[i], 0, x, y, cellSize);
-        canvas.drawText(x, y + cellSize + 25, 13.5, gallery[i].name, Canvas::Left, ink);
-        canvas.drawText(x, y + cellSize + 44, 9.5, gallery[i].detail, Canvas::Left, grey);
-        canvas.drawText(x, y + cellSize + 60, 9.5, getMeasure(gallery[i]), Canvas::Left, grey);
+        canvas.drawText(x, y + cellSize + 28, 16, gallery[i].name, ink);
+        canvas.drawText(x, y + cellSize + 50, 12, gallery[i].detail, grey);
+        canvas.drawText(x, y + cellSize + 70, 12, getMeasure(gallery[i]), grey);
     }
 }

@@ -3,12 +3,12 @@
 #include "canvas.h"
 #include "gallery.h"
 
-/// Draws one generator into a square: points, points of a globe, or bars under their density.
+/// Draws so many samples of one generator into a square: points, points of a globe, or bars under
+/// their density. A count of 0 is the contact sheet's.
 void drawExhibit(Canvas& canvas, const Exhibit& exhibit, unsigned int count, double x, double y,
                  double size);
 
-/// The contact sheet of all generators, each with the same number of samples and a caption; 0 takes
-/// what suits the pictures. Its width and height are those of `getSheetSize`.
+/// The contact sheet of all generators, each with its caption. Its size is that of `getSheetSize`.
 void drawSheet(Canvas& canvas, const std::vector<Exhibit>& gallery);
 
 struct SheetSize

@@ -36,21 +36,14 @@ public:
         _text << "<line x1=\"" << x0 << "\" y1=\"" << y0 << "\" x2=\"" << x1 << "\" y2=\"" << y1
               << "\" stroke=\"" << getColour(colour) << "\" stroke-width=\"" << width << "\"/>\n";
     }
-    void drawText(double x, double y, double height, const std::string& text, Anchor anchor,
+    void drawText(double x, double y, double height, const std::string& text,
                   std::uint32_t colour) override
     {
         _text << "<text x=\"" << x << "\" y=\"" << y << "\" font-size=\"" << height * 1.38
-              << "\" fill=\"" << getColour(colour)
-              << (anchor == Centre ? "\" text-anchor=\"middle" : "") << "\" letter-spacing=\""
-              << height * 0.06 << "\">" << text << "</text>\n";
+              << "\" fill=\"" << getColour(colour) << "\" letter-spacing=\"" << height * 0.06
+              << "\">" << text << "</text>\n";
     }
-    void save() override
-    {
-        std::ofstream os(_file);
-        os << _text.str() << "</svg>\n";
-        if (!os.flush())
-            throw std::runtime_error("cannot write " + _file);
-    }
+    void save() override { writeFile(_file, _text.str() + "</svg>\n"); }
 
 private:
     static std::string getColour(std::uint32_t colour)
@@ -65,6 +58,14 @@ private:
 };
 
 } // namespace
+
+void writeFile(const std::string& file, const std::string& bytes)
+{
+    std::ofstream os(file, std::ios::binary);
+    os << bytes;
+    if (!os.flush())
+        throw std::runtime_error("cannot write " + file);
+}
 
 std::unique_ptr<Canvas> makeSvgCanvas(const std::string& file, int width, int height)
 {

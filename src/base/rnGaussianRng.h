@@ -54,8 +54,8 @@ public:
     char const* getName() const override;
 
 private:
-    T getNormal();
-    void getNormals(unsigned int n, T* array);
+    T makePair();
+    void makePairs(unsigned int n, T* array);
 
     T _mean;
     T _sigma;

@@ -17,6 +17,7 @@
 /// its values are joined, and those at the end of a range that is no power of two are thrown away.
 /// The samples are the same on every system.
 
+#include <base/assert.h>
 #include <base/rnUnitRng.h>
 
 #include <cstdint>
@@ -113,6 +114,7 @@ T RnStdEngineRng<T, Engine>::operator()()
 template <class T, class Engine>
 void RnStdEngineRng<T, Engine>::getSequence(unsigned int n, T* array)
 {
+    KR_ASSERT(array != nullptr || n == 0);
     for (unsigned int i = 0; i < n; ++i)
         array[i] = (*this)();
 }

@@ -1,5 +1,6 @@
 #include <base/internal/random/elementary.h>
 
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -19,7 +20,7 @@ namespace
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
-// What follows is written for one double and for two at once: the same operations in the same
+// The logarithm is written for one double and for two at once: the same operations in the same
 // order, and so the same bits.
 
 using Doubles [[gnu::vector_size(16)]] = double;
@@ -52,6 +53,18 @@ double getDouble(std::uint64_t bits)
 Doubles getDouble(Words bits)
 {
     return getSameBits<Doubles>(bits);
+}
+
+Doubles load(const double* two)
+{
+    Doubles result;
+    std::memcpy(&result, two, sizeof result);
+    return result;
+}
+
+void store(Doubles two, double* to)
+{
+    std::memcpy(to, &two, sizeof two);
 }
 
 #if defined(__SSE2__)
@@ -92,115 +105,172 @@ double getPower2(int n)
 }
 
 /// A value and what rounding left of it.
-template <class Value>
 struct Pair
 {
-    Value high;
-    Value low;
+    double high;
+    double low;
 };
 
 /// Dekker's exact product, without a fused operation: T. J. Dekker, A Floating-Point Technique for
 /// Extending the Available Precision, Numerische Mathematik 18, 1971.
-template <class Value>
-Pair<Value> multiply(Value a, Value b)
+Pair multiply(double a, double b)
 {
-    const auto split = [](Value x) -> Pair<Value>
+    const auto split = [](double x) -> Pair
     {
-        const Value big = 134217729. * x; // 2^27 + 1
-        const Value high = big - (big - x);
+        const double big = 134217729. * x; // 2^27 + 1
+        const double high = big - (big - x);
         return {high, x - high};
     };
-    const Pair<Value> x = split(a);
-    const Pair<Value> y = split(b);
-    const Value product = a * b;
+    const Pair x = split(a);
+    const Pair y = split(b);
+    const double product = a * b;
     return {product,
             ((x.high * y.high - product) + x.high * y.low + x.low * y.high) + x.low * y.low};
+}
+
+/// c0 + c1 x + c2 x^2 + ..., from the highest power on.
+constexpr double evaluate(double, double c0)
+{
+    return c0;
+}
+
+template <class... More>
+constexpr double evaluate(double x, double c0, More... more)
+{
+    return evaluate(x, more...) * x + c0;
 }
 
 constexpr double ln2High = 6.93147180369123816490e-01; // with 33 bits: exact times an exponent
 constexpr double ln2Low = 1.90821492927058770002e-10;
 
-/// c0 + c1 x + c2 x^2 + ..., from the highest power on.
+/// A short factor that brings an interval near 1, and its logarithm's negative.
 template <class Value>
-inline Value evaluate(Value, double c0)
+struct NearOne
 {
-    return c0 + Value{};
+    Value factor;  ///< in units of 1/128
+    Value logHigh; ///< in units of 2^-42
+    Value logLow;
+};
+
+// A number is 2 to an exponent times a mantissa from 0.6875 to 1.375, so that near 1 the exponent
+// is 0. The mantissas' leading digits divide them into intervals.
+constexpr std::uint64_t leastMantissa = 0x3FE6000000000000U; // 0.6875
+constexpr unsigned int intervalBits = 7;
+constexpr unsigned int intervalCount = 1 << intervalBits;
+
+constexpr NearOne<double> makeNearOne(unsigned int interval)
+{
+    // Below 1 intervals are half as wide. Their middles are in units of 1/512.
+    const unsigned int middle = interval < 80 ? 353 + 2 * interval : 194 + 4 * interval;
+    const unsigned int nearest = (2 * 128 * 512 / middle + 1) / 2;
+    const double n = nearest;
+    const auto shorten = [](double x)
+    {
+        constexpr double unit = 1. / (std::int64_t(1) << 42);
+        return static_cast<double>(static_cast<std::int64_t>(x / unit)) * unit;
+    };
+    // log(128 / n) is 2 artanh(t).
+    const double t = (128 - n) / (128 + n);
+    const double twice = shorten(2 * t);
+    const double twiceLow = (2 * (128 - n) - twice * (128 + n)) / (128 + n);
+    const double series = t * t * t *
+                          evaluate(t * t, 2. / 3, 2. / 5, 2. / 7, 2. / 9, 2. / 11, 2. / 13, 2. / 15,
+                                   2. / 17, 2. / 19, 2. / 21, 2. / 23);
+    const double high = shorten(twice + series);
+    return {n / 128, high, (twice - high) + series + twiceLow};
 }
 
-template <class Value, class... More>
-inline Value evaluate(Value x, double c0, More... more)
+constexpr std::array<NearOne<double>, intervalCount> makeNearOnes()
 {
-    return evaluate(x, more...) * x + c0;
+    std::array<NearOne<double>, intervalCount> result{};
+    for (unsigned int i = 0; i < intervalCount; ++i)
+        result[i] = makeNearOne(i);
+    return result;
 }
 
-/// log((1 + f) / 1) as 2 artanh(f / (2 + f)), f from sqrt(1/2) - 1 to sqrt(2) - 1.
-template <class Value>
-Pair<Value> log1p(Value f)
+constexpr std::array<NearOne<double>, intervalCount> nearOnes = makeNearOnes();
+
+const NearOne<double>& getNearOne(std::uint64_t interval)
 {
-    // The quotient s with what its rounding left, since twice it is nearly all of the result.
-    const Value divisor = 2. + f;
-    const Value divisorLow = f - (divisor - 2.);
-    const Value s = f / divisor;
-    const Pair<Value> product = multiply(s, divisor);
-    const Value sLow = ((f - product.high) - product.low - s * divisorLow) / divisor;
-    const Value z = s * s;
-    return {2. * s, 2. * sLow + s * z *
-                                    evaluate(z, 2. / 3, 2. / 5, 2. / 7, 2. / 9, 2. / 11, 2. / 13,
-                                             2. / 15, 2. / 17, 2. / 19, 2. / 21, 2. / 23)};
+    return nearOnes[static_cast<std::uint32_t>(interval)];
 }
 
-/// The logarithm of a normal number, and of 2 to the `moreExponent` times it.
-template <class Value>
-Value logNormal(Value x, double moreExponent)
+NearOne<Doubles> getNearOne(Words intervals)
 {
-    // The exponent that leaves a factor from sqrt(1/2) to sqrt(2); as the last bits of 2^52 it
-    // becomes a double.
-    const auto bits = getBits(x) + (0x3FF0000000000000U - 0x3FE6A09E667F3BCDU);
-    const Value biased = getDouble((bits >> 52) | 0x4330000000000000U);
-    const Value exponent = biased - (4503599627370496. + 1023.) + moreExponent;
-    const Value factor = getDouble((bits & 0x000FFFFFFFFFFFFFU) + 0x3FE6A09E667F3BCDU);
-    const Pair<Value> part = log1p(factor - 1.);
-    const Value high = exponent * ln2High;
-    const Value sum = high + part.high;
-    const Value rest = (high - sum) + part.high; // the greater of the two comes first, or is 0
-    return sum + (rest + (part.low + exponent * ln2Low));
+    const NearOne<double>& a = getNearOne(intervals[0]);
+    const NearOne<double>& b = getNearOne(intervals[1]);
+    return {Doubles{a.factor, b.factor}, Doubles{a.logHigh, b.logHigh},
+            Doubles{a.logLow, b.logLow}};
+}
+
+/// The logarithm of a normal number, and of 2 to the `moreExponent` times it: P.-T. P. Tang,
+/// Table-Driven Implementation of the Logarithm Function in IEEE Floating-Point Arithmetic, ACM
+/// Transactions on Mathematical Software 16 (4), 1990. All but the series and the last sums is
+/// exact. Inlined, since the constants of two at once are in place only within their loop.
+template <class Value>
+[[gnu::always_inline]] inline Value logNormal(Value x, double moreExponent)
+{
+    // As the last bits of 2^52 the exponent becomes a double.
+    constexpr std::uint64_t digits = 0x000FFFFFFFFFFFFFU;
+    const auto offset = getBits(x) - leastMantissa;
+    const Value biased = getDouble(((offset + 0x3FF0000000000000U) >> 52) | 0x4330000000000000U);
+    const Value exponent = biased - (4503599627370496. + 1023. - moreExponent);
+    const auto nearOne = getNearOne(offset >> (52 - intervalBits) & (intervalCount - 1));
+    const auto mantissaBits = (offset & digits) + leastMantissa;
+    const Value mantissa = getDouble(mantissaBits);
+    const Value mantissaHigh = getDouble(mantissaBits & 0xFFFFFFFF00000000U);
+    const Value rHigh = mantissaHigh * nearOne.factor - 1.;
+    const Value rLow = (mantissa - mantissaHigh) * nearOne.factor;
+    const Value r = rHigh + rLow;
+
+    const Value r2 = r * r;
+    const Value series = r2 * (((r * (1. / 3) - 1. / 2) + r2 * (r * (1. / 5) - 1. / 4)) +
+                               r2 * r2 * ((r * (1. / 7) - 1. / 6) - r2 * (1. / 8)));
+    const Value high = (exponent * ln2High + nearOne.logHigh) + rHigh;
+    const Value sum = high + rLow;
+    const Value rest = (high - sum) + rLow; // the greater of the two comes first, or is 0
+    return sum + ((rest + (exponent * ln2Low + nearOne.logLow)) + series);
 }
 
 } // namespace
 
 double log(double x)
 {
+    constexpr std::uint64_t leastNormal = 0x0010000000000000U, infinite = 0x7FF0000000000000U;
+    if (getBits(x) - leastNormal < infinite - leastNormal)
+        return logNormal(x, 0.);
     if (!(x > 0.))
         return x == 0. ? -infinity : nan;
     if (x == infinity)
         return x;
-    if (x < std::numeric_limits<double>::min())
-        return logNormal(x * 18014398509481984., -54.); // times 2^54 a denormal becomes normal
-    return logNormal(x, 0.);
+    return logNormal(x * 18014398509481984., -54.); // times 2^54 a denormal becomes normal
 }
 
 template <class T>
-T polarFactor(double x)
+T polarFactor(T x)
 {
-    const T logarithm = static_cast<T>(log(x));
-    return std::sqrt(-2 * logarithm / static_cast<T>(x));
+    const T logarithm = static_cast<T>(log(static_cast<double>(x)));
+    return std::sqrt(-2 * logarithm / x);
 }
 
-/// A quotient and a root of floats, taken as doubles and rounded again, are what floats give.
 template <class T>
 void polarFactors(const double* x, unsigned int count, double* factors)
 {
+    // Two short loops, since the processor can overlap many turns of each.
+    for (unsigned int i = 0; i < count; i += 2)
+        store(getRounded<T>(logNormal(load(x + i), 0.)), factors + i);
     for (unsigned int i = 0; i < count; i += 2)
     {
-        Doubles two;
-        std::memcpy(&two, x + i, sizeof two);
-        const Doubles quotient = -2. * getRounded<T>(logNormal(two, 0.)) / two;
-        const Doubles root = getRounded<T>(getRoot(getRounded<T>(quotient)));
-        std::memcpy(factors + i, &root, sizeof root);
+        // A quotient and a root of floats, taken as doubles and rounded, are what floats give.
+        const Doubles quotient = getRounded<T>(-2. * load(factors + i) / load(x + i));
+        store(getRounded<T>(getRoot(quotient)), factors + i);
     }
+    for (unsigned int i = 0; i < count; ++i)
+        if (!(x[i] >= std::numeric_limits<double>::min()))
+            factors[i] = static_cast<double>(polarFactor(static_cast<T>(x[i])));
 }
 
-template float polarFactor(double);
+template float polarFactor(float);
 template double polarFactor(double);
 template void polarFactors<float>(const double*, unsigned int, double*);
 template void polarFactors<double>(const double*, unsigned int, double*);
@@ -228,8 +298,8 @@ double exp(double x)
 
 double cube(double x)
 {
-    const Pair<double> square = multiply(x, x);
-    const Pair<double> product = multiply(square.high, x);
+    const Pair square = multiply(x, x);
+    const Pair product = multiply(square.high, x);
     return product.high + (product.low + square.low * x);
 }
 
@@ -241,7 +311,7 @@ SinCos sinCosOfTurns(double turns)
     const double r = turns * 4. - nearest;
     constexpr double halfPi = 1.57079632679489661923;
     constexpr double halfPiLow = 6.12323399573676603587e-17;
-    const Pair<double> angle = {r * halfPi, multiply(r, halfPi).low + r * halfPiLow};
+    const Pair angle = {r * halfPi, multiply(r, halfPi).low + r * halfPiLow};
     const double z = angle.high * angle.high;
     const double sin =
         angle.high +

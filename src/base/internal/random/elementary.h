@@ -17,8 +17,8 @@ double cube(double x);
 
 /// sqrt(-2 log(x) / x), rounded to T at each step.
 template <class T>
-T polarFactor(double x);
-/// The same of an even number of positive normal numbers, each a T, in a third of the time.
+T polarFactor(T x);
+/// The same of an even number of values, each a T, in little more than half the time.
 template <class T>
 void polarFactors(const double* x, unsigned int count, double* factors);
 
