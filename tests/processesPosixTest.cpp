@@ -1,5 +1,7 @@
 // What a process on a POSIX host inherits besides, and what it leaves.
 
+#include "ownConsole.h"
+
 #include <base/osProcess.h>
 
 #include <gtest/gtest.h>
@@ -10,6 +12,13 @@
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+// A process's streams are its own here, with or without a terminal.
+OwnConsole::OwnConsole()
+    : _isOurs(false)
+{
+}
+OwnConsole::~OwnConsole() = default;
 
 namespace
 {
@@ -97,35 +106,6 @@ TEST(ProcessesPosix, AStatusThatIsStolenIsLost)
               ::waitpid(static_cast<pid_t>(process.getId()), nullptr, 0));
     EXPECT_FALSE(process.isRunning());
     EXPECT_THROW(process.getExitStatus(), Kr::OsProcessEx::ExStatusLost);
-}
-
-TEST(ProcessesPosix, AnInputThatIsClosedIsFedNoMore)
-{
-    OsCommand command("sh", {"-c", "exec <&-; echo ready; exec sleep 100"});
-    OsProcess process(command.pipeStream(OsCommand::Input).pipeStream(OsCommand::Output));
-    char buffer[8];
-    process.read(OsCommand::Output, buffer, sizeof buffer);
-    for (int portion = 0; portion < 2; ++portion) // also when it is known already
-    {
-        const auto served = process.communicate("some", 0.01);
-        EXPECT_EQ(OsProcess::TimeOver, served.ending);
-        EXPECT_EQ(0u, served.inputTaken);
-        EXPECT_FALSE(process.isConnected(OsCommand::Input));
-    }
-}
-
-TEST(ProcessesPosix, EndsArePoliteFirst)
-{
-    for (const bool leads : {false, true})
-    {
-        OsCommand command("sh",
-                          {"-c", "trap 'exit 7' TERM; echo ready; while :; do sleep 0.01; done"});
-        command.pipeStream(OsCommand::Output);
-        OsProcess process(leads ? command.leadGroup() : command);
-        char buffer[8];
-        process.read(OsCommand::Output, buffer, sizeof buffer);
-        EXPECT_EQ("exit status 7", process.end(100.).getText());
-    }
 }
 
 TEST(ProcessesPosix, SignalsThatEndProgramsAreCodes)
