@@ -1,7 +1,5 @@
 // What a process on a POSIX host inherits besides, and what it leaves.
 
-#include "ownConsole.h"
-
 #include <base/osProcess.h>
 
 #include <gtest/gtest.h>
@@ -12,13 +10,6 @@
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-// A process's streams are its own here, with or without a terminal.
-OwnConsole::OwnConsole()
-    : _isOurs(false)
-{
-}
-OwnConsole::~OwnConsole() = default;
 
 namespace
 {

@@ -1,42 +1,12 @@
 // What only Windows does with processes.
 
 #include "fileFolder.h"
-#include "ownConsole.h"
 
 #include <base/osProcess.h>
 
 #include <gtest/gtest.h>
 
-#include <utility>
-
 #include <windows.h>
-
-OwnConsole::OwnConsole()
-    : _isOurs(GetConsoleCP() == 0)
-{
-    if (!_isOurs)
-        return;
-    exchangeStreams();
-    FreeConsole();
-    AllocConsole();
-    exchangeStreams();
-}
-
-OwnConsole::~OwnConsole()
-{
-    if (!_isOurs)
-        return;
-    exchangeStreams();
-    FreeConsole(); // with its streams
-    exchangeStreams();
-}
-
-void OwnConsole::exchangeStreams()
-{
-    constexpr DWORD numbers[] = {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE};
-    for (int i = 0; i < 3; ++i)
-        SetStdHandle(numbers[i], std::exchange(_others[i], GetStdHandle(numbers[i])));
-}
 
 namespace
 {
