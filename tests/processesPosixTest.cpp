@@ -28,6 +28,15 @@ bool hasChildren()
     return ::waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0;
 }
 
+/// After all tests, those of many processes among them.
+class NoZombies : public testing::Environment
+{
+public:
+    void TearDown() override { EXPECT_FALSE(hasChildren()); }
+};
+
+const testing::Environment* const noZombies = testing::AddGlobalTestEnvironment(new NoZombies);
+
 TEST(ProcessesPosix, OnlyTheStreamsAreInherited)
 {
     const int open = ::open("/dev/null", O_RDONLY);          // NOLINT: inheritable on purpose

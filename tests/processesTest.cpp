@@ -226,6 +226,8 @@ TEST(Processes, EverythingIsServedWithoutADeadlock)
     const std::string block(64 * 65536, 'x');
     EXPECT_TRUE(result.output == block + input) << result.output.size();
     EXPECT_EQ(block.size() + input.size() / 2, result.errors.size());
+    const OsCommand one = child({"flood", "64"}).discardStream(OsCommand::Output);
+    EXPECT_EQ(block.size() + input.size() / 2, OsProcess::run(one, input, 100.).errors.size());
 
     const auto deaf = OsProcess::run(child({"exit", "3"}), input, 100.);
     EXPECT_EQ(OsProcess::Complete, deaf.ending);
