@@ -6,8 +6,10 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -32,8 +34,11 @@ std::string ownInstance()
     return Kr::PrQuery::findProcess(static_cast<unsigned long>(::getpid()));
 }
 
-void collect(benchmark::State& state, Kr::PrQuery& query)
+void collect(benchmark::State& state, const std::vector<Kr::PrPath>& paths)
 {
+    Kr::PrQuery query;
+    for (const Kr::PrPath& path : paths)
+        query.add(path);
     const Kr::PrCounter& first = *query.getCounters().front();
     for (auto _ : state)
     {
@@ -42,27 +47,37 @@ void collect(benchmark::State& state, Kr::PrQuery& query)
     }
 }
 
+/// Reads the table and takes from it what is wanted.
+template <class Take>
+void readByHand(benchmark::State& state, const char* path, Take take)
+{
+    std::string text;
+    for (auto _ : state)
+    {
+        readTable(path, text);
+        take(text.c_str());
+    }
+}
+
 // The time of all processors
 
 void processorLibrary(benchmark::State& state)
 {
-    Kr::PrQuery query;
-    query.add("\\Processor(_Total)\\% Processor Time");
-    collect(state, query);
+    collect(state, {"\\Processor(_Total)\\% Processor Time"});
 }
 BENCHMARK(processorLibrary);
 
 void processorByHand(benchmark::State& state)
 {
-    std::string text;
-    for (auto _ : state)
-    {
-        readTable("/proc/stat", text);
-        unsigned long long times[8] = {};
-        std::sscanf(text.c_str(), "cpu %llu %llu %llu %llu %llu %llu %llu %llu", &times[0],
-                    &times[1], &times[2], &times[3], &times[4], &times[5], &times[6], &times[7]);
-        benchmark::DoNotOptimize(times);
-    }
+    readByHand(state, "/proc/stat",
+               [](const char* text)
+               {
+                   unsigned long long times[8] = {};
+                   std::sscanf(text, "cpu %llu %llu %llu %llu %llu %llu %llu %llu", &times[0],
+                               &times[1], &times[2], &times[3], &times[4], &times[5], &times[6],
+                               &times[7]);
+                   benchmark::DoNotOptimize(times);
+               });
 }
 BENCHMARK(processorByHand);
 
@@ -85,24 +100,21 @@ BENCHMARK(processorByStream);
 
 void processLibrary(benchmark::State& state)
 {
-    Kr::PrQuery query;
-    query.add({"Process", ownInstance(), "Working Set"});
-    collect(state, query);
+    collect(state, {{"Process", ownInstance(), "Working Set"}});
 }
 BENCHMARK(processLibrary);
 
 void processByHand(benchmark::State& state)
 {
-    std::string text;
-    for (auto _ : state)
-    {
-        readTable("/proc/self/stat", text);
-        const char* field = text.c_str() + text.rfind(')') + 2;
-        for (int number = 3; number < 24; ++number) // the resident pages are the 24th
-            while (*field++ != ' ')
-                continue;
-        benchmark::DoNotOptimize(std::strtoull(field, nullptr, 10));
-    }
+    readByHand(state, "/proc/self/stat",
+               [](const char* text)
+               {
+                   const char* field = std::strrchr(text, ')') + 2;
+                   for (int number = 3; number < 24; ++number) // the resident pages are the 24th
+                       while (*field++ != ' ')
+                           continue;
+                   benchmark::DoNotOptimize(std::strtoull(field, nullptr, 10));
+               });
 }
 BENCHMARK(processByHand);
 
@@ -111,14 +123,12 @@ BENCHMARK(processByHand);
 void sixLibrary(benchmark::State& state)
 {
     const std::string self = ownInstance();
-    Kr::PrQuery query;
-    query.add("\\Processor(_Total)\\% Processor Time");
-    query.add("\\Processor(_Total)\\% User Time");
-    query.add("\\Memory\\Available Bytes");
-    query.add("\\Memory\\Committed Bytes");
-    query.add({"Process", self, "% Processor Time"});
-    query.add({"Process", self, "Working Set"});
-    collect(state, query);
+    collect(state, {"\\Processor(_Total)\\% Processor Time",
+                    "\\Processor(_Total)\\% User Time",
+                    "\\Memory\\Available Bytes",
+                    "\\Memory\\Committed Bytes",
+                    {"Process", self, "% Processor Time"},
+                    {"Process", self, "Working Set"}});
 }
 BENCHMARK(sixLibrary);
 

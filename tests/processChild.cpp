@@ -60,17 +60,30 @@ int flood(const Arguments& arguments)
     return echo(arguments);
 }
 
+void sayReady()
+{
+    std::puts("ready");
+    std::fflush(stdout);
+}
+
 int sleepAfter(const Arguments& arguments)
 {
     if (arguments.back() == "ignoring")
         ProcessChild::ignoreEnd();
-    std::puts("ready");
-    std::fflush(stdout);
+    sayReady();
     if (arguments.back() == "closing")
         for (std::FILE* stream : {stdin, stdout, stderr})
             std::fclose(stream);
     std::this_thread::sleep_for(std::chrono::minutes(5));
     return 0;
+}
+
+int endWhenAsked(const Arguments&)
+{
+    ProcessChild::listenForEnd();
+    sayReady();
+    ProcessChild::awaitEnd();
+    return 7;
 }
 
 /// Leaves a process behind that has its streams.
@@ -109,6 +122,7 @@ constexpr Mode modes[] = {
     {"echo", echo},
     {"flood", flood},
     {"sleep", sleepAfter},
+    {"endWhenAsked", endWhenAsked},
     {"leaveBehind", leaveBehind},
     {"exit", leave},
     {"crash", crash},

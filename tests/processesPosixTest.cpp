@@ -28,6 +28,15 @@ bool hasChildren()
     return ::waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0;
 }
 
+/// After all tests, those of many processes among them.
+class NoZombies : public testing::Environment
+{
+public:
+    void TearDown() override { EXPECT_FALSE(hasChildren()); }
+};
+
+const testing::Environment* const noZombies = testing::AddGlobalTestEnvironment(new NoZombies);
+
 TEST(ProcessesPosix, OnlyTheStreamsAreInherited)
 {
     const int open = ::open("/dev/null", O_RDONLY);          // NOLINT: inheritable on purpose
@@ -97,35 +106,6 @@ TEST(ProcessesPosix, AStatusThatIsStolenIsLost)
               ::waitpid(static_cast<pid_t>(process.getId()), nullptr, 0));
     EXPECT_FALSE(process.isRunning());
     EXPECT_THROW(process.getExitStatus(), Kr::OsProcessEx::ExStatusLost);
-}
-
-TEST(ProcessesPosix, AnInputThatIsClosedIsFedNoMore)
-{
-    OsCommand command("sh", {"-c", "exec <&-; echo ready; exec sleep 100"});
-    OsProcess process(command.pipeStream(OsCommand::Input).pipeStream(OsCommand::Output));
-    char buffer[8];
-    process.read(OsCommand::Output, buffer, sizeof buffer);
-    for (int portion = 0; portion < 2; ++portion) // also when it is known already
-    {
-        const auto served = process.communicate("some", 0.01);
-        EXPECT_EQ(OsProcess::TimeOver, served.ending);
-        EXPECT_EQ(0u, served.inputTaken);
-        EXPECT_FALSE(process.isConnected(OsCommand::Input));
-    }
-}
-
-TEST(ProcessesPosix, EndsArePoliteFirst)
-{
-    for (const bool leads : {false, true})
-    {
-        OsCommand command("sh",
-                          {"-c", "trap 'exit 7' TERM; echo ready; while :; do sleep 0.01; done"});
-        command.pipeStream(OsCommand::Output);
-        OsProcess process(leads ? command.leadGroup() : command);
-        char buffer[8];
-        process.read(OsCommand::Output, buffer, sizeof buffer);
-        EXPECT_EQ("exit status 7", process.end(100.).getText());
-    }
 }
 
 TEST(ProcessesPosix, SignalsThatEndProgramsAreCodes)

@@ -1,5 +1,6 @@
 #include "fileFolder.h"
 #include "handleCount.h"
+#include "ownConsole.h"
 #include "raised.h"
 
 #include <base/osEnv.h>
@@ -225,6 +226,8 @@ TEST(Processes, EverythingIsServedWithoutADeadlock)
     const std::string block(64 * 65536, 'x');
     EXPECT_TRUE(result.output == block + input) << result.output.size();
     EXPECT_EQ(block.size() + input.size() / 2, result.errors.size());
+    const OsCommand one = child({"flood", "64"}).discardStream(OsCommand::Output);
+    EXPECT_EQ(block.size() + input.size() / 2, OsProcess::run(one, input, 100.).errors.size());
 
     const auto deaf = OsProcess::run(child({"exit", "3"}), input, 100.);
     EXPECT_EQ(OsProcess::Complete, deaf.ending);
@@ -258,6 +261,23 @@ TEST(Processes, TimeIsLimitedAndNothingLost)
     EXPECT_LT(seconds, 60.);
 }
 
+TEST(Processes, AnInputThatIsClosedIsFedNoMore)
+{
+    const OwnConsole console;
+    OsCommand command = child({"sleep", "closing"});
+    OsProcess process(command.pipeStream(OsCommand::Input).pipeStream(OsCommand::Output));
+    char buffer[64];
+    while (process.read(OsCommand::Output, buffer, sizeof buffer) != 0) // closed after the input
+        continue;
+    for (int portion = 0; portion < 2; ++portion) // also when it is known already
+    {
+        const auto served = process.communicate("some", 0.01);
+        EXPECT_EQ(OsProcess::TimeOver, served.ending);
+        EXPECT_EQ(0u, served.inputTaken);
+        EXPECT_FALSE(process.isConnected(OsCommand::Input));
+    }
+}
+
 TEST(Processes, WhatIsLeftBehindDoesNotHoldTheCaller)
 {
     OsCommand command = child({"leaveBehind"});
@@ -269,6 +289,18 @@ TEST(Processes, WhatIsLeftBehindDoesNotHoldTheCaller)
     EXPECT_TRUE(process.getExitStatus().isSuccess());
     process.terminate(); // the group
     EXPECT_EQ(OsProcess::Complete, process.communicate("", 100.).ending);
+}
+
+TEST(Processes, EndsArePoliteFirst)
+{
+    for (const bool leads : {false, true})
+    {
+        OsCommand command = child({"endWhenAsked"});
+        command.pipeStream(OsCommand::Output);
+        OsProcess process(leads ? command.leadGroup() : command);
+        awaitReady(process);
+        EXPECT_EQ("exit status 7", process.end(100.).getText());
+    }
 }
 
 TEST(Processes, WhoDoesNotListenIsEndedByForce)

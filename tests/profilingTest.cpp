@@ -6,6 +6,7 @@
 #include <base/exBase.h>
 #include <base/lgStream.h>
 #include <base/profConsolidator.h>
+#include <base/profCounters.h>
 #include <base/profScope.h>
 #include <base/profiler.imp>
 #include <base/timer.imp>
@@ -14,6 +15,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <iomanip>
 #include <limits>
 #include <random>
@@ -158,22 +160,85 @@ TEST(Profiler, writesItsTableAndLeavesTheStreamAsItWas)
     EXPECT_EQ(os.flags() & std::ios::floatfield, std::ios::scientific);
 }
 
+/// What the log makes of a value.
+template <class Value>
+std::string getMessage(const Value& value)
+{
+    Kr::LgStream stream;
+    stream << value << Kr::ends;
+    std::string text(stream.getNextSize() + 1, '\0');
+    stream >> text.data();
+    return text.c_str();
+}
+
 TEST(Profiler, writesItsTableIntoAMessage)
 {
     ScriptedProfiler profiler("frame");
     runCycles(profiler, {1, 2, 3});
-    Kr::LgStream stream;
-    stream << profiler << Kr::ends;
-    std::vector<char> text(stream.getNextSize() + 1);
-    stream >> text.data();
-    EXPECT_STREQ(text.data(), "Profiler frame:\n"
-                              "        Nb of cycles:   3\n"
-                              "        Total time  :   6.000000000\n"
-                              "        Average time:   2.000000000\n"
-                              "        Minimum time:   1.000000000\n"
-                              "        Maximum time:   3.000000000\n"
-                              "        Standard dev:   1.000000000\n"
-                              "\n");
+    EXPECT_EQ(getMessage(profiler), "Profiler frame:\n"
+                                    "        Nb of cycles:   3\n"
+                                    "        Total time  :   6.000000000\n"
+                                    "        Average time:   2.000000000\n"
+                                    "        Minimum time:   1.000000000\n"
+                                    "        Maximum time:   3.000000000\n"
+                                    "        Standard dev:   1.000000000\n"
+                                    "\n");
+}
+
+/// What comes behind the first that is found of a mark.
+template <class Value>
+std::string getTextBehind(const char* mark, const Value& value)
+{
+    std::ostringstream os;
+    os << value;
+    return os.str().substr(os.str().find(mark) + std::strlen(mark));
+}
+
+TEST(ProfCounters, standAtTheEndOfTheTables)
+{
+    const std::string path = R"(\System\System Up Time:)";
+    Kr::ProfCounters counters;
+    const Kr::PrCounter& upTime = counters.add(R"(\System\System Up Time)");
+    ScriptedProfiler profiler("frame");
+    EXPECT_EQ(profiler.setCounters(&counters), nullptr);
+    EXPECT_EQ(getTextBehind("Standard dev:           0.000000\n", profiler),
+              path + " nothing has been collected yet\n\n");
+    counters.sample();
+    const std::string value = getTextBehind(": ", upTime) + '\n';
+    EXPECT_EQ(getTextBehind("Standard dev:           0.000000\n", ScriptedProfiler(profiler)),
+              path + "\nNb of samples:          1\nAverage value:          " + value +
+                  "Minimum value:          " + value + "Maximum value:          " + value + '\n');
+    ProfConsolidator all;
+    EXPECT_EQ(all.setCounters(&counters), nullptr);
+    EXPECT_EQ(getTextBehind("Maximum time:           0.000000\n", all),
+              getTextBehind("Standard dev:           0.000000\n", profiler));
+    const std::string message = getMessage(profiler);
+    EXPECT_EQ(message.substr(message.find("        \\")),
+              "        " + path + "\n        Nb of samples:  1\n        Average value:  " + value +
+                  "        Minimum value:  " + value + "        Maximum value:  " + value + '\n');
+}
+
+TEST(ProfCounters, haveStatisticsOfTheirSamples)
+{
+    Kr::ProfCounters counters;
+    const Kr::PrCounter& upTime = counters.add(R"(\System\System Up Time)");
+    counters.sample();
+    const double first = upTime.getValue();
+    while (upTime.getValue() == first)
+        counters.sample();
+    const auto statistics = counters.getStatistics(upTime);
+    EXPECT_EQ(statistics.minimum, first);
+    EXPECT_EQ(statistics.maximum, upTime.getValue());
+    const double rest = static_cast<double>(statistics.samples - 1);
+    EXPECT_NEAR(statistics.average, (first * rest + statistics.maximum) / (rest + 1), 1e-6);
+    counters.reset();
+    EXPECT_EQ(counters.getStatistics(upTime).samples, 0U);
+    Kr::ProfCounters others(3600.);
+    const Kr::PrCounter& counter = others.add(upTime.getPath());
+    for (int i = 0; i < 3; ++i)
+        others.sample();
+    EXPECT_EQ(others.getStatistics(counter).samples, 1U);
+    EXPECT_THROW((void)others.getStatistics(upTime), Kr::ExInternalError);
 }
 
 TEST(ProfConsolidator, mergesProfilers)

@@ -233,25 +233,15 @@ TEST(RegistryFiles, LieWhereTheEnvironmentSays)
     Kr::OsEnv::putVariable(("HOME=" + home).c_str());
 }
 
-TEST(SettingsStore, TakesTheMachinesSettingsWhereTheUserHasNone)
+TEST(SettingsStore, SkipsAKeyThatIsDamaged)
 {
     const ScratchKey scratch;
-    OsRegistryKey machine(Root::Machine, scratch.getPath(), Mode::Create);
-    machine.setInteger64("t.samples", 8);
-    machine.setText("t.passes", "2");
-    scratch.open().setText("t.passes", "3");
+    OsRegistryKey(Root::Machine, scratch.getPath(), Mode::Create).setInteger64("t.samples", 8);
+    scratch.open().setText("t.samples", "3");
+    write(folderOf(scratch) / "@values", "damaged");
     const Kr::OsSettingsStore store(scratch.getPath());
     Package package;
     Kr::InVariable<std::int32_t> samples(package, "t.samples", 4, "");
-    Kr::InVariable<std::int32_t> passes(package, "t.passes", 1, "");
-    package.start();
-    EXPECT_EQ(samples.getValue(), 8);
-    EXPECT_EQ(passes.getValue(), 3);
-    samples.setStored(4); // the default hides the machine's value, which is none to be stored
-    passes.setStored(2);
-    EXPECT_EQ(scratch.open().listValues(), Kr::Vector<std::string>{"t.samples"});
-
-    write(folderOf(scratch) / "@values", "damaged");
     testing::internal::CaptureStdout();
     package.start();
     EXPECT_EQ(samples.getValue(), 8);

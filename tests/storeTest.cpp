@@ -326,6 +326,26 @@ TEST(SettingsStore, KeepsWhatDiffersFromTheDefaults)
     EXPECT_EQ(scratch.open().listValues(), Texts{"t.title"});
 }
 
+TEST(SettingsStore, TakesTheMachinesSettingsWhereTheUserHasNone)
+{
+    const ScratchKey scratch;
+    OsRegistryKey machine(Root::Machine, scratch.getPath(), Mode::Create);
+    EXPECT_EQ(machine.getPath(), std::string("HKEY_LOCAL_MACHINE\\") + scratch.getPath());
+    machine.setInteger64("t.samples", 8);
+    machine.setText("t.passes", "2");
+    scratch.open().setText("t.passes", "3");
+    const Kr::OsSettingsStore store(scratch.getPath());
+    Settings settings;
+    settings.package.start();
+    EXPECT_EQ(settings.samples.getValue(), 8);
+    EXPECT_EQ(settings.passes.getValue(), 3);
+    settings.samples.setStored(
+        4); // the default hides the machine's value, which is none to be stored
+    settings.passes.setStored(2);
+    EXPECT_EQ(scratch.open().listValues(), Texts{"t.samples"});
+    EXPECT_TRUE(OsRegistryKey::removeTree(Root::Machine, scratch.getPath()));
+}
+
 TEST(SettingsStore, IsTheProcessesWhileItLives)
 {
     const ScratchKey scratch;

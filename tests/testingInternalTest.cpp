@@ -1,5 +1,5 @@
+#include <base/internal/errors/wildcards.h>
 #include <base/internal/testing/testRecord.h>
-#include <base/internal/testing/testSelection.h>
 #include <base/internal/testing/testXml.h>
 
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ TEST(TestingInternalTest, Patterns)
         {"**.x", "a.x", true},    {"a*b*c*d", "a1b2c3d", true},
     };
     for (const auto& each : cases)
-        EXPECT_EQ(Kr::TestSelection::matches(each.pattern, each.text), each.matches)
+        EXPECT_EQ(Kr::fitsWildcards(each.pattern, each.text), each.matches)
             << each.pattern << ' ' << each.text;
 }
 

@@ -18,6 +18,7 @@
 #include <base/lgListener.h>
 #include <base/log.h>
 #include <base/osDir.h>
+#include <base/profCounters.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -52,11 +53,15 @@ void renderFrames(const Scene& scene, const Kr::OsFilePath& folder)
     Workers workers(Settings::getThreads(), Settings::getTileSize());
     Kr::DtTime time(Kr::DtTimeIndex(0), Settings::getRate());
     const Kr::DtRefTime start = Kr::DtRefTimeFactory::getInstance().create();
+    Kr::ProfCounters machine;
+    machine.add("\\Processor(_Total)\\% Processor Time");
+    machine.sample();
     for (; time.getCount() < Settings::getFrames(); ++time)
     {
         const Kr::DtRefTime frameStart = Kr::DtRefTimeFactory::getInstance().create();
         Picture picture = Settings::makePicture();
         workers.render(Tracer(scene, time, samples), picture);
+        machine.sample();
         picture.write(getFramePath(folder, time));
         KR_LOG(log, Profiling) << "frame " << time << " took " << getSecondsSince(frameStart)
                                << " s";
@@ -64,7 +69,9 @@ void renderFrames(const Scene& scene, const Kr::OsFilePath& folder)
     }
     KR_LOG(log, Informational) << "rendered until " << time << " in " << getSecondsSince(start)
                                << " s";
-    std::cout << "\nTiles, all threads. " << workers.getProfile();
+    Kr::ProfConsolidator profile = workers.getProfile();
+    profile.setCounters(&machine);
+    std::cout << "\nTiles, all threads. " << profile;
 }
 
 int run()

@@ -1,12 +1,12 @@
 #include <base/prCatalog.h>
 
 #include <base/internal/errors/nearestNames.h>
+#include <base/internal/errors/wildcards.h>
 #include <base/prEx.h>
 #include <base/raise.h>
 
 #include <algorithm>
 #include <map>
-#include <string_view>
 
 namespace Kr
 {
@@ -14,44 +14,13 @@ namespace Kr
 namespace
 {
 
-/// Whether the name fits the pattern. Where it fails behind a `*`, that one takes one character
-/// more; those before it need not be tried again.
-bool fits(std::string_view pattern, std::string_view name)
-{
-    std::size_t p = 0;
-    std::size_t n = 0;
-    std::size_t star = pattern.npos;
-    std::size_t resume = 0;
-    while (n < name.size())
-    {
-        if (p < pattern.size() && pattern[p] == '*')
-        {
-            star = p++;
-            resume = n;
-        }
-        else if (p < pattern.size() && pattern[p] == name[n])
-        {
-            ++p;
-            ++n;
-        }
-        else if (star != pattern.npos)
-        {
-            p = star + 1;
-            n = ++resume;
-        }
-        else
-            return false;
-    }
-    return pattern.find_first_not_of('*', p) == pattern.npos;
-}
-
 /// The names that fit the pattern, in any case of the letters.
 Vector<std::string> select(const std::string& pattern, const Vector<std::string>& names)
 {
     const std::string small = toSmallLetters(pattern);
     Vector<std::string> selected;
     for (const std::string& name : names)
-        if (fits(small, toSmallLetters(name)))
+        if (fitsWildcards(small, toSmallLetters(name)))
             selected.push_back(name);
     return selected;
 }

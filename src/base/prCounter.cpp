@@ -1,12 +1,10 @@
 #include <base/prCounter.h>
 
+#include <base/internal/counters/prValueText.h>
 #include <base/prEx.h>
 #include <base/raise.h>
 
-#include <charconv>
-#include <cmath>
 #include <ostream>
-#include <string_view>
 
 namespace Kr
 {
@@ -63,12 +61,7 @@ std::ostream& operator<<(std::ostream& os, const PrCounter& counter)
     os << counter.getPath() << ": ";
     if (!counter.isAvailable())
         return os << counter.getProblem();
-    const double value = counter.getValue();
-    const int decimals = value == std::floor(value) ? 0 : 3;
-    char text[512]; // the longest double has 309 digits
-    const auto end =
-        std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals);
-    return os << std::string_view(text, static_cast<std::size_t>(end.ptr - text));
+    return os << formatCounterValue(counter.getValue());
 }
 
 } // namespace Kr

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace Kr
 {
@@ -14,6 +15,7 @@ ProfConsolidator::ProfConsolidator()
     , _total(0.)
     , _minimum(std::numeric_limits<double>::max())
     , _maximum(0.)
+    , _counters(nullptr)
 {
 }
 
@@ -38,6 +40,11 @@ double ProfConsolidator::minTime() const
     return _cycles != 0 ? _minimum : 0.;
 }
 
+const ProfCounters* ProfConsolidator::setCounters(const ProfCounters* counters)
+{
+    return std::exchange(_counters, counters);
+}
+
 std::ostream& operator<<(std::ostream& os, const ProfConsolidator& consolidator)
 {
     ProfTable table(os);
@@ -47,6 +54,7 @@ std::ostream& operator<<(std::ostream& os, const ProfConsolidator& consolidator)
     table.writeLine("Average time:", consolidator.averageTime());
     table.writeLine("Minimum time:", consolidator.minTime());
     table.writeLine("Maximum time:", consolidator.maxTime());
+    table.writeCounters(consolidator.getCounters());
     return os << std::endl;
 }
 

@@ -24,6 +24,7 @@
 namespace Kr
 {
 
+class ProfCounters;
 class ProfilerBase;
 
 class KR_BASE_API ProfConsolidator
@@ -49,11 +50,16 @@ public:
     std::int32_t cycles() const { return _cycles; }
     /// @}
 
+    /// From now on the table ends in the statistics of the counters, as `Profiler::setCounters`.
+    const ProfCounters* setCounters(const ProfCounters* counters);
+    const ProfCounters* getCounters() const { return _counters; }
+
 private:
     std::int32_t _cycles;
     double _total;
     double _minimum;
     double _maximum;
+    const ProfCounters* _counters;
 };
 
 /// Writes a line for each statistic, as for a profiler.

@@ -69,6 +69,12 @@ public:
     ProfHistogram* setHistogram(ProfHistogram* histogram);
     ProfHistogram* getHistogram() const;
 
+    /// From now on the profiler's table ends in the statistics of the counters; null for none, as
+    /// at first. Whoever takes their samples is the caller, whose they stay; they outlive the
+    /// profiler, and copies of it share them. Returns the previous ones.
+    const ProfCounters* setCounters(const ProfCounters* counters);
+    const ProfCounters* getCounters() const override;
+
 private:
     T _stopwatch;
     double _current;
@@ -78,6 +84,7 @@ private:
     double _maximum;
     std::int32_t _cycles;
     ProfHistogram* _histogram;
+    const ProfCounters* _counters;
 };
 
 extern template class KR_BASE_API Profiler<HwIntervalTimer>;

@@ -1,9 +1,11 @@
 #include <base/profilerBase.h>
 
 #include <base/hwCounter.h>
+#include <base/internal/counters/prValueText.h>
 #include <base/internal/prof/profTable.h>
 #include <base/lgStream.h>
 #include <base/lgTimeline.h>
+#include <base/profCounters.h>
 
 #include <charconv>
 #include <iterator>
@@ -15,6 +17,9 @@ namespace Kr
 namespace
 {
 
+/// What stands before each line of a table in a message.
+constexpr const char* indent = "        ";
+
 /// Writes the value as "%.9f" does.
 void writeSeconds(LgStream& stream, const char* label, double seconds)
 {
@@ -23,9 +28,31 @@ void writeSeconds(LgStream& stream, const char* label, double seconds)
     stream << label << text << "\n";
 }
 
+void writeCounters(LgStream& stream, const ProfCounters& counters)
+{
+    for (const PrCounter* const counter : counters.getCounters())
+    {
+        stream << indent << ProfTable::describe(counters, *counter).c_str() << "\n";
+        const auto statistics = counters.getStatistics(*counter);
+        if (statistics.samples == 0)
+            continue;
+        stream << indent << "Nb of samples:  " << statistics.samples << "\n";
+        const auto write = [&](const char* label, double value)
+        { stream << indent << label << formatCounterValue(value).c_str() << "\n"; };
+        write("Average value:  ", statistics.average);
+        write("Minimum value:  ", statistics.minimum);
+        write("Maximum value:  ", statistics.maximum);
+    }
+}
+
 } // namespace
 
 ProfilerBase::~ProfilerBase() = default;
+
+const ProfCounters* ProfilerBase::getCounters() const
+{
+    return nullptr;
+}
 
 void ProfilerBase::recordSpan(double seconds) const
 {
@@ -45,6 +72,7 @@ std::ostream& operator<<(std::ostream& os, const ProfilerBase& profiler)
     table.writeLine("Minimum time:", profiler.minTime());
     table.writeLine("Maximum time:", profiler.maxTime());
     table.writeLine("Standard dev:", profiler.standardDeviation());
+    table.writeCounters(profiler.getCounters());
     return os << std::endl;
 }
 
@@ -57,6 +85,8 @@ LgStream& operator<<(LgStream& stream, const ProfilerBase& profiler)
     writeSeconds(stream, "        Minimum time:   ", profiler.minTime());
     writeSeconds(stream, "        Maximum time:   ", profiler.maxTime());
     writeSeconds(stream, "        Standard dev:   ", profiler.standardDeviation());
+    if (const ProfCounters* const counters = profiler.getCounters())
+        writeCounters(stream, *counters);
     return stream << "\n";
 }
 

@@ -18,6 +18,15 @@
 /// Maximum time:           3.000000
 /// Standard dev:           1.000000
 /// @endcode
+/// With `ProfCounters` that were given to the profiler, four lines for each counter follow below
+/// its path, with whole numbers to the last digit and others to three decimals:
+/// @code{.unparsed}
+/// \Processor(_Total)\% Processor Time:
+/// Nb of samples:          12
+/// Average value:          37.531
+/// Minimum value:          12.250
+/// Maximum value:          99
+/// @endcode
 
 #include <base/krBaseApi.h>
 
@@ -28,6 +37,7 @@ namespace Kr
 {
 
 class LgStream;
+class ProfCounters;
 
 class KR_BASE_API ProfilerBase
 {
@@ -66,6 +76,9 @@ public:
     virtual double standardDeviation() const = 0;
     virtual std::int32_t cycles() const = 0;
     /// @}
+
+    /// The system's counters that the table ends in; null for none.
+    virtual const ProfCounters* getCounters() const;
 
 protected:
     ProfilerBase() = default;

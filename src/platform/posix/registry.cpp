@@ -283,12 +283,31 @@ struct Base
     DWORD status = ERROR_INVALID_HANDLE;
 };
 
-/// What is wrong with the arguments that begin most calls.
-DWORD checkPath(const Base& base, const WCHAR* wide, KrRegistryPath& path)
+/// Does the work of a call on a path below a key.
+template <class Work>
+LSTATUS runOnPath(HKEY handle, const WCHAR* name, Work work) noexcept
 {
-    if (base.status != ERROR_SUCCESS)
-        return base.status;
-    return splitPath(wide, path) ? ERROR_SUCCESS : ERROR_INVALID_NAME;
+    return run(
+        [&]() -> DWORD
+        {
+            Base base(handle);
+            KrRegistryPath path;
+            if (base.status != ERROR_SUCCESS)
+                return base.status;
+            return splitPath(name, path) ? work(base, path) : ERROR_INVALID_NAME;
+        });
+}
+
+/// The same on a key that is open.
+template <class Work>
+LSTATUS runOnKey(HKEY handle, Work work) noexcept
+{
+    return run(
+        [&]() -> DWORD
+        {
+            auto* const key = krObject<Key>(handle);
+            return key != nullptr ? work(*key) : ERROR_INVALID_HANDLE;
+        });
 }
 
 DWORD openKey(const Base& base, KrDescriptor folder, REGSAM access, HKEY* result)
@@ -330,23 +349,18 @@ const char* krRegistryDetail() noexcept
 
 LSTATUS RegOpenKeyExW(HKEY handle, const WCHAR* name, DWORD, REGSAM access, HKEY* result) noexcept
 {
-    return run(
-        [&]() -> DWORD
-        {
-            const Base base(handle);
-            KrRegistryPath path;
-            const DWORD status = checkPath(base, name, path);
-            if (status != ERROR_SUCCESS)
-                return status;
-            const bool isEmptyRoot = path.empty() && (access & KEY_SET_VALUE) == 0;
-            if (base.folder < 0)
-                return isEmptyRoot ? openKey(base, KrDescriptor(), access, result)
-                                   : ERROR_FILE_NOT_FOUND;
-            KrDescriptor folder = krOpenKeyFolder(base.folder, path);
-            if (!folder.isOpen())
-                return krIsRemoved(base.folder) ? ERROR_KEY_DELETED : lastStatus();
-            return openKey(base, std::move(folder), access, result);
-        });
+    return runOnPath(handle, name,
+                     [&](const Base& base, const KrRegistryPath& path) -> DWORD
+                     {
+                         const bool isEmptyRoot = path.empty() && (access & KEY_SET_VALUE) == 0;
+                         if (base.folder < 0)
+                             return isEmptyRoot ? openKey(base, KrDescriptor(), access, result)
+                                                : ERROR_FILE_NOT_FOUND;
+                         KrDescriptor folder = krOpenKeyFolder(base.folder, path);
+                         if (!folder.isOpen())
+                             return krIsRemoved(base.folder) ? ERROR_KEY_DELETED : lastStatus();
+                         return openKey(base, std::move(folder), access, result);
+                     });
 }
 
 LSTATUS RegCreateKeyExW(HKEY handle, const WCHAR* name, DWORD, WCHAR*, DWORD, REGSAM access,
@@ -357,15 +371,9 @@ LSTATUS RegCreateKeyExW(HKEY handle, const WCHAR* name, DWORD, WCHAR*, DWORD, RE
         *disposition = REG_OPENED_EXISTING_KEY;
     if (opened != ERROR_FILE_NOT_FOUND)
         return opened;
-    return run(
-        [&]() -> DWORD
-        {
-            Base base(handle);
-            KrRegistryPath path;
-            const DWORD status = checkPath(base, name, path);
-            return status == ERROR_SUCCESS ? makeKey(base, path, access, result, disposition)
-                                           : status;
-        });
+    return runOnPath(handle, name,
+                     [&](Base& base, const KrRegistryPath& path)
+                     { return makeKey(base, path, access, result, disposition); });
 }
 
 LSTATUS RegCloseKey(HKEY handle) noexcept
@@ -380,14 +388,10 @@ LSTATUS RegCloseKey(HKEY handle) noexcept
 
 LSTATUS RegDeleteTreeW(HKEY handle, const WCHAR* name) noexcept
 {
-    return run(
-        [&]() -> DWORD
+    return runOnPath(
+        handle, name,
+        [](const Base& base, const KrRegistryPath& path) -> DWORD
         {
-            const Base base(handle);
-            KrRegistryPath path;
-            const DWORD status = checkPath(base, name, path);
-            if (status != ERROR_SUCCESS)
-                return status;
             if (path.empty())
                 return ERROR_INVALID_PARAMETER;
             if (!krOpenKeyFolder(base.folder, path).isOpen()) // no lock where nothing is to be done
@@ -402,103 +406,85 @@ LSTATUS RegDeleteTreeW(HKEY handle, const WCHAR* name) noexcept
 LSTATUS RegEnumKeyExW(HKEY handle, DWORD index, WCHAR* name, DWORD* size, DWORD*, WCHAR*, DWORD*,
                       FILETIME*) noexcept
 {
-    auto* const key = krObject<Key>(handle);
-    if (key == nullptr)
-        return ERROR_INVALID_HANDLE;
-    return run([&] { return key->giveKey(index, name, size); });
+    return runOnKey(handle, [&](Key& key) { return key.giveKey(index, name, size); });
 }
 
 LSTATUS RegEnumValueW(HKEY handle, DWORD index, WCHAR* name, DWORD* size, DWORD*, DWORD* type,
                       BYTE* data, DWORD* dataSize) noexcept
 {
-    auto* const key = krObject<Key>(handle);
-    if (key == nullptr)
-        return ERROR_INVALID_HANDLE;
-    return run(
-        [&]
-        {
-            return key->readValues(
-                [&](const KrRegistryValues& values) -> DWORD
-                {
-                    if (index >= values.size())
-                        return ERROR_NO_MORE_ITEMS;
-                    if (type != nullptr)
-                        *type = values[index].type;
-                    const DWORD status = giveName(values[index].name, name, size);
-                    return status == ERROR_SUCCESS ? giveData(values[index].data, data, dataSize)
-                                                   : status;
-                });
-        });
+    const auto give = [&](const KrRegistryValues& values) -> DWORD
+    {
+        if (index >= values.size())
+            return ERROR_NO_MORE_ITEMS;
+        if (type != nullptr)
+            *type = values[index].type;
+        const DWORD status = giveName(values[index].name, name, size);
+        return status == ERROR_SUCCESS ? giveData(values[index].data, data, dataSize) : status;
+    };
+    return runOnKey(handle, [&](Key& key) { return key.readValues(give); });
 }
 
 LSTATUS RegQueryValueExW(HKEY handle, const WCHAR* name, DWORD*, DWORD* type, BYTE* data,
                          DWORD* size) noexcept
 {
-    auto* const key = krObject<Key>(handle);
-    std::string text;
-    if (key == nullptr)
-        return ERROR_INVALID_HANDLE;
-    return run(
-        [&]
-        {
-            return key->readValues(
-                [&](const KrRegistryValues& values) -> DWORD
-                {
-                    const auto value =
-                        takeName(name, text) ? findValue(values, text) : values.end();
-                    if (value == values.end())
-                        return ERROR_FILE_NOT_FOUND;
-                    if (type != nullptr)
-                        *type = value->type;
-                    return giveData(value->data, data, size);
-                });
-        });
+    return runOnKey(handle,
+                    [&](Key& key) -> DWORD
+                    {
+                        std::string text;
+                        if (!takeName(name, text))
+                            return ERROR_FILE_NOT_FOUND;
+                        return key.readValues(
+                            [&](const KrRegistryValues& values) -> DWORD
+                            {
+                                const auto value = findValue(values, text);
+                                if (value == values.end())
+                                    return ERROR_FILE_NOT_FOUND;
+                                if (type != nullptr)
+                                    *type = value->type;
+                                return giveData(value->data, data, size);
+                            });
+                    });
 }
 
 LSTATUS RegSetValueExW(HKEY handle, const WCHAR* name, DWORD, DWORD type, const BYTE* data,
                        DWORD size) noexcept
 {
-    auto* const key = krObject<Key>(handle);
-    std::string text;
-    if (key == nullptr)
-        return ERROR_INVALID_HANDLE;
-    return run(
-        [&]() -> DWORD
-        {
-            if (!takeName(name, text))
-                return ERROR_INVALID_NAME;
-            return key->changeValues(
-                [&](KrRegistryValues& values) -> DWORD
-                {
-                    auto value = findValue(values, text);
-                    if (value == values.end())
-                        value = values.insert(value, KrRegistryValue{text, type, {}});
-                    value->type = type;
-                    value->data.assign(reinterpret_cast<const char*>(data), size);
-                    return ERROR_SUCCESS;
-                });
-        });
+    return runOnKey(handle,
+                    [&](Key& key) -> DWORD
+                    {
+                        std::string text;
+                        if (!takeName(name, text))
+                            return ERROR_INVALID_NAME;
+                        return key.changeValues(
+                            [&](KrRegistryValues& values) -> DWORD
+                            {
+                                auto value = findValue(values, text);
+                                if (value == values.end())
+                                    value = values.insert(value, KrRegistryValue{text, type, {}});
+                                value->type = type;
+                                value->data.assign(reinterpret_cast<const char*>(data), size);
+                                return ERROR_SUCCESS;
+                            });
+                    });
 }
 
 LSTATUS RegDeleteValueW(HKEY handle, const WCHAR* name) noexcept
 {
-    auto* const key = krObject<Key>(handle);
-    std::string text;
-    if (key == nullptr)
-        return ERROR_INVALID_HANDLE;
-    return run(
-        [&]
-        {
-            return key->changeValues(
-                [&](KrRegistryValues& values) -> DWORD
-                {
-                    const auto kept =
-                        takeName(name, text)
-                            ? std::remove_if(values.begin(), values.end(), isNamed(text))
-                            : values.end();
-                    const bool isMissing = kept == values.end();
-                    values.erase(kept, values.end());
-                    return isMissing ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;
-                });
-        });
+    return runOnKey(handle,
+                    [&](Key& key) -> DWORD
+                    {
+                        std::string text;
+                        if (!takeName(name, text))
+                            return ERROR_FILE_NOT_FOUND;
+                        return key.changeValues(
+                            [&](KrRegistryValues& values) -> DWORD
+                            {
+                                // A file that was edited by hand may hold a name twice.
+                                const auto kept =
+                                    std::remove_if(values.begin(), values.end(), isNamed(text));
+                                const bool isMissing = kept == values.end();
+                                values.erase(kept, values.end());
+                                return isMissing ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;
+                            });
+                    });
 }

@@ -1,16 +1,20 @@
 #include <platform/performance.h>
 
 #include <algorithm>
+#include <cstring>
 #include <map>
 #include <utility>
 
 namespace
 {
 
-// The system's library, loaded by the first call
+// The system's library, loaded by the first call; or the one of its name that the program has
+// loaded
 
 HMODULE loadLibrary() noexcept
 {
+    if (const HMODULE loaded = GetModuleHandleA("pdh.dll"))
+        return loaded;
     char path[MAX_PATH + sizeof "\\pdh.dll"];
     const UINT length = GetSystemDirectoryA(path, MAX_PATH);
     if (length == 0 || length >= MAX_PATH)
@@ -133,28 +137,35 @@ namespace
 std::vector<std::string> split(const std::string& list)
 {
     std::vector<std::string> texts;
-    for (const char* text = list.c_str(); *text != '\0'; text += texts.back().size() + 1)
-        texts.emplace_back(text);
+    for (std::size_t begin = 0; begin < list.size() && list[begin] != '\0';
+         begin += texts.back().size() + 1)
+        texts.emplace_back(list.c_str() + begin);
     return texts;
 }
 
 // Names: the system lists them in the user's language, and numbers them alike in all
 
+/// Each number and its English name; empty if the system keeps no such list.
+std::string readEnglishList()
+{
+    constexpr const char* key = "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Perflib\\009";
+    std::string list;
+    DWORD size = 0;
+    LSTATUS status = ERROR_MORE_DATA;
+    while (status == ERROR_MORE_DATA || (status == ERROR_SUCCESS && size > list.size()))
+    {
+        list.resize(size);
+        status = RegGetValueA(HKEY_LOCAL_MACHINE, key, "Counter", RRF_RT_REG_MULTI_SZ, nullptr,
+                              list.empty() ? nullptr : list.data(), &size);
+    }
+    return status == ERROR_SUCCESS ? list : std::string();
+}
+
 /// The English names by their numbers.
 std::map<DWORD, std::string> readEnglishNames()
 {
-    constexpr const char* key = "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Perflib\\009";
     std::map<DWORD, std::string> names;
-    std::string list;
-    DWORD size = 0;
-    if (RegGetValueA(HKEY_LOCAL_MACHINE, key, "Counter", RRF_RT_REG_MULTI_SZ, nullptr, nullptr,
-                     &size) != ERROR_SUCCESS)
-        return names;
-    list.resize(size);
-    if (RegGetValueA(HKEY_LOCAL_MACHINE, key, "Counter", RRF_RT_REG_MULTI_SZ, nullptr, list.data(),
-                     &size) != ERROR_SUCCESS)
-        return names;
-    const std::vector<std::string> texts = split(list);
+    const std::vector<std::string> texts = split(readEnglishList());
     for (std::size_t i = 0; i + 1 < texts.size(); i += 2)
         names[std::strtoul(texts[i].c_str(), nullptr, 10)] = texts[i + 1];
     return names;
@@ -200,23 +211,25 @@ private:
     const std::map<DWORD, std::string> _english;
 };
 
+constexpr int mostTries = 8;
+
+/// Tries anew when objects have come between the question how many there are and the answer.
 PDH_STATUS enumerateObjects(std::string& objects)
 {
-    DWORD size = 0;
-    PDH_STATUS status = PdhEnumObjectsA(nullptr, nullptr, nullptr, &size, PERF_DETAIL_WIZARD, TRUE);
-    while (isStatus(status, PDH_MORE_DATA))
+    auto status = static_cast<PDH_STATUS>(PDH_MORE_DATA);
+    for (int i = 0; i < mostTries && isStatus(status, PDH_MORE_DATA); ++i)
     {
-        objects.assign(size, '\0');
-        status =
-            PdhEnumObjectsA(nullptr, nullptr, objects.data(), &size, PERF_DETAIL_WIZARD, FALSE);
+        auto size = static_cast<DWORD>(objects.size());
+        status = PdhEnumObjectsA(nullptr, nullptr, objects.empty() ? nullptr : objects.data(),
+                                 &size, PERF_DETAIL_WIZARD, i == 0 ? TRUE : FALSE);
+        objects.resize(std::max<std::size_t>(objects.size(), size));
     }
     return status;
 }
 
-/// Tries anew when instances have come between the question how many there are and the answer.
+/// The same for instances.
 PDH_STATUS enumerateItems(const std::string& object, std::string& counters, std::string& instances)
 {
-    constexpr int mostTries = 8;
     auto status = static_cast<PDH_STATUS>(PDH_MORE_DATA);
     for (int i = 0; i < mostTries && isStatus(status, PDH_MORE_DATA); ++i)
     {
@@ -234,12 +247,14 @@ PDH_STATUS enumerateItems(const std::string& object, std::string& counters, std:
 
 // A system that cannot list
 
-/// Wine can not: one of its calls says so, the other ends the process.
+/// Wine's own can not: one of its calls says so, the other ends the process. Its libraries bear a
+/// mark behind the header that every library begins with.
 bool canList() noexcept
 {
-    static const bool isWine =
-        GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr;
-    return !isWine;
+    constexpr char mark[] = "Wine builtin DLL";
+    const auto* const image = reinterpret_cast<const char*>(getLibrary());
+    return image == nullptr ||
+           std::memcmp(image + sizeof(IMAGE_DOS_HEADER), mark, sizeof mark) != 0;
 }
 
 struct KnownCounter

@@ -5,9 +5,13 @@
 
 #include <ios>
 #include <ostream>
+#include <string>
 
 namespace Kr
 {
+
+class PrCounter;
+class ProfCounters;
 
 /// Sets a stream up for the table while it lives, and puts its state back.
 class ProfTable
@@ -25,6 +29,12 @@ public:
         writeLabel(label);
         _os << value << std::endl;
     }
+
+    /// A heading and the statistics of each; nothing if they are null.
+    void writeCounters(const ProfCounters* counters);
+
+    /// The heading of a counter: its path, and why it has no statistics.
+    static std::string describe(const ProfCounters& counters, const PrCounter& counter);
 
 private:
     void writeLabel(const char* label);

@@ -1,6 +1,7 @@
 #include <base/internal/testing/testSelection.h>
 
 #include <base/internal/errors/nearestNames.h>
+#include <base/internal/errors/wildcards.h>
 #include <base/raise.h>
 #include <base/testEx.h>
 
@@ -19,8 +20,8 @@ using Tests = TestSelection::Tests;
 
 bool names(const std::string& pattern, const TestCase& test)
 {
-    return TestSelection::matches(pattern, test.getFullName()) ||
-           TestSelection::matches(pattern, test.getGroupName());
+    return fitsWildcards(pattern, test.getFullName()) ||
+           fitsWildcards(pattern, test.getGroupName());
 }
 
 bool isNamed(const std::vector<std::string>& patterns, const TestCase& test)
@@ -65,34 +66,6 @@ void shuffleThings(Things& things, std::mt19937& generator)
 }
 
 } // namespace
-
-bool TestSelection::matches(std::string_view pattern, std::string_view text)
-{
-    std::size_t star = std::string_view::npos; // the newest one, which takes what stands before
-    std::size_t taken = 0;                     // this place of the text
-    std::size_t p = 0;
-    for (std::size_t t = 0; t < text.size();)
-    {
-        if (p < pattern.size() && pattern[p] == '*')
-        {
-            star = p++;
-            taken = t;
-        }
-        else if (p < pattern.size() && pattern[p] == text[t])
-        {
-            ++p;
-            ++t;
-        }
-        else if (star != std::string_view::npos)
-        {
-            p = star + 1;
-            t = ++taken;
-        }
-        else
-            return false;
-    }
-    return pattern.find_first_not_of('*', p) == std::string_view::npos;
-}
 
 Tests TestSelection::select(const Tests& all, const std::vector<std::string>& patterns,
                             const std::vector<std::string>& exclusions)

@@ -7,7 +7,6 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace Kr
@@ -17,9 +16,6 @@ class TestSelection
 {
 public:
     using Tests = std::vector<const TestCase*>;
-
-    /// Whether the text has the form of the pattern, in which "*" stands for any text.
-    static bool matches(std::string_view pattern, std::string_view text);
 
     /// Those of the tests that a pattern names, all if there are no patterns, less those that an
     /// exclusion names. Each names tests, or groups as a whole. Raises `TestEx::ExNoSuchTest` for
