@@ -1,6 +1,8 @@
 // Files, paths and directories, beside the system's calls and the standard library. The files lie
 // in the temporary directory and are in the page cache.
 
+#include "race.h"
+
 #include <base/osDirWalker.h>
 #include <base/osFile.h>
 #include <base/osFilePath.h>
@@ -13,7 +15,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -25,7 +26,17 @@ namespace
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t blockSize = 65536;
+constexpr std::size_t blockSize = transferSize;
+char* const block = getTransferBlock();
+
+/// Where a large block from `new` begins in its page.
+constexpr std::size_t offsetByNew = 16;
+
+void check(bool holds)
+{
+    if (!holds)
+        std::abort();
+}
 
 /// The folder of the run, removed at its end.
 class Folder
@@ -64,10 +75,10 @@ std::string sourceFile()
     static const std::string path = []
     {
         const std::string name = Folder::get() / "source";
-        const std::vector<char> block(1 << 20, 'x');
+        const std::vector<char> mebibyte(1 << 20, 'x');
         std::ofstream stream(name, std::ios::binary);
         for (int i = 0; i < 256; ++i)
-            stream.write(block.data(), static_cast<std::streamsize>(block.size()));
+            stream.write(mebibyte.data(), static_cast<std::streamsize>(mebibyte.size()));
         return name;
     }();
     return path;
@@ -78,14 +89,12 @@ void copyByLibrary(const std::string& from, const std::string& to)
     Kr::OsFile(from).copyTo(to);
 }
 
-void copyByLoop(const std::string& from, const std::string& to)
+void copyByLoop(const std::string& from, const std::string& to, char* through)
 {
     const int in = ::open(from.c_str(), O_RDONLY | O_CLOEXEC);
     const int out = ::open(to.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    const auto block = std::make_unique<char[]>(blockSize);
-    while (const ssize_t size = ::read(in, block.get(), blockSize))
-        if (size < 0 || ::write(out, block.get(), static_cast<std::size_t>(size)) != size)
-            std::abort();
+    while (const ssize_t size = ::read(in, through, blockSize))
+        check(size > 0 && ::write(out, through, static_cast<std::size_t>(size)) == size);
     ::close(out);
     ::close(in);
 }
@@ -97,27 +106,22 @@ void copyByStandard(const std::string& from, const std::string& to)
 
 void copyByCommand(const std::string& from, const std::string& to)
 {
-    if (std::system(("cp '" + from + "' '" + to + "'").c_str()) != 0) // NOLINT: the peer
-        std::abort();
+    check(std::system(("cp '" + from + "' '" + to + "'").c_str()) == 0); // NOLINT: the peer
 }
 
-template <void (*copy)(const std::string&, const std::string&)>
 void copyFile(benchmark::State& state)
 {
     const std::string from = sourceFile();
     const std::string to = Folder::get() / "copy";
-    for (auto _ : state)
-    {
-        copy(from, to);
-        state.PauseTiming();
-        fs::remove(to);
-        state.ResumeTiming();
-    }
+    race(state, benchmark::kMillisecond,
+         {{"library", [&] { copyByLibrary(from, to); }},
+          {"loop", [&] { copyByLoop(from, to, block); }},
+          {"loopByNew", [&] { copyByLoop(from, to, getTransferBlock(offsetByNew)); }},
+          {"standard", [&] { copyByStandard(from, to); }},
+          {"command", [&] { copyByCommand(from, to); }}},
+         [&] { fs::remove(to); });
 }
-BENCHMARK_TEMPLATE(copyFile, copyByLibrary)->UseRealTime()->Unit(benchmark::kMillisecond);
-BENCHMARK_TEMPLATE(copyFile, copyByLoop)->UseRealTime()->Unit(benchmark::kMillisecond);
-BENCHMARK_TEMPLATE(copyFile, copyByStandard)->UseRealTime()->Unit(benchmark::kMillisecond);
-BENCHMARK_TEMPLATE(copyFile, copyByCommand)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(copyFile)->Iterations(5)->Unit(benchmark::kMillisecond);
 
 // Writing and reading 1 GiB by 64 KiB
 
@@ -125,15 +129,14 @@ constexpr int blockCount = 16384;
 
 struct Library
 {
-    static void write(const std::string& path, const char* block)
+    static void write(const std::string& path)
     {
         Kr::OsFileWriter writer(path, Kr::OsFileTypes::Permissions(3, 3, 0), false);
         for (int i = 0; i < blockCount; ++i)
-            if (writer.write(block, blockSize) != blockSize)
-                std::abort();
+            check(writer.write(block, blockSize) == blockSize);
         writer.close();
     }
-    static void read(const std::string& path, char* block)
+    static void read(const std::string& path)
     {
         Kr::OsFileReader reader(path);
         while (reader.read(block, blockSize) != 0)
@@ -143,15 +146,14 @@ struct Library
 
 struct System
 {
-    static void write(const std::string& path, const char* block)
+    static void write(const std::string& path)
     {
         const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
         for (int i = 0; i < blockCount; ++i)
-            if (::write(file, block, blockSize) != ssize_t{blockSize})
-                std::abort();
+            check(::write(file, block, blockSize) == ssize_t{blockSize});
         ::close(file);
     }
-    static void read(const std::string& path, char* block)
+    static void read(const std::string& path)
     {
         const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
         while (::read(file, block, blockSize) > 0)
@@ -162,15 +164,14 @@ struct System
 
 struct Stdio
 {
-    static void write(const std::string& path, const char* block)
+    static void write(const std::string& path)
     {
         std::FILE* const file = std::fopen(path.c_str(), "wb");
         for (int i = 0; i < blockCount; ++i)
-            if (std::fwrite(block, 1, blockSize, file) != blockSize)
-                std::abort();
+            check(std::fwrite(block, 1, blockSize, file) == blockSize);
         std::fclose(file);
     }
-    static void read(const std::string& path, char* block)
+    static void read(const std::string& path)
     {
         std::FILE* const file = std::fopen(path.c_str(), "rb");
         while (std::fread(block, 1, blockSize, file) != 0)
@@ -179,36 +180,28 @@ struct Stdio
     }
 };
 
-template <class Way>
 void writeFile(benchmark::State& state)
 {
     const std::string path = Folder::get() / "large";
-    const std::vector<char> block(blockSize, 'x');
-    for (auto _ : state)
-    {
-        Way::write(path, block.data());
-        state.PauseTiming();
-        fs::remove(path);
-        state.ResumeTiming();
-    }
+    race(state, benchmark::kMillisecond,
+         {{"library", [&] { Library::write(path); }},
+          {"system", [&] { System::write(path); }},
+          {"stdio", [&] { Stdio::write(path); }}},
+         [&] { fs::remove(path); });
 }
-BENCHMARK_TEMPLATE(writeFile, Library)->UseRealTime()->Unit(benchmark::kMillisecond);
-BENCHMARK_TEMPLATE(writeFile, System)->UseRealTime()->Unit(benchmark::kMillisecond);
-BENCHMARK_TEMPLATE(writeFile, Stdio)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(writeFile)->Iterations(3)->Unit(benchmark::kMillisecond);
 
-template <class Way>
 void readFile(benchmark::State& state)
 {
     const std::string path = Folder::get() / "large";
-    std::vector<char> block(blockSize, 'x');
-    System::write(path, block.data());
-    for (auto _ : state)
-        Way::read(path, block.data());
+    System::write(path);
+    race(state, benchmark::kMillisecond,
+         {{"library", [&] { Library::read(path); }},
+          {"system", [&] { System::read(path); }},
+          {"stdio", [&] { Stdio::read(path); }}});
     fs::remove(path);
 }
-BENCHMARK_TEMPLATE(readFile, Library)->UseRealTime()->Unit(benchmark::kMillisecond);
-BENCHMARK_TEMPLATE(readFile, System)->UseRealTime()->Unit(benchmark::kMillisecond);
-BENCHMARK_TEMPLATE(readFile, Stdio)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(readFile)->Iterations(5)->Unit(benchmark::kMillisecond);
 
 // Paths, a million of each
 
@@ -231,26 +224,38 @@ struct StandardPath
 };
 
 template <class Way>
-void joinPaths(benchmark::State& state)
+void joinPaths(const typename Way::Path& folder)
 {
-    const typename Way::Path folder = Way::make();
-    for (auto _ : state)
-        for (int i = 0; i < pathCount; ++i)
-            benchmark::DoNotOptimize(Way::join(folder));
+    for (int i = 0; i < pathCount; ++i)
+        benchmark::DoNotOptimize(Way::join(folder));
 }
-BENCHMARK_TEMPLATE(joinPaths, LibraryPath)->Unit(benchmark::kMillisecond);
-BENCHMARK_TEMPLATE(joinPaths, StandardPath)->Unit(benchmark::kMillisecond);
 
 template <class Way>
+void takeBaseNames(typename Way::Path path)
+{
+    for (int i = 0; i < pathCount; ++i)
+        benchmark::DoNotOptimize(Way::baseName(path));
+}
+
+void joinPaths(benchmark::State& state)
+{
+    const LibraryPath::Path path = LibraryPath::make();
+    const StandardPath::Path standard = StandardPath::make();
+    race(state, benchmark::kMillisecond,
+         {{"library", [&] { joinPaths<LibraryPath>(path); }},
+          {"standard", [&] { joinPaths<StandardPath>(standard); }}});
+}
+BENCHMARK(joinPaths)->Iterations(5)->Unit(benchmark::kMillisecond);
+
 void baseNames(benchmark::State& state)
 {
-    typename Way::Path path = Way::join(Way::make());
-    for (auto _ : state)
-        for (int i = 0; i < pathCount; ++i)
-            benchmark::DoNotOptimize(Way::baseName(path));
+    const LibraryPath::Path path = LibraryPath::join(LibraryPath::make());
+    const StandardPath::Path standard = StandardPath::join(StandardPath::make());
+    race(state, benchmark::kMillisecond,
+         {{"library", [&] { takeBaseNames<LibraryPath>(path); }},
+          {"standard", [&] { takeBaseNames<StandardPath>(standard); }}});
 }
-BENCHMARK_TEMPLATE(baseNames, LibraryPath)->Unit(benchmark::kMillisecond);
-BENCHMARK_TEMPLATE(baseNames, StandardPath)->Unit(benchmark::kMillisecond);
+BENCHMARK(baseNames)->Iterations(5)->Unit(benchmark::kMillisecond);
 
 // A walk of 100,000 files in 1,000 directories
 
@@ -273,40 +278,34 @@ const std::string& tree()
     return path;
 }
 
-std::size_t walkByLibrary()
+void walkByLibrary()
 {
     std::size_t count = 0;
     for (Kr::OsDirWalker walker(tree()); walker.next();)
         count += walker.getEntry().getName()[0] != '\0' ? 1 : 0;
-    return count;
+    check(count == entryCount);
 }
 
-std::size_t walkByStandard()
+void walkByStandard()
 {
     std::size_t count = 0;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(tree()))
         count += entry.path().empty() ? 0 : 1;
-    return count;
+    check(count == entryCount);
 }
 
-std::size_t walkByCommand()
+void walkByCommand()
 {
     const std::string command = "find '" + tree() + "' > /dev/null";
-    if (std::system(command.c_str()) != 0) // NOLINT: the peer
-        std::abort();
-    return entryCount;
+    check(std::system(command.c_str()) == 0); // NOLINT: the peer
 }
 
-template <std::size_t (*walk)()>
 void walkTree(benchmark::State& state)
 {
     tree();
-    for (auto _ : state)
-        if (walk() != entryCount)
-            std::abort();
+    race(state, benchmark::kMillisecond,
+         {{"library", walkByLibrary}, {"standard", walkByStandard}, {"command", walkByCommand}});
 }
-BENCHMARK_TEMPLATE(walkTree, walkByLibrary)->UseRealTime()->Unit(benchmark::kMillisecond);
-BENCHMARK_TEMPLATE(walkTree, walkByStandard)->UseRealTime()->Unit(benchmark::kMillisecond);
-BENCHMARK_TEMPLATE(walkTree, walkByCommand)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(walkTree)->Iterations(5)->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -1,6 +1,8 @@
 // What it costs to start a program and wait for its end, from a small parent and from one with 1 GB
 // resident, and to collect what a program writes, beside the system's own calls.
 
+#include "race.h"
+
 #include <base/osProcess.h>
 
 #include <benchmark/benchmark.h>
@@ -46,14 +48,6 @@ private:
 
 // Starting and waiting
 
-template <class Start>
-void measure(benchmark::State& state, Start start)
-{
-    const Ballast ballast(static_cast<std::size_t>(state.range(0)));
-    for (auto _ : state)
-        start();
-}
-
 pid_t spawn(const char* const* arguments, const posix_spawn_file_actions_t* actions)
 {
     pid_t number = 0;
@@ -68,83 +62,73 @@ void waitFor(pid_t number)
     check(::waitpid(number, &status, 0) == number && status == 0);
 }
 
-void startLibrary(benchmark::State& state)
+void startByFork()
 {
-    const Kr::OsCommand command("/bin/true");
-    measure(state, [&command] { check(Kr::OsProcess(command).wait().isSuccess()); });
+    const pid_t number = ::fork();
+    if (number == 0)
+    {
+        ::execl("/bin/true", "/bin/true", nullptr);
+        ::_exit(1);
+    }
+    waitFor(number);
 }
 
-void startPosixSpawn(benchmark::State& state)
-{
-    const char* const arguments[] = {"/bin/true", nullptr};
-    measure(state, [&arguments] { waitFor(spawn(arguments, nullptr)); });
-}
-
-void startSystem(benchmark::State& state)
-{
-    measure(state, [] { check(std::system("/bin/true") == 0); }); // NOLINT: the peer
-}
-
+/// By itself, because this process pays for a fork long after it, when it writes to its memory.
 void startFork(benchmark::State& state)
 {
-    measure(state,
-            []
-            {
-                const pid_t number = ::fork();
-                if (number == 0)
-                {
-                    ::execl("/bin/true", "/bin/true", nullptr);
-                    ::_exit(1);
-                }
-                waitFor(number);
-            });
+    const Ballast ballast(static_cast<std::size_t>(state.range(0)));
+    race(state, benchmark::kMicrosecond, {{"fork", startByFork}});
 }
 
-void parents(benchmark::internal::Benchmark* benchmark)
+/// @param state its argument is the size of the parent in megabytes
+void start(benchmark::State& state)
 {
-    benchmark->Arg(0)->Arg(1024)->UseRealTime()->Unit(benchmark::kMicrosecond);
+    const Ballast ballast(static_cast<std::size_t>(state.range(0)));
+    const Kr::OsCommand command("/bin/true");
+    const char* const arguments[] = {"/bin/true", nullptr};
+    race(state, benchmark::kMicrosecond,
+         {{"library", [&] { check(Kr::OsProcess(command).wait().isSuccess()); }},
+          {"spawn", [&] { waitFor(spawn(arguments, nullptr)); }},
+          {"system", [] { check(std::system("/bin/true") == 0); }}}); // NOLINT: the peer
 }
-
-BENCHMARK(startLibrary)->Apply(parents);
-BENCHMARK(startPosixSpawn)->Apply(parents);
-BENCHMARK(startSystem)->Apply(parents);
-BENCHMARK(startFork)->Apply(parents);
+BENCHMARK(start)->Arg(0)->Arg(1024)->Iterations(100)->Unit(benchmark::kMillisecond);
+BENCHMARK(startFork)->Arg(0)->Arg(1024)->Iterations(10)->Unit(benchmark::kMillisecond);
 
 // Collecting 256 MiB
 
 constexpr std::size_t collectedSize = std::size_t{256} << 20;
 
-void collectLibrary(benchmark::State& state)
+void collectByLibrary()
 {
     const Kr::OsCommand command("/usr/bin/head", {"-c", "268435456", "/dev/zero"});
-    for (auto _ : state)
-        check(Kr::OsProcess::run(command).output.size() == collectedSize);
+    check(Kr::OsProcess::run(command).output.size() == collectedSize);
 }
 
-void collectReadLoop(benchmark::State& state)
+/// What a program would write that knows the system: without limits in time, for one stream.
+void collectByLoop()
 {
     const char* const arguments[] = {"/usr/bin/head", "-c", "268435456", "/dev/zero", nullptr};
-    for (auto _ : state)
-    {
-        int ends[2];
-        check(::pipe2(ends, O_CLOEXEC) == 0);
-        posix_spawn_file_actions_t actions;
-        ::posix_spawn_file_actions_init(&actions);
-        ::posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
-        const pid_t number = spawn(arguments, &actions);
-        ::posix_spawn_file_actions_destroy(&actions);
-        ::close(ends[1]);
-        std::string output;
-        const std::unique_ptr<char[]> block(new char[65536]);
-        for (ssize_t count = 0; (count = ::read(ends[0], block.get(), 65536)) > 0;)
-            output.append(block.get(), static_cast<std::size_t>(count));
-        ::close(ends[0]);
-        waitFor(number);
-        check(output.size() == collectedSize);
-    }
+    int ends[2];
+    check(::pipe2(ends, O_CLOEXEC) == 0);
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+    const pid_t number = spawn(arguments, &actions);
+    ::posix_spawn_file_actions_destroy(&actions);
+    ::close(ends[1]);
+    std::string output;
+    char* const block = getTransferBlock();
+    for (ssize_t count = 0; (count = ::read(ends[0], block, transferSize)) > 0;)
+        output.append(block, static_cast<std::size_t>(count));
+    ::close(ends[0]);
+    waitFor(number);
+    check(output.size() == collectedSize);
 }
 
-BENCHMARK(collectLibrary)->UseRealTime()->Unit(benchmark::kMillisecond);
-BENCHMARK(collectReadLoop)->UseRealTime()->Unit(benchmark::kMillisecond);
+void collect(benchmark::State& state)
+{
+    race(state, benchmark::kMillisecond, {{"library", collectByLibrary}, {"loop", collectByLoop}});
+}
+BENCHMARK(collect)->Iterations(5)->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -66,9 +66,10 @@ public:
     virtual void remove();            ///< a file; for directories see `OsDir`
     /// Raises if something is at the target. The object names the target from then on.
     virtual void renameTo(const OsFilePath& target);
-    /// Copies the content into a file of that path, or of this one's name inside a directory of
-    /// that path. Raises `OsFileEx::ExPathNotWritable` if the target is a file that cannot be
-    /// written, or is this file itself. What was written before a failure stays.
+    /// Copies the content, not the dates and permissions, into a file of that path, or of this
+    /// one's name inside a directory of that path. Raises `OsFileEx::ExPathNotWritable` if the
+    /// target is a file that cannot be written, or is this file itself. What was written before a
+    /// failure stays.
     virtual void copyTo(const OsFilePath& target);
 
     const OsFilePath& getPath() const noexcept;

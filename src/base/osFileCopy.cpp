@@ -1,5 +1,6 @@
 #include <base/exSysError.h>
 #include <base/internal/os/osFsUtilsWindows.h>
+#include <base/internal/os/osTransferBlock.h>
 #include <base/osFile.h>
 #include <base/osFileEx.h>
 #include <base/osFileReader.h>
@@ -14,13 +15,11 @@ namespace Kr
 namespace
 {
 
-constexpr unsigned long copyBlockSize = 65536;
-
 void copyContent(OsFileReader& reader, OsFileWriter& writer)
 {
-    const ArrayPtr<char> block(new char[copyBlockSize]);
-    while (const unsigned long size = reader.read(block.get(), copyBlockSize))
-        if (writer.write(block.get(), size) != size)
+    const auto block = makeTransferBlocks(1);
+    while (const unsigned long size = reader.read(block[0].bytes, OsTransferBlock::size))
+        if (writer.write(block[0].bytes, size) != size)
             raise<ExSysErrorWindows>(KR_HERE); // the disk is full: the last error says so
     writer.close();
     reader.close();

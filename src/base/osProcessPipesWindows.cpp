@@ -1,4 +1,5 @@
 #include <base/exSysError.h>
+#include <base/internal/os/osTransferBlock.h>
 #include <base/internal/processes/osProcessWindows.h>
 #include <base/raise.h>
 
@@ -10,8 +11,6 @@ namespace Kr
 
 namespace
 {
-
-constexpr std::size_t blockSize = 65536;
 
 DWORD cut(std::size_t size)
 {
@@ -30,7 +29,7 @@ std::size_t transfer(KrPipe& pipe, void* data, std::size_t size)
         if (result == KrTransfer::ended)
             return 0;
         if (result == KrTransfer::failed ||
-            !krWaitForTransfers(&pipe, 1, nullptr, pipe.isPending ? INFINITE : 0))
+            krWaitForTransfers(&pipe, 1, nullptr, pipe.isPending ? INFINITE : 0) == KrWait::failed)
         {
             const ExSysErrorWindows error(KR_HERE);
             krCancelTransfer(pipe, moved);
@@ -77,9 +76,10 @@ private:
     const OsDeadline _deadline;
     const double _linger;
     OsDeadline _lingering{unlimited}; ///< begins anew with all that comes after the process's end
+    bool _mayHaveEnded = true;        ///< not known, or the last wait said so
     bool _hasEnded = false;
     std::size_t _taken = 0;
-    const std::unique_ptr<char[]> _blocks; ///< one for each stream that is read
+    const std::unique_ptr<OsTransferBlock[]> _blocks; ///< one for each stream that is read
 };
 
 OsProcess::Service::Service(State& state, std::string_view input, const Sink& sink, double seconds,
@@ -89,7 +89,7 @@ OsProcess::Service::Service(State& state, std::string_view input, const Sink& si
     , _sink(sink)
     , _deadline(seconds)
     , _linger(linger)
-    , _blocks(new char[2 * blockSize])
+    , _blocks(makeTransferBlocks(2))
 {
 }
 
@@ -107,7 +107,7 @@ OsProcess::Served OsProcess::Service::serve()
     {
         const bool isLastLook = isTimeOver(); // this thread may not have run for a while
         advanceWhilePossible();
-        if (noticeEnd())
+        if ((_mayHaveEnded || isLastLook) && noticeEnd())
             continue; // what it has written last may have come just now
         if (isComplete() || (isLastLook && isTimeOver()))
             break;
@@ -146,8 +146,10 @@ void OsProcess::Service::wait()
 {
     const DWORD limit = std::min(_deadline.getMilliseconds(), _lingering.getMilliseconds());
     const HANDLE process = _hasEnded ? nullptr : _state.process.process;
-    if (!krWaitForTransfers(_state.pipes, std::size(_state.pipes), process, limit))
+    const KrWait result = krWaitForTransfers(_state.pipes, std::size(_state.pipes), process, limit);
+    if (result == KrWait::failed)
         raise<ExSysErrorWindows>(KR_HERE);
+    _mayHaveEnded = result == KrWait::processEnded;
 }
 
 bool OsProcess::Service::isComplete() const
@@ -188,12 +190,12 @@ bool OsProcess::Service::advance(Stream stream)
 KrTransfer OsProcess::Service::begin(Stream stream, DWORD& moved)
 {
     KrPipe& pipe = _state.pipes[stream];
+    constexpr std::size_t most = OsTransferBlock::size;
     if (stream != OsCommand::Input)
-        return krBeginTransfer(pipe, _blocks.get() + (stream - OsCommand::Output) * blockSize,
-                               blockSize, moved);
+        return krBeginTransfer(pipe, _blocks[stream - OsCommand::Output].bytes, most, moved);
     auto* const data = const_cast<char*>(_input.data()) + _taken; // it is written from
-    return krBeginTransfer(pipe, data,
-                           static_cast<DWORD>(std::min(_input.size() - _taken, blockSize)), moved);
+    return krBeginTransfer(pipe, data, static_cast<DWORD>(std::min(_input.size() - _taken, most)),
+                           moved);
 }
 
 void OsProcess::Service::deliver(Stream stream, DWORD moved)

@@ -44,7 +44,14 @@ KrTransfer krFinishTransfer(KrPipe& pipe, DWORD& moved) noexcept;
 /// Ends the pending transfer; `moved` tells what it has moved until then.
 KrTransfer krCancelTransfer(KrPipe& pipe, DWORD& moved) noexcept;
 
+enum class KrWait
+{
+    over,
+    processEnded,
+    failed ///< with the last error set
+};
+
 /// Waits until one of the pending transfers may have ended, the process has, or the time is over.
-/// A null process is left out. Returns false, with the last error set, if it cannot wait.
-bool krWaitForTransfers(KrPipe* pipes, std::size_t count, HANDLE process,
-                        DWORD milliseconds) noexcept;
+/// A null process is left out.
+KrWait krWaitForTransfers(KrPipe* pipes, std::size_t count, HANDLE process,
+                          DWORD milliseconds) noexcept;

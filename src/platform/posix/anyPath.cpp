@@ -90,22 +90,7 @@ bool krRename(const char* from, const char* to)
 
 bool krGetFullPath(const char* path, std::string& full, std::size_t& lastElement)
 {
-    char buffer[1024];
-    char* last = nullptr;
-    DWORD length = GetFullPathNameA(path, sizeof buffer, buffer, &last);
-    const char* text = buffer;
-    if (length >= sizeof buffer)
-    {
-        full.resize(length);
-        length = GetFullPathNameA(path, length, full.data(), &last);
-        text = full.data();
-    }
-    lastElement = last != nullptr ? static_cast<std::size_t>(last - text) : length;
-    if (text == buffer)
-        full.assign(buffer, length);
-    else
-        full.resize(length);
-    return length != 0;
+    return krFindFullPath(path, full, lastElement);
 }
 
 std::filesystem::path krToStdPath(const char* path)

@@ -186,8 +186,8 @@ KrTransfer krCancelTransfer(KrPipe& pipe, DWORD& moved) noexcept
     return KrTransfer::pending;
 }
 
-bool krWaitForTransfers(KrPipe* pipes, std::size_t count, HANDLE process,
-                        DWORD milliseconds) noexcept
+KrWait krWaitForTransfers(KrPipe* pipes, std::size_t count, HANDLE process,
+                          DWORD milliseconds) noexcept
 {
     pollfd wanted[maxPipes + 1];
     nfds_t used = 0;
@@ -199,8 +199,12 @@ bool krWaitForTransfers(KrPipe* pipes, std::size_t count, HANDLE process,
         wanted[used++] = {krObject<KrHandleObject>(process)->getDescriptor(), POLLIN, 0};
     const int limit =
         milliseconds == INFINITE ? -1 : static_cast<int>(std::min<DWORD>(milliseconds, INT_MAX));
-    if (::poll(wanted, used, limit) >= 0 || errno == EINTR)
-        return true;
-    SetLastError(krErrorFromErrno(errno));
-    return false;
+    const int ready = ::poll(wanted, used, limit);
+    if (ready < 0 && errno != EINTR)
+    {
+        SetLastError(krErrorFromErrno(errno));
+        return KrWait::failed;
+    }
+    const bool hasEnded = ready > 0 && process != nullptr && wanted[used - 1].revents != 0;
+    return hasEnded ? KrWait::processEnded : KrWait::over;
 }

@@ -1,4 +1,5 @@
 #include <platform/platform.h>
+#include <platform/posix/path.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -19,12 +20,10 @@ bool isLetter(char c)
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
 
-std::string withBackslashes(std::string text)
+void useBackslashes(std::string& text)
 {
     for (char& c : text)
-        if (c == '/')
-            c = '\\';
-    return text;
+        c = c == '/' ? '\\' : c;
 }
 
 /// The current directory without a separator at its end ("C:" for the root), or "" with the last
@@ -37,7 +36,8 @@ std::string getCurrentDirectory()
         SetLastError(krErrorFromErrno(errno));
         return "";
     }
-    std::string text = withBackslashes(std::string("C:") + buffer);
+    std::string text = std::string("C:") + buffer;
+    useBackslashes(text);
     if (text.back() == '\\')
         text.pop_back();
     return text;
@@ -52,76 +52,82 @@ std::size_t shareLength(const std::string& path)
     return end == std::string::npos ? path.size() : end;
 }
 
-/// A path from the root of a drive or share on, and the length of that root.
-struct RootedPath
+/// Puts a folder before a path; none, with the last error set, if that is "".
+void prepend(const std::string& folder, std::string& path)
 {
-    std::string text;
-    std::size_t root = 0;
-};
+    if (folder.empty())
+        path.clear();
+    else
+        path.insert(0, folder + '\\');
+}
 
-RootedPath makeRooted(const char* path)
+/// Has a path begin at the root of a drive or share, whose length is returned. The path is empty,
+/// with the last error set, if there is no such.
+std::size_t makeRooted(std::string& path)
 {
-    std::string text = withBackslashes(path);
-    if (text.size() >= 2 && text[0] == '\\' && text[1] == '\\')
+    useBackslashes(path);
+    if (path.size() >= 2 && path[0] == '\\' && path[1] == '\\')
     {
         // Behind the two at its beginning no separator stands beside another.
         const auto isDouble = [](char before, char c) { return before == '\\' && c == '\\'; };
-        const auto start = text.begin() + 1;
-        text.erase(std::unique(start, text.end(), isDouble), text.end());
-        return {text, shareLength(text)};
+        path.erase(std::unique(path.begin() + 1, path.end(), isDouble), path.end());
+        return shareLength(path);
     }
-    if (text.size() >= 2 && text[1] == ':' && isLetter(text[0]))
+    constexpr std::size_t driveLength = 2;
+    const bool hasDrive = path.size() >= driveLength && path[1] == ':' && isLetter(path[0]);
+    if (hasDrive && path.size() > driveLength && path[2] == '\\')
+        return driveLength;
+    if (hasDrive)
     {
-        if (text.size() >= 3 && text[2] == '\\')
-            return {text, 2};
-        const bool isCurrent = text[0] == 'C' || text[0] == 'c';
-        const std::string base = isCurrent ? getCurrentDirectory() : text.substr(0, 2);
-        return {base.empty() ? "" : base + '\\' + text.substr(2), 2};
+        const std::string drive = path.substr(0, driveLength);
+        path.erase(0, driveLength);
+        prepend(drive == "C:" || drive == "c:" ? getCurrentDirectory() : drive, path);
     }
-    if (text[0] == '\\')
-        return {"C:" + text, 2};
-    const std::string base = getCurrentDirectory();
-    return {base.empty() ? "" : base + '\\' + text, 2};
+    else if (path[0] == '\\')
+        path.insert(0, "C:");
+    else
+        prepend(getCurrentDirectory(), path);
+    return driveLength;
 }
 
-void appendElement(std::string& result, std::size_t root, std::string_view element, bool isLast)
+/// Moves an element of the path behind the `end` of those that stay; returns their end then.
+std::size_t takeElement(std::string& path, std::size_t root, std::size_t end,
+                        std::string_view element, bool isLast)
 {
     if (element.empty() || element == ".")
-        return;
+        return end;
     if (element == "..")
     {
-        const std::size_t parent = result.rfind('\\');
-        if (parent != std::string::npos && parent >= root)
-            result.erase(parent);
-        return;
+        const std::size_t parent = std::string_view(path).substr(0, end).rfind('\\');
+        return parent != std::string::npos && parent >= root ? parent : end;
     }
     if (!isLast && element.back() == '.')
         element.remove_suffix(1); // the system drops one dot at the end of a directory's name
-    result += '\\';
-    result += element;
+    path[end] = '\\';
+    std::memmove(&path[end + 1], element.data(), element.size());
+    return end + 1 + element.size();
 }
 
 /// Takes out ".", ".." and doubled separators, and what the system drops at the end: dots, blanks.
-std::string collapse(const RootedPath& path)
+void collapse(std::string& path, std::size_t root)
 {
-    std::string result = path.text.substr(0, path.root);
-    std::size_t at = path.root;
+    std::size_t end = root;
     bool endsInSeparator = false;
-    while (at < path.text.size())
+    for (std::size_t at = root; at < path.size();)
     {
         const std::size_t start = at + 1; // behind a separator
-        at = std::min(path.text.find('\\', start), path.text.size());
-        const bool isLast = at == path.text.size();
-        const std::string_view element = std::string_view(path.text).substr(start, at - start);
+        at = std::min(path.find('\\', start), path.size());
+        const bool isLast = at == path.size();
+        const std::string_view element = std::string_view(path).substr(start, at - start);
         endsInSeparator = isLast && element.empty();
-        appendElement(result, path.root, element, isLast);
+        end = takeElement(path, root, end, element, isLast);
     }
+    path.resize(end);
     if (!endsInSeparator)
-        while (result.size() > path.root && (result.back() == '.' || result.back() == ' '))
-            result.pop_back();
-    if (result.back() != '\\' && (endsInSeparator || result.size() == path.root))
-        result += '\\';
-    return result;
+        while (path.size() > root && (path.back() == '.' || path.back() == ' '))
+            path.pop_back();
+    if (path.back() != '\\' && (endsInSeparator || path.size() == root))
+        path += '\\';
 }
 
 /// Hands out a text as the system's calls do.
@@ -135,38 +141,51 @@ DWORD handOut(const std::string& text, DWORD size, char* buffer)
 
 } // namespace
 
-DWORD GetFullPathNameA(const char* path, DWORD size, char* buffer, char** lastElement) noexcept
+bool krFindFullPath(const char* path, std::string& full, std::size_t& lastElement) noexcept
 try
 {
     if (path == nullptr || path[std::strspn(path, " ")] == '\0')
     {
         SetLastError(ERROR_INVALID_NAME);
-        return 0;
+        return false;
     }
-    const RootedPath rooted = makeRooted(path);
-    if (rooted.text.empty())
-        return 0;
-    const std::string full = collapse(rooted);
-    const DWORD length = handOut(full, size, buffer);
-    if (length < size && lastElement != nullptr)
-    {
-        const std::size_t start = full.rfind('\\') + 1;
-        *lastElement = start == full.size() || start <= rooted.root ? nullptr : buffer + start;
-    }
-    return length;
+    full = path;
+    const std::size_t root = makeRooted(full);
+    if (full.empty())
+        return false;
+    collapse(full, root);
+    const std::size_t start = full.rfind('\\') + 1;
+    lastElement = start > root ? start : full.size();
+    return true;
 }
 catch (const std::bad_alloc&)
 {
     SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return 0;
+    return false;
+}
+
+DWORD GetFullPathNameA(const char* path, DWORD size, char* buffer, char** lastElement) noexcept
+{
+    std::string full;
+    std::size_t start = 0;
+    if (!krFindFullPath(path, full, start))
+        return 0;
+    const DWORD length = handOut(full, size, buffer);
+    if (length < size && lastElement != nullptr)
+        *lastElement = start != full.size() ? buffer + start : nullptr;
+    return length;
 }
 
 DWORD GetTempPathA(DWORD size, char* buffer) noexcept
 try
 {
     const char* const named = std::getenv("TMPDIR");
-    const std::string path = std::string(named != nullptr && *named != '\0' ? named : "/tmp") + '/';
-    return handOut(collapse(makeRooted(path.c_str())), size, buffer);
+    std::string path = std::string(named != nullptr && *named != '\0' ? named : "/tmp") + '/';
+    const std::size_t root = makeRooted(path);
+    if (path.empty())
+        return 0;
+    collapse(path, root);
+    return handOut(path, size, buffer);
 }
 catch (const std::bad_alloc&)
 {

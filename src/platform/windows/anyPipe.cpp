@@ -96,8 +96,8 @@ KrTransfer krCancelTransfer(KrPipe& pipe, DWORD& moved) noexcept
     return outcome(pipe, GetOverlappedResult(pipe.handle, &pipe.overlapped, &moved, 1) != 0);
 }
 
-bool krWaitForTransfers(KrPipe* pipes, std::size_t count, HANDLE process,
-                        DWORD milliseconds) noexcept
+KrWait krWaitForTransfers(KrPipe* pipes, std::size_t count, HANDLE process,
+                          DWORD milliseconds) noexcept
 {
     HANDLE wanted[maxPipes + 1];
     DWORD used = 0;
@@ -106,8 +106,11 @@ bool krWaitForTransfers(KrPipe* pipes, std::size_t count, HANDLE process,
             wanted[used++] = pipes[i].overlapped.hEvent;
     if (process != nullptr)
         wanted[used++] = process;
-    if (used != 0)
-        return WaitForMultipleObjects(used, wanted, 0, milliseconds) != WAIT_FAILED;
-    Sleep(milliseconds);
-    return true;
+    if (used == 0)
+        Sleep(milliseconds);
+    else if (WaitForMultipleObjects(used, wanted, 0, milliseconds) == WAIT_FAILED)
+        return KrWait::failed;
+    // The wait itself tells of one only.
+    const bool hasEnded = process != nullptr && WaitForSingleObject(process, 0) == WAIT_OBJECT_0;
+    return hasEnded ? KrWait::processEnded : KrWait::over;
 }
