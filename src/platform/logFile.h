@@ -126,5 +126,13 @@ bool krSyncLogFolder(const char* path) noexcept;
 std::size_t krWriteStandard(std::FILE* stream, const char* text, std::size_t size,
                             unsigned milliseconds) noexcept;
 
+/// Whether the process is ending and its other threads are gone: whoever hands them something, or
+/// waits for them, waits for ever.
+bool krIsLastThread() noexcept;
+
+/// Keeps the library that this is in where it is until the process ends: a thread may be in it that
+/// nobody can wait for.
+void krKeepLibrary() noexcept;
+
 /// The name of the process's user, or the number if there is no name.
 std::string krUserName();

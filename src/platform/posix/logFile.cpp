@@ -4,10 +4,13 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <ctime>
 #include <mutex>
+#include <new>
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <pwd.h>
@@ -273,8 +276,15 @@ struct KrOpenLocks
         return instance;
     }
 
-    static void beforeFork() { get().mutex.lock(); }
-    static void inParent() { get().mutex.unlock(); }
+    /// A call on a lock's file that does not come back, in a file system that is out of reach, does
+    /// not keep the process from forking: what it opens is not open yet.
+    static void beforeFork() { get().isLocked = get().mutex.try_lock_for(forkPatience); }
+
+    static void inParent()
+    {
+        if (get().isLocked)
+            get().mutex.unlock();
+    }
 
     static void inChild()
     {
@@ -284,7 +294,10 @@ struct KrOpenLocks
             lock->_handle = KrFileLock::none;
         }
         get().first = nullptr;
-        get().mutex.unlock();
+        if (get().isLocked)
+            get().mutex.unlock();
+        else
+            ::new (&get().mutex) std::timed_mutex;
     }
 
     void add(KrFileLock* lock)
@@ -302,7 +315,10 @@ struct KrOpenLocks
             *link = lock->_next;
     }
 
-    std::mutex mutex;
+    static constexpr std::chrono::seconds forkPatience{1};
+
+    std::timed_mutex mutex;
+    bool isLocked = false; ///< by the thread that forks
     KrFileLock* first = nullptr;
 };
 
@@ -353,7 +369,7 @@ KrFileLock::Outcome KrFileLock::openFile() noexcept
 {
     if (_handle != none)
         return Outcome::held;
-    const std::lock_guard<std::mutex> guard(KrOpenLocks::get().mutex);
+    const std::lock_guard<std::timed_mutex> guard(KrOpenLocks::get().mutex);
     std::string storage;
     struct stat status = {};
     const char* hostPath = krHostPath(_path.c_str(), storage);
@@ -389,7 +405,7 @@ void KrFileLock::remove() noexcept
 
 void KrFileLock::close() noexcept
 {
-    const std::lock_guard<std::mutex> guard(KrOpenLocks::get().mutex);
+    const std::lock_guard<std::timed_mutex> guard(KrOpenLocks::get().mutex);
     if (_handle == none)
         return;
     KrOpenLocks::get().remove(this);
@@ -476,6 +492,20 @@ std::size_t krWriteStandard(std::FILE* stream, const char* text, std::size_t siz
         SetLastError(krErrorNobodyReads);
     ::funlockfile(stream);
     return written;
+}
+
+/// Threads go with their process here.
+bool krIsLastThread() noexcept
+{
+    return false;
+}
+
+void krKeepLibrary() noexcept
+{
+    static const char here = 0;
+    Dl_info self = {};
+    if (::dladdr(&here, &self) != 0)
+        ::dlopen(self.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
 }
 
 std::string krUserName()

@@ -270,6 +270,21 @@ std::size_t krWriteStandard(std::FILE* stream, const char* text, std::size_t siz
     return std::fwrite(text, 1, size, stream) == size && std::fflush(stream) == 0 ? size : 0;
 }
 
+bool krIsLastThread() noexcept
+{
+    using Question = BOOLEAN(NTAPI*)();
+    static const auto isShuttingDown = reinterpret_cast<Question>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleA("ntdll.dll"), "RtlDllShutdownInProgress")));
+    return isShuttingDown != nullptr && isShuttingDown() != 0;
+}
+
+void krKeepLibrary() noexcept
+{
+    HMODULE self = nullptr;
+    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                       reinterpret_cast<const char*>(&krKeepLibrary), &self);
+}
+
 std::string krUserName()
 {
     char name[257];

@@ -4,9 +4,10 @@
 #include <base/internal/errors/threadLabel.h>
 #include <base/internal/log/lgLogMark.h>
 #include <base/internal/log/lgSharedFile.h>
+#include <base/internal/log/lgStandardStream.h>
+#include <base/internal/log/lgTry.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -273,8 +274,13 @@ void LgKeptRings::nameAdded(std::uint16_t number, std::string_view name) noexcep
 void LgKeptRings::complain(const char* problem) noexcept
 {
     if (!_hasComplained)
-        std::fprintf(stderr, "The log does not survive a kill of the process: %s\n", problem);
-    _hasComplained = true;
+        _hasComplained = lgTry(
+            [problem]
+            {
+                LgStandardStream::complain(
+                    std::string("The log does not survive a kill of the process: ") + problem +
+                    '\n');
+            });
 }
 
 } // namespace Kr

@@ -9,6 +9,7 @@
 #include <base/internal/log/lgFile.h>
 #include <base/internal/log/lgProblem.h>
 
+#include <chrono>
 #include <cstdio>
 #include <string>
 
@@ -18,6 +19,9 @@ namespace Kr
 class LgStandardStream : public LgFile
 {
 public:
+    /// How long a call may take, also where the system has no limit for it.
+    static constexpr std::chrono::seconds patience{2};
+
     explicit LgStandardStream(std::FILE* stream)
         : _stream(stream)
     {
@@ -27,7 +31,8 @@ public:
     bool sync() noexcept override { return true; }
     std::string getProblem() const override { return _problem.getText(); }
 
-    /// Writes what the logger has to say about itself on the standard error stream.
+    /// Writes what the logger has to say about itself on the standard error stream. May be called
+    /// by any thread.
     static void complain(const std::string& text) noexcept;
 
 private:

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <new>
+#include <utility>
 
 namespace Kr
 {
@@ -52,7 +53,7 @@ LgTimelineFile::~LgTimelineFile()
 {
     drain();
     flush(true);
-    _lost += countEvents(_waiting);
+    _lost += countEvents(_waiting) - (_reportSize != 0 ? 1 : 0);
     if (_lost == 0)
         return;
     lgTry(
@@ -129,35 +130,57 @@ void LgTimelineFile::flush(bool now) noexcept
         return;
     if (!_isFailing || now || std::chrono::steady_clock::now() >= _nextTry)
     {
-        const std::size_t reportSize = insertLossReport();
-        if (!_waiting.empty() && write())
+        if (writeWaiting())
             return;
-        _waiting.erase(0, reportSize);
         beginOutage();
     }
     if (_waiting.size() > maxWaiting)
         makeRoom();
 }
 
+bool LgTimelineFile::writeWaiting()
+{
+    do
+    {
+        if (getFixed() == 0)
+            insertLossReport();
+        if (_waiting.empty() || !write())
+        {
+            if (getFixed() == 0)
+                takeOutLossReport();
+            return false;
+        }
+    } while (!_waiting.empty());
+    _isFailing = false;
+    return true;
+}
+
 /// The file is whole afterwards: the bracket at its end makes way for what follows. Each event
 /// brings the comma before it.
 bool LgTimelineFile::write()
 {
+    const std::size_t fixed = getFixed();
     if (!_isStarted)
         _waiting.front() = '[';
     _waiting += ending;
     const std::size_t removed = _isStarted ? endingSize : 0;
-    if (_file->replaceEnd(removed, _waiting.data(), _waiting.size()))
-    {
-        _waiting.clear();
-        _isStarted = true;
-        _isFailing = false;
-        _lost = 0;
-        return true;
-    }
+    const bool isDone = _file->replaceEnd(removed, _waiting.data(), _waiting.size());
     _waiting.resize(_waiting.size() - endingSize);
     _waiting.front() = separator.front();
-    return false;
+    if (!isDone)
+        return false;
+    _waiting.erase(0, fixed != 0 ? fixed : _waiting.size());
+    _isStarted = true;
+    _lost -= std::exchange(_reported, 0);
+    _reportSize = 0;
+    return true;
+}
+
+/// The size of what is being written, and not known to be there yet.
+std::size_t LgTimelineFile::getFixed() const
+{
+    const std::size_t pending = _file->getPending();
+    return pending != 0 ? pending - endingSize : 0;
 }
 
 void LgTimelineFile::sync() noexcept
@@ -166,11 +189,11 @@ void LgTimelineFile::sync() noexcept
         beginOutage();
 }
 
-/// The event that tells of those that were lost, where they would have stood. Returns its size.
-std::size_t LgTimelineFile::insertLossReport()
+/// The event that tells of those that were lost, where they would have stood.
+void LgTimelineFile::insertLossReport()
 {
     if (_lost == 0)
-        return 0;
+        return;
     const std::size_t before = _waiting.size();
     startEvent("i", 0); // within what is reserved
     appendTime("ts", _clock.getElapsed(HwCounter::timeStamp()));
@@ -179,15 +202,24 @@ std::size_t LgTimelineFile::insertLossReport()
     _waiting += " events were lost: the timeline could not be written\"}";
     std::rotate(_waiting.begin(), _waiting.begin() + static_cast<std::ptrdiff_t>(before),
                 _waiting.end());
-    return _waiting.size() - before;
+    _reportSize = _waiting.size() - before;
+    _reported = _lost;
+}
+
+void LgTimelineFile::takeOutLossReport()
+{
+    _waiting.erase(0, _reportSize);
+    _reportSize = 0;
+    _reported = 0;
 }
 
 /// Drops the oldest events. The names of threads may be among them, so they are told again.
 void LgTimelineFile::makeRoom()
 {
-    const std::size_t end = std::min(_waiting.find(separator, batchSize), _waiting.size());
-    _lost += countEvents(std::string_view(_waiting).substr(0, end));
-    _waiting.erase(0, end);
+    const std::size_t begin = getFixed();
+    const std::size_t end = std::min(_waiting.find(separator, begin + batchSize), _waiting.size());
+    _lost += countEvents(std::string_view(_waiting).substr(begin, end - begin));
+    _waiting.erase(begin, end - begin);
     _hasHeader = false;
     _shownNames.clear();
 }
