@@ -537,7 +537,7 @@ TEST(LogTimelineFile, AFileThatDoesNotAnswerLosesNothingUntold)
     const std::string text = readFile(settings.path);
     EXPECT_TRUE(LogTest::JsonCheck::isValue(text));
     std::size_t found = 0;
-    for (std::size_t at = text.find("tt"); at != text.npos; at = text.find("tt", at + 1000))
+    for (std::size_t at = text.find("ttt"); at != text.npos; at = text.find("ttt", at + 1000))
         ++found;
     const std::size_t told = text.find(" events were lost");
     ASSERT_NE(told, text.npos);
