@@ -177,6 +177,8 @@ bool failAt(long n, bool inStart, bool forGood)
                      static_cast<unsigned long>(lost), static_cast<unsigned long>(found.told));
     SCENARIO_CHECK(found.messages + lost == sent && found.told == lost);
     SCENARIO_CHECK(LogTest::JsonCheck::isValue(LogTest::readFile(folder / "timeline.json")));
+    for (const auto& entry : std::filesystem::directory_iterator(folder.getPath()))
+        SCENARIO_CHECK(entry.path().extension() != ".rings");
     return failures != 0;
 }
 
@@ -202,10 +204,18 @@ void forGood()
     walk(false, true);
 }
 
+/// With queues that outlive the process.
+void surviving()
+{
+    Kr::OsEnv::putVariable("KR_LOG_SURVIVE=on");
+    once();
+    forGood();
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
-    const Scenario::Case cases[] = {{"once", once}, {"forGood", forGood}};
+    const Scenario::Case cases[] = {{"once", once}, {"forGood", forGood}, {"surviving", surviving}};
     return Scenario::run(cases, argc, argv);
 }

@@ -107,7 +107,8 @@ bool LgKeptRings::open()
     void* const memory = _file != nullptr ? _file->addChunk() : nullptr;
     if (memory == nullptr)
     {
-        complain(problem.empty() ? "there is no room on the disk." : problem.c_str());
+        if (!problem.empty())
+            complain(problem.c_str());
         return false;
     }
     auto* const header = new (memory) LgRingFormat::Header{};
