@@ -139,16 +139,9 @@ struct Accounts
     std::uint64_t messages = 0;
 };
 
-/// Lets the n-th allocation fail, in the start or after it; returns whether there were so many.
-bool failAt(long n, bool inStart, bool forGood)
+/// The life of a logger, with the allocations failing in the start or after it.
+void runLogger(bool inStart)
 {
-    const LogTest::Folder folder;
-    Kr::OsEnv::putVariable(("KR_LOG_DIR=" + folder.getPath()).c_str());
-    const std::uint64_t lostBefore = Kr::LgLog::getLostCount();
-    sent = 0;
-    failures = 0;
-    countdown = n;
-    failsForGood = forGood;
     isArmed = inStart;
     const bool isStarted = start();
     isArmed = false;
@@ -169,6 +162,20 @@ bool failAt(long n, bool inStart, bool forGood)
         isArmed = false;
     }
     Kr::LgLog::destroy();
+}
+
+/// Lets the n-th allocation fail; returns whether there were so many. Each logger has a thread of
+/// its own, so that nothing is left of the one before.
+bool failAt(long n, bool inStart, bool forGood)
+{
+    const LogTest::Folder folder;
+    Kr::OsEnv::putVariable(("KR_LOG_DIR=" + folder.getPath()).c_str());
+    const std::uint64_t lostBefore = Kr::LgLog::getLostCount();
+    sent = 0;
+    failures = 0;
+    countdown = n;
+    failsForGood = forGood;
+    std::thread(runLogger, inStart).join();
     const std::uint64_t lost = Kr::LgLog::getLostCount() - lostBefore;
     const Accounts found(folder / "events.log");
     if (found.messages + lost != sent || found.told != lost)
