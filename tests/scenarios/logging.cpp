@@ -638,7 +638,7 @@ struct FloodCount
                 ++messages;
             else if (std::sscanf(text.c_str(), "Event overflow [%d]", &count) == 1)
                 lost += count;
-            else
+            else if (text.find("Another process held this file") != 0) // a machine may be busy
                 ++others;
         }
     }

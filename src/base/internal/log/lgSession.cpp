@@ -82,11 +82,11 @@ std::uint64_t LgSession::getLostCount() const
 
 LgSession* LgSession::forFork(LgSession* parent)
 {
-    LgSettings settings = parent->_settings;
-    settings.timelinePath.clear();
     LgTimeline::_enabled = false;
     if (parent->_keptRings != nullptr)
         parent->_keptRings->abandon();
+    LgSettings settings = parent->_settings;
+    settings.timelinePath.clear();
     return new LgSession(settings, parent);
 }
 

@@ -3,6 +3,7 @@
 #include <base/hwCounter.h>
 #include <base/internal/errors/processIdentity.h>
 #include <base/internal/log/lgJson.h>
+#include <base/internal/log/lgLosses.h>
 #include <base/internal/log/lgStandardStream.h>
 #include <base/internal/log/lgTimeText.h>
 #include <base/internal/log/lgTry.h>
@@ -58,7 +59,7 @@ LgTimelineFile::~LgTimelineFile()
 {
     drain();
     flush(true);
-    _lost += countEvents(_waiting) - (_reportSize != 0 ? 1 : 0);
+    _lost += countEvents(_waiting) - (_reportSize != 0 ? 1 : 0) + LgLosses::takeUntoldSpans();
     if (_lost == 0)
         return;
     lgTry(
@@ -115,6 +116,25 @@ void LgTimelineFile::drain() noexcept
     lgTry([this] { LgCounters::ask(&addCounter, this); });
     takeNewRings();
     lgTry([this] { drainRings(); });
+    tellSpansWithoutRing();
+}
+
+/// Of threads that had no memory for a ring, or were at their end.
+void LgTimelineFile::tellSpansWithoutRing()
+{
+    const std::uint32_t lost = LgLosses::takeUntoldSpans();
+    if (lost == 0)
+        return;
+    const std::size_t before = _waiting.size();
+    const auto tell = [&]
+    {
+        const std::string text = std::to_string(lost) + " spans lost: no ring for their thread";
+        performAddMessage({LgTypes::Warning, HwCounter::timeStamp(), 0, {}, text, 0});
+    };
+    if (lgTry(tell))
+        return;
+    _waiting.resize(before);
+    LgLosses::countSpans(lost);
 }
 
 /// Threads that have ended are let go; their end is looked at before their ring.

@@ -55,6 +55,7 @@ private:
     void takeOutLossReport();
     void performAddMessage(const LgRecord& record);
     void drainRings();
+    void tellSpansWithoutRing();
     void makeRoom();
     void beginOutage();
     void addHeader();
