@@ -69,6 +69,7 @@ public:
         return taken;
     }
 
+    bool isFar() const noexcept override { return false; }
     bool sync() noexcept override { return true; }
     std::string getProblem() const override { return "No room."; }
 
@@ -412,6 +413,8 @@ public:
         _gate->pass();
         return _file->replaceEnd(removed, text, size);
     }
+
+    bool isFar() const noexcept override { return true; }
 
     bool sync() noexcept override
     {

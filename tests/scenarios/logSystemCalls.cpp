@@ -17,7 +17,9 @@
 #include <optional>
 
 #include <dlfcn.h>
+#include <linux/magic.h>
 #include <sys/stat.h>
+#include <sys/statfs.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -97,6 +99,15 @@ extern "C"
     int fstat(int file, struct stat* status) noexcept
     {
         return answer<int>("fstat", pathOf(file), file, status);
+    }
+
+    /// Where calls hang, the files are another machine's.
+    int fstatfs(int file, struct statfs* system) noexcept
+    {
+        const int result = answer<int>("fstatfs", pathOf(file), file, system);
+        if (hangs)
+            system->f_type = NFS_SUPER_MAGIC;
+        return result;
     }
 
     int lstat(const char* path, struct stat* status) noexcept

@@ -3,6 +3,7 @@
 #include <platform/posix/path.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -16,6 +17,7 @@
 #include <pwd.h>
 #include <stdio_ext.h>
 #include <sys/stat.h>
+#include <sys/statfs.h>
 #include <unistd.h>
 
 namespace
@@ -119,6 +121,23 @@ std::size_t writeAll(int descriptor, bool mayBlock, const char* text, std::size_
     return written;
 }
 
+/// Whether somebody else serves the file: so it is unless the file system is known as one on a disk
+/// or in memory.
+bool isServed(int descriptor)
+{
+    // ext2 to 4, XFS, Btrfs, F2FS, ZFS, bcachefs, Reiser, JFS, NILFS, UDF, FAT, exFAT, NTFS, tmpfs,
+    // ramfs, in this order.
+    constexpr std::array<std::uint32_t, 15> onDisk = {
+        0xEF53, 0x58465342, 0x9123683E, 0xF2F52010, 0x2FC12FC1, 0xCA451A4E, 0x52654973, 0x3153464A,
+        0x3434, 0x15013346, 0x4D44,     0x2011BAB0, 0x7366746E, 0x01021994, 0x858458F6};
+    constexpr std::uint32_t overlay = 0x794C7630; // of such ones, as a rule
+    struct statfs system = {};
+    if (::fstatfs(descriptor, &system) != 0)
+        return true;
+    const auto kind = static_cast<std::uint32_t>(system.f_type);
+    return kind != overlay && std::find(onDisk.begin(), onDisk.end(), kind) == onDisk.end();
+}
+
 bool isRegular(int descriptor)
 {
     struct stat status = {};
@@ -201,6 +220,7 @@ bool KrLogFile::open(const char* path, bool appends, bool) noexcept
     }
     _handle = descriptor;
     _isStream = !S_ISREG(status.st_mode);
+    _isFar = !_isStream && isServed(descriptor);
     return true;
 }
 
@@ -492,6 +512,12 @@ std::size_t krWriteStandard(std::FILE* stream, const char* text, std::size_t siz
         SetLastError(krErrorNobodyReads);
     ::funlockfile(stream);
     return written;
+}
+
+bool krIsFarStandard(std::FILE* stream) noexcept
+{
+    const int descriptor = ::fileno(stream);
+    return isRegular(descriptor) && isServed(descriptor);
 }
 
 /// Threads go with their process here.

@@ -2,6 +2,7 @@
 
 #include <aclapi.h>
 #include <atomic>
+#include <io.h>
 
 namespace
 {
@@ -69,6 +70,15 @@ bool isOwner(PSID owner)
     return isUser || isOwn;
 }
 
+/// Only files that another machine serves have a protocol for that.
+bool isFar(HANDLE file)
+{
+    FILE_REMOTE_PROTOCOL_INFO protocol = {};
+    return GetFileType(file) != FILE_TYPE_DISK ||
+           GetFileInformationByHandleEx(file, FileRemoteProtocolInfo, &protocol, sizeof protocol) !=
+               0;
+}
+
 /// Gives the name of an open file to another one: renames it out of the way, and removes it when it
 /// is closed.
 bool discard(const char* path)
@@ -93,6 +103,7 @@ bool KrLogFile::open(const char* path, bool, bool isAlone) noexcept
         return false;
     _handle = reinterpret_cast<std::intptr_t>(file);
     _isStream = GetFileType(file) != FILE_TYPE_DISK;
+    _isFar = isFar(file);
     return true;
 }
 
@@ -268,6 +279,11 @@ std::size_t krWriteStandard(std::FILE* stream, const char* text, std::size_t siz
                             unsigned) noexcept
 {
     return std::fwrite(text, 1, size, stream) == size && std::fflush(stream) == 0 ? size : 0;
+}
+
+bool krIsFarStandard(std::FILE* stream) noexcept
+{
+    return isFar(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream))));
 }
 
 bool krIsLastThread() noexcept

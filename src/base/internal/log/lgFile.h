@@ -44,6 +44,9 @@ public:
     /// 0, the next call must begin with them, and tells of them alone.
     virtual std::size_t getPending() const noexcept;
 
+    /// Whether the next call may never come back, and keep the caller for ever.
+    virtual bool isFar() const noexcept = 0;
+
     /// Returns when what was appended is on the disk.
     virtual bool sync() noexcept = 0;
 

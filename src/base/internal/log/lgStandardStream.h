@@ -28,6 +28,7 @@ public:
     }
 
     std::size_t append(const char* text, std::size_t size) noexcept override;
+    bool isFar() const noexcept override { return _isFar; }
     bool sync() noexcept override { return true; }
     std::string getProblem() const override { return _problem.getText(); }
 
@@ -39,6 +40,7 @@ private:
     std::FILE* const _stream;
     LgProblem _problem;
     bool _isStuck = false; ///< took not everything last time
+    bool _isFar = true;    ///< before that is known
 };
 
 } // namespace Kr

@@ -48,6 +48,7 @@ private:
 std::size_t LgStandardStream::append(const char* text, std::size_t size) noexcept
 {
     const std::size_t written = krWriteStandard(_stream, text, size, _isStuck ? 0 : streamPatience);
+    _isFar = krIsFarStandard(_stream);
     _isStuck = written != size;
     if (_isStuck)
         _problem.take();

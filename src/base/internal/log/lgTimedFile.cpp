@@ -80,6 +80,8 @@ std::size_t LgTimedFile::write(const char* text, std::size_t size, std::size_t r
 {
     if (!isBack())
         return 0;
+    if (_pending == 0 && !_call->file->isFar())
+        return writeDirectly(text, size, removed);
     if (_pending == 0)
     {
         _call->removed = removed;
@@ -139,6 +141,11 @@ bool LgTimedFile::isBack() noexcept
 bool LgTimedFile::run(Action action) noexcept
 {
     _call->action = action;
+    if (!_call->file->isFar())
+    {
+        _call->result = action(*_call);
+        return true;
+    }
     _isLate = !_helper->run(_call, _patience);
     return !_isLate;
 }

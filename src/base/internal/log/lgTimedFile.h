@@ -4,9 +4,10 @@
 /// Internal to the library: a file whose calls have a limit in time: a file system may be out of
 /// reach, and nobody may read a pipe.
 ///
-/// A call that takes longer fails for now. It goes on nevertheless, with a copy of its text, and
-/// until it has come back every other one fails at once: `getPending` tells of how many bytes it is
-/// not known whether they were written.
+/// Where the file is known as near, the caller makes the calls: to hand them over would cost more
+/// than most of them do. A far one is served by the helper: a call that takes longer fails for now.
+/// It goes on nevertheless, with a copy of its text, and until it has come back every other one
+/// fails at once: `getPending` tells of how many bytes it is not known whether they were written.
 
 #include <base/internal/log/lgFile.h>
 #include <base/internal/log/lgHelper.h>
@@ -34,6 +35,7 @@ public:
 
     std::size_t append(const char* text, std::size_t size) noexcept override;
     bool replaceEnd(std::size_t removed, const char* text, std::size_t size) noexcept override;
+    bool isFar() const noexcept override { return false; }
     bool sync() noexcept override;
     void rest() noexcept override;
     std::string getProblem() const override;
