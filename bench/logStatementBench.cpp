@@ -58,8 +58,10 @@ struct TemporaryFolder
 class Logger
 {
 public:
-    Logger()
+    /// @param survives whether the queues outlive the process
+    explicit Logger(bool survives = false)
     {
+        Kr::OsEnv::putVariable(survives ? "KR_LOG_SURVIVE=on" : "KR_LOG_SURVIVE=");
         Kr::OsEnv::putVariable(("KR_LOG_DIR=" + _folder.path).c_str());
         Kr::OsEnv::putVariable("KR_LOG_DEFAULT_LEVEL=Informational");
         Kr::LgLog::init();
@@ -137,24 +139,34 @@ void BM_queueOfLogger(benchmark::State& state)
 BENCHMARK_TEMPLATE(BM_queueOfLogger, Constant)->Apply(manual);
 BENCHMARK_TEMPLATE(BM_queueOfLogger, IntAndDouble)->Apply(manual);
 
+enum class Queues
+{
+    memory,
+    file ///< they survive a kill of the process
+};
+
+template <Queues queues>
 void BM_statementConstant(benchmark::State& state)
 {
-    const Logger logger;
+    const Logger logger(queues == Queues::file);
     measure(state, [&group = *logger.group](int) { KR_LOG(group, Informational) << constantText; });
     if (Kr::LgLog::getLostCount() != 0)
         state.SkipWithError("messages were lost");
 }
-BENCHMARK(BM_statementConstant)->Apply(manual);
+BENCHMARK_TEMPLATE(BM_statementConstant, Queues::memory)->Apply(manual);
+BENCHMARK_TEMPLATE(BM_statementConstant, Queues::file)->Apply(manual);
 
+template <Queues queues>
 void BM_statementIntAndDouble(benchmark::State& state)
 {
-    const Logger logger;
+    const Logger logger(queues == Queues::file);
     measure(state, [&group = *logger.group](int i)
             { KR_LOG(group, Informational) << "cycle " << i << " took " << everydayNumber(i); });
     if (Kr::LgLog::getLostCount() != 0)
         state.SkipWithError("messages were lost");
 }
-BENCHMARK(BM_statementIntAndDouble)->Apply(manual);
+BENCHMARK_TEMPLATE(BM_statementIntAndDouble, Queues::memory)->Apply(manual);
+BENCHMARK_TEMPLATE(BM_statementIntAndDouble, Queues::file)->Apply(manual);
 
 template <class Message>
 void BM_spdlogAsync(benchmark::State& state)

@@ -9,6 +9,8 @@
 #include <base/internal/log/lgReaderThread.h>
 #include <base/internal/log/lgRegistry.h>
 #include <base/internal/log/lgSettings.h>
+#include <base/internal/log/lgTimedFile.h>
+#include <base/internal/log/lgTimelineFile.h>
 #include <base/lgQueue.h>
 
 #include <logTestFiles.h>
@@ -18,7 +20,9 @@
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <map>
+#include <mutex>
 #include <sstream>
 #include <thread>
 
@@ -40,7 +44,8 @@ struct Memory
     std::string text;
     int appends = 0;
     bool fails = false;
-    std::size_t mostTaken = 1 << 20; ///< at a time
+    std::size_t mostTaken = 1 << 20;  ///< at a time
+    std::size_t firstTaken = 1 << 20; ///< by the first call
     std::size_t room = 1 << 30;
 };
 
@@ -56,11 +61,15 @@ public:
     {
         ++_memory.appends;
         const bool fits = _memory.text.size() + size <= _memory.room;
-        const std::size_t taken = _memory.fails || !fits ? 0 : std::min(size, _memory.mostTaken);
+        const std::size_t taken =
+            _memory.fails || !fits ? 0
+                                   : std::min({size, _memory.mostTaken,
+                                               _memory.appends == 1 ? _memory.firstTaken : size});
         _memory.text.append(text, taken);
         return taken;
     }
 
+    bool isFar() const noexcept override { return false; }
     bool sync() noexcept override { return true; }
     std::string getProblem() const override { return "No room."; }
 
@@ -342,6 +351,201 @@ TEST_F(LogReader, APartOfALineIsContinued)
     EXPECT_GT(outputs.getLostCount(), 0U);
     for (const std::string& text : all)
         EXPECT_EQ(text.rfind('p') == 999, !testing::Matches(HasSubstr("were lost"))(text)) << text;
+}
+
+/// Keeps whoever comes while it is closed.
+class Gate
+{
+public:
+    void set(bool isOpen)
+    {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        _isOpen = isOpen;
+        _changed.notify_all();
+    }
+
+    void pass()
+    {
+        std::unique_lock<std::mutex> lock(_mutex);
+        _changed.wait(lock, [this] { return _isOpen; });
+    }
+
+    /// For the file, when it goes; and whoever waits for that.
+    void end()
+    {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        _hasEnded = true;
+    }
+
+    bool hasEnded()
+    {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        return _hasEnded;
+    }
+
+private:
+    std::mutex _mutex;
+    std::condition_variable _changed;
+    bool _isOpen = true;
+    bool _hasEnded = false;
+};
+
+/// A file that is out of reach while its gate is closed.
+class FarFile : public Kr::LgFile
+{
+public:
+    FarFile(std::unique_ptr<Kr::LgFile> file, std::shared_ptr<Gate> gate)
+        : _file(std::move(file))
+        , _gate(std::move(gate))
+    {
+    }
+
+    ~FarFile() override { _gate->end(); }
+
+    std::size_t append(const char* text, std::size_t size) noexcept override
+    {
+        _gate->pass();
+        return _file->append(text, size);
+    }
+
+    bool replaceEnd(std::size_t removed, const char* text, std::size_t size) noexcept override
+    {
+        _gate->pass();
+        return _file->replaceEnd(removed, text, size);
+    }
+
+    bool isFar() const noexcept override { return true; }
+
+    bool sync() noexcept override
+    {
+        _gate->pass();
+        return _file->sync();
+    }
+
+    std::string getProblem() const override { return _file->getProblem(); }
+
+private:
+    const std::unique_ptr<Kr::LgFile> _file;
+    const std::shared_ptr<Gate> _gate;
+};
+
+constexpr std::chrono::milliseconds shortPatience(20);
+constexpr std::chrono::seconds noHang(10);
+
+std::unique_ptr<Kr::LgFile> makeFar(std::unique_ptr<Kr::LgFile> file,
+                                    const std::shared_ptr<Gate>& gate)
+{
+    return std::make_unique<Kr::LgTimedFile>(std::make_unique<FarFile>(std::move(file), gate),
+                                             std::make_shared<Kr::LgHelper>(), shortPatience);
+}
+
+/// Nobody waits for it but once, other outputs go on, and what it took in the end, all of it or a
+/// part, is not written again; what found no room meanwhile is told.
+TEST_F(LogReader, AFileThatDoesNotAnswerStopsNobody)
+{
+    const auto queue = addQueue(1);
+    for (const std::size_t taken : {std::size_t{1} << 20, std::size_t{1500}, std::size_t{0}})
+    {
+        const auto gate = std::make_shared<Gate>();
+        Memory far;
+        far.firstTaken = taken;
+        memory.text.clear();
+        auto file = makeFar(std::make_unique<MemoryFile>(far), gate);
+        const Kr::LgFile& seen = *file;
+        const auto output = std::make_shared<Kr::LgOutput>(std::move(file), "far", format);
+        outputs.setOutput(LgTypes::Error, output);
+        gate->set(false);
+        testing::internal::CaptureStderr();
+        const auto start = std::chrono::steady_clock::now();
+        for (int i = 0; i < 600; ++i)
+        {
+            log(*queue, std::string(1000, 'f') + std::to_string(i), LgTypes::Error);
+            log(*queue, "near");
+            reader.flushAll();
+            outputs.sync();
+        }
+        EXPECT_LT(std::chrono::steady_clock::now() - start, noHang);
+        EXPECT_EQ(countLines(memory.text), 600U);
+        const std::string complaint = testing::internal::GetCapturedStderr();
+        EXPECT_EQ(countLines(complaint), 1U) << complaint;
+        EXPECT_THAT(complaint, HasSubstr("far: It does not answer."));
+        EXPECT_THAT(output->getLostCount(), testing::AllOf(testing::Gt(300U), testing::Lt(420U)));
+        gate->set(true);
+        while (seen.getPending() != 0)
+            outputs.flush(true);
+        outputs.close();
+        EXPECT_EQ(countLines(far.text), 601 - output->getLostCount());
+        EXPECT_THAT(far.text,
+                    HasSubstr(std::to_string(output->getLostCount()) + " messages were lost"));
+        for (const int i : {0, 1, 598, 599})
+            EXPECT_EQ(far.text.find("ff" + std::to_string(i) + '\n'),
+                      far.text.rfind("ff" + std::to_string(i) + '\n'));
+    }
+}
+
+/// One that does not answer to the end costs the end one wait, and all of its messages are told.
+TEST_F(LogReader, AFileThatNeverAnswersIsLeft)
+{
+    const auto queue = addQueue(1);
+    const auto gate = std::make_shared<Gate>();
+    auto output = std::make_shared<Kr::LgOutput>(
+        makeFar(std::make_unique<MemoryFile>(memory), gate), "far", format);
+    outputs.setOutput(LgTypes::Error, output);
+    gate->set(false);
+    testing::internal::CaptureStderr();
+    for (int i = 0; i < 3; ++i)
+        log(*queue, "far", LgTypes::Error);
+    reader.flushAll();
+    outputs.close();
+    EXPECT_EQ(output->getLostCount(), 3U);
+    outputs.setOutput(LgTypes::Error, nullptr);
+    output.reset();
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("3 messages were lost"));
+    EXPECT_FALSE(gate->hasEnded());
+    gate->set(true);
+    while (!gate->hasEnded())
+        std::this_thread::yield();
+}
+
+/// So it is with the timeline, which is whole whenever it can be read.
+TEST(LogTimelineFile, AFileThatDoesNotAnswerLosesNothingUntold)
+{
+    const Folder folder;
+    const Kr::LgClock clock;
+    Kr::LgFileSettings settings;
+    settings.path = folder / "timeline.json";
+    settings.isExclusive = true;
+    const auto gate = std::make_shared<Gate>();
+    testing::internal::CaptureStderr();
+    {
+        auto file = makeFar(Kr::LgFile::create(settings), gate);
+        const Kr::LgFile& seen = *file;
+        Kr::LgTimelineFile timeline(std::move(file), "far", clock);
+        const auto add = [&](int number)
+        {
+            const std::string text = std::string(1000, 't') + std::to_string(number);
+            timeline.addMessage({LgTypes::Warning, Kr::HwCounter::timeStamp(), 0, {}, text, 0});
+            timeline.flush(true);
+        };
+        add(0);
+        gate->set(false);
+        for (int i = 1; i < 600; ++i)
+            add(i);
+        EXPECT_TRUE(LogTest::JsonCheck::isValue(readFile(settings.path)));
+        gate->set(true);
+        while (seen.getPending() != 0)
+            timeline.flush(true);
+    }
+    EXPECT_EQ(countLines(testing::internal::GetCapturedStderr()), 1U);
+    const std::string text = readFile(settings.path);
+    EXPECT_TRUE(LogTest::JsonCheck::isValue(text));
+    std::size_t found = 0;
+    for (std::size_t at = text.find("ttt"); at != text.npos; at = text.find("ttt", at + 1000))
+        ++found;
+    const std::size_t told = text.find(" events were lost");
+    ASSERT_NE(told, text.npos);
+    EXPECT_EQ(found + std::stoul(text.substr(text.rfind('"', told) + 1)), 600U);
+    EXPECT_NE(text.find("t599"), text.npos);
 }
 
 struct LineCase

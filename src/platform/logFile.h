@@ -40,6 +40,10 @@ public:
     bool isOpen() const noexcept { return _handle != none; }
     bool isStream() const noexcept { return _isStream; }
 
+    /// Whether a call on it may never come back: a file in a file system that another machine or
+    /// another process serves, and a stream where the system has no limit for writing.
+    bool isFar() const noexcept { return _isFar; }
+
     /// Whether it is still the one that its path names.
     bool isAt(const char* path) const noexcept;
 
@@ -67,6 +71,7 @@ private:
 
     std::intptr_t _handle = none;
     bool _isStream = false;
+    bool _isFar = false;
 };
 
 /// A lock between processes: a file of its own, for its owner alone, which is locked. The lock ends
@@ -125,6 +130,17 @@ bool krSyncLogFolder(const char* path) noexcept;
 /// Returns how many bytes were written.
 std::size_t krWriteStandard(std::FILE* stream, const char* text, std::size_t size,
                             unsigned milliseconds) noexcept;
+
+/// Whether the process is ending and its other threads are gone: whoever hands them something, or
+/// waits for them, waits for ever.
+bool krIsLastThread() noexcept;
+
+/// Keeps the library that this is in where it is until the process ends: a thread may be in it that
+/// nobody can wait for.
+void krKeepLibrary() noexcept;
+
+/// So it is with a standard stream.
+bool krIsFarStandard(std::FILE* stream) noexcept;
 
 /// The name of the process's user, or the number if there is no name.
 std::string krUserName();

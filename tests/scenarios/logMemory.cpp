@@ -11,10 +11,9 @@
 #include <base/threadName.h>
 
 #include <logTestFiles.h>
+#include <shortMemory.h>
 
 #include <atomic>
-#include <cstdlib>
-#include <memory>
 #include <new>
 #include <optional>
 #include <thread>
@@ -23,50 +22,9 @@
 namespace
 {
 
-std::atomic<long> countdown{0}; // to the allocation that fails
-std::atomic<bool> isArmed{false};
-std::atomic<bool> failsForGood{false};
-std::atomic<int> failures{0};
-
-bool mustFail()
-{
-    if (!isArmed)
-        return false;
-    const long left = --countdown;
-    const bool fails = left == 0 || (left < 0 && failsForGood);
-    failures += fails ? 1 : 0;
-    return fails;
-}
-
-} // namespace
-
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept
-{
-    return mustFail() ? nullptr : std::malloc(size != 0 ? size : 1);
-}
-
-void* operator new(std::size_t size)
-{
-    if (void* memory = operator new(size, std::nothrow))
-        return memory;
-    throw std::bad_alloc();
-}
-
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
-
-namespace
-{
-
 /// How many messages were sent; the program logs in every way that takes memory.
 std::atomic<std::uint64_t> sent{0};
+std::atomic<std::uint64_t> sentSpans{0};
 
 void logSome(const Kr::LgMinorGroup& group, int count)
 {
@@ -85,6 +43,7 @@ void logInThread(const Kr::LgMinorGroup& group)
     Kr::ThreadName::set("a thread with a longer name");
     {
         const Kr::LgSpan span("part");
+        ++sentSpans;
     }
     logSome(group, 5);
     KR_LOG(group, Warning) << "outer " << logWithin(group);
@@ -119,12 +78,12 @@ void runThread(const Kr::LgMinorGroup& group)
     }
 }
 
-/// The numbers that the file's records of lost messages hold, and how many other lines there are.
+/// What the logs hold, and what they tell of.
 struct Accounts
 {
-    explicit Accounts(const std::string& path)
+    explicit Accounts(const LogTest::Folder& folder)
     {
-        for (const std::string& line : LogTest::readLines(path))
+        for (const std::string& line : LogTest::readLines(folder / "events.log"))
         {
             unsigned long count = 0;
             const std::string text = LogTest::textOf(line);
@@ -133,32 +92,43 @@ struct Accounts
             else
                 ++messages;
         }
+        const std::string timeline = LogTest::readFile(folder / "timeline.json");
+        SCENARIO_CHECK(LogTest::JsonCheck::isValue(timeline));
+        spans = sumOf(timeline, "\"cat\":\"span\"", false) + sumOf(timeline, " spans lost", true) +
+                sumOf(timeline, " events were lost", true);
+    }
+
+    /// The numbers before all places where the text stands, or how many there are.
+    static std::uint64_t sumOf(const std::string& all, const std::string& text, bool isNumber)
+    {
+        std::uint64_t sum = 0;
+        for (std::size_t at = 0; (at = all.find(text, at)) != all.npos; ++at)
+            sum += isNumber ? std::stoul(all.substr(all.rfind('"', at) + 1)) : 1;
+        return sum;
     }
 
     std::uint64_t told = 0;
     std::uint64_t messages = 0;
+    std::uint64_t spans = 0; ///< that are there or told, with what else the timeline lacks
 };
 
-/// Lets the n-th allocation fail, in the start or after it; returns whether there were so many.
-bool failAt(long n, bool inStart, bool forGood)
+/// The life of a logger, with the allocations failing in the start or after it. Returns whether one
+/// has.
+bool runLogger(long n, bool inStart, bool forGood)
 {
-    const LogTest::Folder folder;
-    Kr::OsEnv::putVariable(("KR_LOG_DIR=" + folder.getPath()).c_str());
-    const std::uint64_t lostBefore = Kr::LgLog::getLostCount();
-    sent = 0;
-    failures = 0;
-    countdown = n;
-    failsForGood = forGood;
-    isArmed = inStart;
+    if (inStart)
+        ShortMemory::begin(n, forGood);
     const bool isStarted = start();
-    isArmed = false;
+    ShortMemory::end();
     if (!isStarted)
         Kr::LgLog::init();
+    bool hasFailed = false;
     {
         const Kr::LgMinorGroup group(Kr::LgMajorGroup::getInstanceForName("Test"), "Memory");
         std::uint64_t heard = 0;
         const Kr::LgListener listener([&](const Kr::LgMessage&) { ++heard; });
-        isArmed = !inStart;
+        if (!inStart)
+            ShortMemory::begin(n, forGood);
         for (int i = 0; i < 3; ++i)
         {
             logSome(group, 3);
@@ -166,18 +136,37 @@ bool failAt(long n, bool inStart, bool forGood)
         }
         KR_LOG(group, FatalError) << "fatal";
         ++sent;
-        isArmed = false;
+        hasFailed = ShortMemory::end();
     }
     Kr::LgLog::destroy();
+    return hasFailed;
+}
+
+/// Lets the n-th allocation fail; returns whether there were so many. Each logger has a thread of
+/// its own, so that nothing is left of the one before.
+bool failAt(long n, bool inStart, bool forGood)
+{
+    const LogTest::Folder folder;
+    Kr::OsEnv::putVariable(("KR_LOG_DIR=" + folder.getPath()).c_str());
+    const std::uint64_t lostBefore = Kr::LgLog::getLostCount();
+    sent = 0;
+    sentSpans = 0;
+    bool hasFailed = false;
+    std::thread([&] { hasFailed = runLogger(n, inStart, forGood); }).join();
     const std::uint64_t lost = Kr::LgLog::getLostCount() - lostBefore;
-    const Accounts found(folder / "events.log");
-    if (found.messages + lost != sent || found.told != lost)
-        std::fprintf(stderr, "allocation %ld: %lu sent, %lu written, %lu lost, %lu told\n", n,
-                     static_cast<unsigned long>(sent), static_cast<unsigned long>(found.messages),
-                     static_cast<unsigned long>(lost), static_cast<unsigned long>(found.told));
-    SCENARIO_CHECK(found.messages + lost == sent && found.told == lost);
-    SCENARIO_CHECK(LogTest::JsonCheck::isValue(LogTest::readFile(folder / "timeline.json")));
-    return failures != 0;
+    const Accounts found(folder);
+    const bool isRight =
+        found.messages + lost == sent && found.told == lost && found.spans >= sentSpans;
+    if (!isRight)
+        std::fprintf(
+            stderr, "allocation %ld: %lu sent, %lu written, %lu lost, %lu told; %lu of %lu spans\n",
+            n, static_cast<unsigned long>(sent), static_cast<unsigned long>(found.messages),
+            static_cast<unsigned long>(lost), static_cast<unsigned long>(found.told),
+            static_cast<unsigned long>(found.spans), static_cast<unsigned long>(sentSpans));
+    SCENARIO_CHECK(isRight);
+    for (const auto& entry : std::filesystem::directory_iterator(folder.getPath()))
+        SCENARIO_CHECK(entry.path().extension() != ".rings");
+    return hasFailed;
 }
 
 void walk(bool inStart, bool forGood)
@@ -202,10 +191,18 @@ void forGood()
     walk(false, true);
 }
 
+/// With queues that outlive the process.
+void surviving()
+{
+    Kr::OsEnv::putVariable("KR_LOG_SURVIVE=on");
+    once();
+    forGood();
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
-    const Scenario::Case cases[] = {{"once", once}, {"forGood", forGood}};
+    const Scenario::Case cases[] = {{"once", once}, {"forGood", forGood}, {"surviving", surviving}};
     return Scenario::run(cases, argc, argv);
 }

@@ -10,6 +10,7 @@
 #include <base/osEnv.h>
 
 #include <logTestFiles.h>
+#include <shortMemory.h>
 
 #include <atomic>
 #include <csignal>
@@ -131,6 +132,60 @@ void forksOfTwoThreads()
     SCENARIO_CHECK(counts["parent"] == 60 && counts["child"] == 60);
 }
 
+/// Returns whether an allocation has failed in the child.
+bool forkWithoutMemory(long n, bool forGood)
+{
+    const LogTest::Folder folder;
+    Kr::OsEnv::putVariable(("KR_LOG_DIR=" + folder.getPath()).c_str());
+    Kr::LgLog::init();
+    const Kr::LgMinorGroup group(Kr::LgMajorGroup::getInstanceForName("Test"), "Fork");
+    KR_LOG(group, Warning) << "parent";
+    Kr::LgLog::flush();
+    const std::uint64_t lostBefore = Kr::LgLog::getLostCount();
+    ShortMemory::begin(n, forGood);
+    const pid_t child = ::fork();
+    if (child == 0)
+    {
+        for (int i = 0; i < 3; ++i)
+            KR_LOG(group, Warning) << "child";
+        const int hasFailed = ShortMemory::end() ? 1 : 0;
+        KR_LOG(group, Warning) << "child";
+        Kr::LgLog::destroy();
+        std::_Exit(2 * static_cast<int>(Kr::LgLog::getLostCount() - lostBefore) + hasFailed);
+    }
+    ShortMemory::end();
+    int status = -1;
+    SCENARIO_CHECK(::waitpid(child, &status, 0) == child && WIFEXITED(status));
+    Kr::LgLog::destroy();
+    std::map<std::string, int> counts;
+    int told = 0;
+    for (const std::string& line : LogTest::readLines(folder / "events.log"))
+    {
+        const int number = std::atoi(LogTest::textOf(line).c_str());
+        told += number;
+        counts[LogTest::textOf(line)] += number == 0 ? 1 : 0;
+    }
+    const int lost = WEXITSTATUS(status) / 2;
+    if (counts["child"] + told != 4 || told != lost)
+        std::fprintf(stderr, "allocation %ld: %d written, %d told, %d lost\n", n, counts["child"],
+                     told, lost);
+    SCENARIO_CHECK(counts["child"] + told == 4 && told == lost && counts["parent"] == 1);
+    return WEXITSTATUS(status) % 2 != 0;
+}
+
+/// Where memory is short when a process is forked, the child tells how many messages it has lost,
+/// and logs when there is memory again.
+void forkedWithoutMemory()
+{
+    for (const bool forGood : {false, true})
+    {
+        long n = 1;
+        while (forkWithoutMemory(n, forGood) && Scenario::failures() == 0)
+            ++n;
+        SCENARIO_CHECK(n > 10);
+    }
+}
+
 /// How much address space the process may take beyond what it has.
 void limitMemory(rlim_t more)
 {
@@ -240,9 +295,12 @@ void fullDisk()
 int main(int argc, char** argv)
 {
     ownPath = argv[0];
-    const Scenario::Case cases[] = {
-        {"forkedProcess", forkedProcess},           {"logOnBothSides", logOnBothSides},
-        {"forksOfTwoThreads", forksOfTwoThreads},   {"forkInTwoThreads", forkInTwoThreads},
-        {"noMemoryForThreads", noMemoryForThreads}, {"fullDisk", fullDisk}};
+    const Scenario::Case cases[] = {{"forkedProcess", forkedProcess},
+                                    {"logOnBothSides", logOnBothSides},
+                                    {"forksOfTwoThreads", forksOfTwoThreads},
+                                    {"forkInTwoThreads", forkInTwoThreads},
+                                    {"forkedWithoutMemory", forkedWithoutMemory},
+                                    {"noMemoryForThreads", noMemoryForThreads},
+                                    {"fullDisk", fullDisk}};
     return Scenario::run(cases, argc, argv);
 }

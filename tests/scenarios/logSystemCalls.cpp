@@ -1,5 +1,5 @@
-// Every system call that the log's output makes fails in turn, once or for good. The host's calls
-// are answered here, for the files of the log alone.
+// Every system call that the log's output makes fails in turn, once or for good, or never comes
+// back. The host's calls are answered here, for the files of the log alone.
 
 #include "scenario.h"
 
@@ -10,12 +10,16 @@
 
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
+#include <list>
 #include <map>
 #include <optional>
 
 #include <dlfcn.h>
+#include <linux/magic.h>
 #include <sys/stat.h>
+#include <sys/statfs.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -28,6 +32,7 @@ std::atomic<bool> isArmed{false};
 std::atomic<int> calls{0};
 int failing = noCall; ///< the number of the first call that fails
 int lastFailing = 0;
+bool hangs = false; ///< instead of failing
 std::string folderPath;
 std::string synced; ///< the paths that were, each in a line
 
@@ -45,8 +50,11 @@ bool fails(const std::string& path)
     if (!isArmed || path.find(folderPath) == path.npos)
         return false;
     const int call = ++calls;
+    const bool isHit = call >= failing && call <= lastFailing;
+    while (isHit && hangs)
+        ::pause();
     errno = failing == lastFailing ? EIO : ENOSPC;
-    return call >= failing && call <= lastFailing;
+    return isHit;
 }
 
 /// The host's answer, or that the call has failed.
@@ -93,6 +101,15 @@ extern "C"
         return answer<int>("fstat", pathOf(file), file, status);
     }
 
+    /// Where calls hang, the files are another machine's.
+    int fstatfs(int file, struct statfs* system) noexcept
+    {
+        const int result = answer<int>("fstatfs", pathOf(file), file, system);
+        if (hangs)
+            system->f_type = NFS_SUPER_MAGIC;
+        return result;
+    }
+
     int lstat(const char* path, struct stat* status) noexcept
     {
         return answer<int>("lstat", path, path, status);
@@ -124,111 +141,161 @@ namespace
 
 // --- the program -------------------------------------------------------------------------------
 
-constexpr int messages = 8;
+constexpr int rounds = 9;
+constexpr int numMessages = 2 * rounds + 1;
 
+/// Into two logs, with rotation.
 void logWithRotation(const Kr::LgMinorGroup& group)
 {
     const std::string filler(100, '.');
-    for (int i = 0; i <= messages; ++i)
+    for (int i = 0; i < rounds; ++i)
     {
-        KR_LOG(group, Warning) << "message " << i << filler.c_str() << "end";
+        KR_LOG(group, Warning) << "message " << 2 * i << filler.c_str() << "end";
+        KR_LOG(group, Profiling) << "message " << 2 * i + 1 << "end";
         if (i % 2 == 1)
             Kr::LgLog::flush();
     }
-    KR_LOG(group, FatalError) << "the end";
+    KR_LOG(group, FatalError) << "message " << 2 * rounds << " end";
 }
 
+enum class Fault
+{
+    once,
+    forGood,
+    hang
+};
+
 /// Runs with some calls failing, and tells on the standard output how many there were, what was
-/// lost and what came to the disk.
-void victim(int firstFailing, bool forGood)
+/// lost, how long it took, and what came to the disk.
+void victim(int firstFailing, Fault fault)
 {
     failing = firstFailing;
-    lastFailing = forGood ? noCall : firstFailing;
+    lastFailing = fault == Fault::forGood ? noCall : firstFailing;
+    hangs = fault == Fault::hang;
     const std::string directory = "--logger.directory=" + folderPath;
-    const char* const words[] = {"victim", directory.c_str(), "--logger.maxSize=500",
-                                 "--logger.maxFiles=99"};
-    int argc = 4;
+    const char* const words[] = {"victim", directory.c_str(), "--logger.groups=Test=Profiling",
+                                 "--logger.maxSize=500", "--logger.maxFiles=99"};
+    int argc = 5;
     const char* const* argv = words;
     isArmed = true;
+    const auto start = std::chrono::steady_clock::now();
     std::optional<Kr::InInitGuard> guard(std::in_place, argc, argv);
     logWithRotation({Kr::LgMajorGroup::getInstanceForName("Test"), "Calls"});
     guard.reset();
     isArmed = false;
-    std::printf("calls %d lost %lu\n%s", calls.load(),
-                static_cast<unsigned long>(Kr::LgLog::getLostCount()), synced.c_str());
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+    std::printf("calls %d lost %lu in %f\n%s", calls.load(),
+                static_cast<unsigned long>(Kr::LgLog::getLostCount()), taken.count(),
+                synced.c_str());
     std::fflush(stdout);
 }
 
 // --- the cases ---------------------------------------------------------------------------------
 
-/// Where the victim logs, and what became of it.
-struct Run
+/// Where a victim logs, and what became of it.
+class Run
 {
-    explicit Run(int firstFailing, bool forGood = false)
+public:
+    explicit Run(int firstFailing = noCall, Fault fault = Fault::once)
+        : _name("call " + std::to_string(firstFailing) + " of kind " +
+                std::to_string(static_cast<int>(fault)))
+        , _fault(fault)
     {
         folderPath = folder / "logs";
-        const pid_t process = ::fork();
-        if (process == 0)
-        {
-            const bool isRedirected =
-                std::freopen((folder / "out").c_str(), "w", stdout) != nullptr &&
-                std::freopen((folder / "err").c_str(), "w", stderr) != nullptr;
-            victim(firstFailing, forGood);
-            std::_Exit(isRedirected ? 0 : 1);
-        }
-        ::waitpid(process, &status, 0);
-        std::sscanf(LogTest::readFile(folder / "out").c_str(), "calls %d lost %d", &made, &lost);
+        _process = ::fork();
+        if (_process != 0)
+            return;
+        const bool isRedirected = std::freopen((folder / "out").c_str(), "w", stdout) != nullptr &&
+                                  std::freopen((folder / "err").c_str(), "w", stderr) != nullptr;
+        victim(firstFailing, fault);
+        std::_Exit(isRedirected ? 0 : 1);
+    }
+
+    /// Returns how many calls there were.
+    int finish()
+    {
+        ::waitpid(_process, &_status, 0);
+        int made = 0;
+        std::sscanf(LogTest::readFile(folder / "out").c_str(), "calls %d lost %d in %lf", &made,
+                    &_lost, &_seconds);
         std::error_code error;
         for (const auto& entry : std::filesystem::directory_iterator(folder / "logs", error))
             for (const std::string& line : LogTest::readLines(entry.path().string()))
                 read(line);
+        return made;
     }
 
+    /// Each message is in a file, once, or is counted; and nobody waited for long. What a call was
+    /// writing that never came back may be both.
+    void check() const
+    {
+        const auto isOnce = [](const auto& each) { return each.second == 1; };
+        const bool areOnce = std::all_of(_whole.begin(), _whole.end(), isOnce);
+        const int found = static_cast<int>(_whole.size());
+        const bool isRight =
+            _status == 0 && _torn.empty() && areOnce && _seconds < 20 &&
+            (_fault == Fault::hang ? found + _lost >= numMessages : found + _lost == numMessages);
+        if (!isRight)
+            std::fprintf(stderr, "%s: status %d, %d found, %d lost, %f s\n", _name.c_str(), _status,
+                         found, _lost, _seconds);
+        SCENARIO_CHECK(isRight);
+    }
+
+    const LogTest::Folder folder;
+
+private:
     void read(const std::string& line)
     {
         const std::string text = LogTest::textOf(line);
         int number = -1;
-        hasEnd = hasEnd || text == "the end";
         if (std::sscanf(text.c_str(), "message %d", &number) != 1)
             return;
         const bool isWhole = text.size() > 3 && text.compare(text.size() - 3, 3, "end") == 0;
-        ++(isWhole ? whole : torn)[number];
+        ++(isWhole ? _whole : _torn)[number];
     }
 
-    const LogTest::Folder folder;
-    int status = -1;
-    int made = 0;
-    int lost = -1;
-    std::map<int, int> whole; ///< how often each message was found
-    std::map<int, int> torn;
-    bool hasEnd = false;
+    const std::string _name;
+    const Fault _fault;
+    pid_t _process = 0;
+    int _status = -1;
+    int _lost = -1;
+    double _seconds = 0;
+    std::map<int, int> _whole; ///< how often each message was found
+    std::map<int, int> _torn;
 };
 
-/// Each message is in a file, once, or is counted.
 void eachFails()
 {
-    const int made = Run(noCall).made;
+    const int made = Run().finish();
     SCENARIO_CHECK(made > 100 && made < 1000);
-    for (const bool forGood : {false, true})
+    for (const Fault fault : {Fault::once, Fault::forGood})
         for (int i = 1; i <= made; ++i)
         {
-            const Run run(i, forGood);
-            const auto isOnce = [](const auto& each) { return each.second == 1; };
-            const bool areOnce = std::all_of(run.whole.begin(), run.whole.end(), isOnce);
-            const int found = static_cast<int>(run.whole.size());
-            const bool isRight = run.status == 0 && run.torn.empty() && areOnce &&
-                                 found + run.lost - (run.hasEnd ? 0 : 1) == messages + 1;
-            if (!isRight)
-                std::fprintf(stderr, "call %d %s: status %d, %d found, %d lost\n", i,
-                             forGood ? "for good" : "", run.status, found, run.lost);
-            SCENARIO_CHECK(isRight);
+            Run run(i, fault);
+            run.finish();
+            run.check();
         }
+}
+
+/// All at once, as they do nothing but wait.
+void eachHangs()
+{
+    const int made = Run().finish();
+    std::list<Run> runs;
+    for (int i = 1; i <= made; ++i)
+        runs.emplace_back(i, Fault::hang);
+    for (Run& run : runs)
+    {
+        run.finish();
+        run.check();
+    }
 }
 
 /// A fatal error takes everything before it to the disk, also what was rotated, and the names.
 void syncs()
 {
-    const Run run(noCall);
+    Run run;
+    run.finish();
     const std::string out = LogTest::readFile(run.folder / "out");
     const auto isSynced = [&](const std::string& path)
     { return out.find('\n' + path + '\n') != out.npos; };
@@ -247,6 +314,7 @@ void syncs()
 
 int main(int argc, char** argv)
 {
-    const Scenario::Case cases[] = {{"eachFails", eachFails}, {"syncs", syncs}};
+    const Scenario::Case cases[] = {
+        {"eachFails", eachFails}, {"eachHangs", eachHangs}, {"syncs", syncs}};
     return Scenario::run(cases, argc, argv);
 }

@@ -3,16 +3,21 @@
 #include <platform/posix/path.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <ctime>
 #include <mutex>
+#include <new>
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <pwd.h>
 #include <stdio_ext.h>
 #include <sys/stat.h>
+#include <sys/statfs.h>
 #include <unistd.h>
 
 namespace
@@ -116,6 +121,23 @@ std::size_t writeAll(int descriptor, bool mayBlock, const char* text, std::size_
     return written;
 }
 
+/// Whether somebody else serves the file: so it is unless the file system is known as one on a disk
+/// or in memory.
+bool isServed(int descriptor)
+{
+    // ext2 to 4, XFS, Btrfs, F2FS, ZFS, bcachefs, Reiser, JFS, NILFS, UDF, FAT, exFAT, NTFS, tmpfs,
+    // ramfs, in this order.
+    constexpr std::array<std::uint32_t, 15> onDisk = {
+        0xEF53, 0x58465342, 0x9123683E, 0xF2F52010, 0x2FC12FC1, 0xCA451A4E, 0x52654973, 0x3153464A,
+        0x3434, 0x15013346, 0x4D44,     0x2011BAB0, 0x7366746E, 0x01021994, 0x858458F6};
+    constexpr std::uint32_t overlay = 0x794C7630; // of such ones, as a rule
+    struct statfs system = {};
+    if (::fstatfs(descriptor, &system) != 0)
+        return true;
+    const auto kind = static_cast<std::uint32_t>(system.f_type);
+    return kind != overlay && std::find(onDisk.begin(), onDisk.end(), kind) == onDisk.end();
+}
+
 bool isRegular(int descriptor)
 {
     struct stat status = {};
@@ -198,6 +220,7 @@ bool KrLogFile::open(const char* path, bool appends, bool) noexcept
     }
     _handle = descriptor;
     _isStream = !S_ISREG(status.st_mode);
+    _isFar = !_isStream && isServed(descriptor);
     return true;
 }
 
@@ -273,8 +296,15 @@ struct KrOpenLocks
         return instance;
     }
 
-    static void beforeFork() { get().mutex.lock(); }
-    static void inParent() { get().mutex.unlock(); }
+    /// A call on a lock's file that does not come back, in a file system that is out of reach, does
+    /// not keep the process from forking: what it opens is not open yet.
+    static void beforeFork() { get().isLocked = get().mutex.try_lock_for(forkPatience); }
+
+    static void inParent()
+    {
+        if (get().isLocked)
+            get().mutex.unlock();
+    }
 
     static void inChild()
     {
@@ -284,7 +314,10 @@ struct KrOpenLocks
             lock->_handle = KrFileLock::none;
         }
         get().first = nullptr;
-        get().mutex.unlock();
+        if (get().isLocked)
+            get().mutex.unlock();
+        else
+            ::new (&get().mutex) std::timed_mutex;
     }
 
     void add(KrFileLock* lock)
@@ -302,7 +335,10 @@ struct KrOpenLocks
             *link = lock->_next;
     }
 
-    std::mutex mutex;
+    static constexpr std::chrono::seconds forkPatience{1};
+
+    std::timed_mutex mutex;
+    bool isLocked = false; ///< by the thread that forks
     KrFileLock* first = nullptr;
 };
 
@@ -353,7 +389,7 @@ KrFileLock::Outcome KrFileLock::openFile() noexcept
 {
     if (_handle != none)
         return Outcome::held;
-    const std::lock_guard<std::mutex> guard(KrOpenLocks::get().mutex);
+    const std::lock_guard<std::timed_mutex> guard(KrOpenLocks::get().mutex);
     std::string storage;
     struct stat status = {};
     const char* hostPath = krHostPath(_path.c_str(), storage);
@@ -389,7 +425,7 @@ void KrFileLock::remove() noexcept
 
 void KrFileLock::close() noexcept
 {
-    const std::lock_guard<std::mutex> guard(KrOpenLocks::get().mutex);
+    const std::lock_guard<std::timed_mutex> guard(KrOpenLocks::get().mutex);
     if (_handle == none)
         return;
     KrOpenLocks::get().remove(this);
@@ -476,6 +512,26 @@ std::size_t krWriteStandard(std::FILE* stream, const char* text, std::size_t siz
         SetLastError(krErrorNobodyReads);
     ::funlockfile(stream);
     return written;
+}
+
+bool krIsFarStandard(std::FILE* stream) noexcept
+{
+    const int descriptor = ::fileno(stream);
+    return isRegular(descriptor) && isServed(descriptor);
+}
+
+/// Threads go with their process here.
+bool krIsLastThread() noexcept
+{
+    return false;
+}
+
+void krKeepLibrary() noexcept
+{
+    static const char here = 0;
+    Dl_info self = {};
+    if (::dladdr(&here, &self) != 0)
+        ::dlopen(self.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
 }
 
 std::string krUserName()

@@ -2,6 +2,7 @@
 
 #include <aclapi.h>
 #include <atomic>
+#include <io.h>
 
 namespace
 {
@@ -69,6 +70,15 @@ bool isOwner(PSID owner)
     return isUser || isOwn;
 }
 
+/// Only files that another machine serves have a protocol for that.
+bool isFar(HANDLE file)
+{
+    FILE_REMOTE_PROTOCOL_INFO protocol = {};
+    return GetFileType(file) != FILE_TYPE_DISK ||
+           GetFileInformationByHandleEx(file, FileRemoteProtocolInfo, &protocol, sizeof protocol) !=
+               0;
+}
+
 /// Gives the name of an open file to another one: renames it out of the way, and removes it when it
 /// is closed.
 bool discard(const char* path)
@@ -93,6 +103,7 @@ bool KrLogFile::open(const char* path, bool, bool isAlone) noexcept
         return false;
     _handle = reinterpret_cast<std::intptr_t>(file);
     _isStream = GetFileType(file) != FILE_TYPE_DISK;
+    _isFar = isFar(file);
     return true;
 }
 
@@ -268,6 +279,26 @@ std::size_t krWriteStandard(std::FILE* stream, const char* text, std::size_t siz
                             unsigned) noexcept
 {
     return std::fwrite(text, 1, size, stream) == size && std::fflush(stream) == 0 ? size : 0;
+}
+
+bool krIsFarStandard(std::FILE* stream) noexcept
+{
+    return isFar(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream))));
+}
+
+bool krIsLastThread() noexcept
+{
+    using Question = BOOLEAN(NTAPI*)();
+    static const auto isShuttingDown = reinterpret_cast<Question>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleA("ntdll.dll"), "RtlDllShutdownInProgress")));
+    return isShuttingDown != nullptr && isShuttingDown() != 0;
+}
+
+void krKeepLibrary() noexcept
+{
+    HMODULE self = nullptr;
+    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                       reinterpret_cast<const char*>(&krKeepLibrary), &self);
 }
 
 std::string krUserName()

@@ -49,6 +49,9 @@ public:
     /// names of the files.
     bool sync() noexcept;
 
+    /// See `LgFile`. Before the file is open that is not known.
+    bool isFar() const noexcept;
+
     /// Lets go of a file that has been moved away.
     void rest();
 

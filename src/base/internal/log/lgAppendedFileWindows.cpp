@@ -218,6 +218,11 @@ bool LgAppendedFile::sync() noexcept
     return isDone;
 }
 
+bool LgAppendedFile::isFar() const noexcept
+{
+    return _file == nullptr || _file->isFar();
+}
+
 void LgAppendedFile::rest()
 {
     if (_file != nullptr && !isCurrent())

@@ -24,6 +24,7 @@ public:
 
     std::size_t append(const char* text, std::size_t size) noexcept override;
     bool replaceEnd(std::size_t removed, const char* text, std::size_t size) noexcept override;
+    bool isFar() const noexcept override;
     bool sync() noexcept override;
     std::string getProblem() const override { return _problem.getText(); }
 

@@ -53,6 +53,11 @@ bool LgExclusiveFile::replaceEnd(std::size_t removed, const char* text, std::siz
     return false;
 }
 
+bool LgExclusiveFile::isFar() const noexcept
+{
+    return _file == nullptr || _file->isFar();
+}
+
 bool LgExclusiveFile::sync() noexcept
 {
     return _file == nullptr || _file->sync() || failed();

@@ -40,6 +40,13 @@ public:
     /// false, with the file as it was, if that fails.
     virtual bool replaceEnd(std::size_t removed, const char* text, std::size_t size) noexcept;
 
+    /// Of how many bytes of the last text it is not known yet whether they are there. Until that is
+    /// 0, the next call must begin with them, and tells of them alone.
+    virtual std::size_t getPending() const noexcept;
+
+    /// Whether the next call may never come back, and keep the caller for ever.
+    virtual bool isFar() const noexcept = 0;
+
     /// Returns when what was appended is on the disk.
     virtual bool sync() noexcept = 0;
 

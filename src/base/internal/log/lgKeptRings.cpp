@@ -4,9 +4,10 @@
 #include <base/internal/errors/threadLabel.h>
 #include <base/internal/log/lgLogMark.h>
 #include <base/internal/log/lgSharedFile.h>
+#include <base/internal/log/lgStandardStream.h>
+#include <base/internal/log/lgTry.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -106,7 +107,8 @@ bool LgKeptRings::open()
     void* const memory = _file != nullptr ? _file->addChunk() : nullptr;
     if (memory == nullptr)
     {
-        complain(problem.empty() ? "there is no room on the disk." : problem.c_str());
+        if (!problem.empty())
+            complain(problem.c_str());
         return false;
     }
     auto* const header = new (memory) LgRingFormat::Header{};
@@ -273,8 +275,13 @@ void LgKeptRings::nameAdded(std::uint16_t number, std::string_view name) noexcep
 void LgKeptRings::complain(const char* problem) noexcept
 {
     if (!_hasComplained)
-        std::fprintf(stderr, "The log does not survive a kill of the process: %s\n", problem);
-    _hasComplained = true;
+        _hasComplained = lgTry(
+            [problem]
+            {
+                LgStandardStream::complain(
+                    std::string("The log does not survive a kill of the process: ") + problem +
+                    '\n');
+            });
 }
 
 } // namespace Kr

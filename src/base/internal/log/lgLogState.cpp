@@ -5,13 +5,16 @@
 #include <base/internal/log/lgLosses.h>
 #include <base/internal/log/lgReaderThread.h>
 #include <base/internal/log/lgSpareQueues.h>
+#include <base/internal/log/lgStandardStream.h>
 #include <base/internal/log/lgThread.h>
+#include <base/internal/log/lgTry.h>
 
 #include <atomic>
 #include <chrono>
 #include <exception>
 #include <mutex>
 #include <new>
+#include <numeric>
 #include <thread>
 
 namespace Kr
@@ -30,7 +33,8 @@ struct State
 {
     std::mutex draining; // held by whoever drains; taken before `pointer`
     std::mutex pointer;  // guards `session` against those who add to it
-    LgSession* session = nullptr;
+    std::atomic<LgSession*> session{nullptr};
+    LgSession* forkedFrom = nullptr; // the parent's, where there was no memory for one yet
     std::uint32_t lastNumber = 0;
     std::uint64_t cut = 0; // in sessions that have ended
     std::atomic<bool> isBlocking{false};
@@ -62,6 +66,39 @@ void keepSpares(LgSession& session) noexcept
         session.getRegistry().keepSpares(LgLogState::wakeReader);
 }
 
+/// The session; made now where there was no memory for it when the process was forked. The caller
+/// holds the lock of the pointer.
+LgSession* findSession() noexcept
+{
+    if (state().forkedFrom == nullptr)
+        return state().session;
+    try
+    {
+        LgSession* const session = LgSession::forFork(state().forkedFrom);
+        keepSpares(*session);
+        state().session = session;
+        state().forkedFrom = nullptr;
+    }
+    catch (const std::exception&)
+    {
+        // What is logged meanwhile is counted, and told when there is a session.
+    }
+    return state().session;
+}
+
+/// What a forked process has lost that never had the memory for a session.
+void tellOnErrorStream() noexcept
+{
+    const LgQueue::Counts counts = LgLosses::takeUntold();
+    const auto lost = std::accumulate(counts.begin(), counts.end(), std::uint64_t{0});
+    if (lost != 0)
+        lgTry(
+            [lost] {
+                LgStandardStream::complain(std::to_string(lost) +
+                                           " messages were lost for want of memory\n");
+            });
+}
+
 } // namespace
 
 std::atomic<std::uint32_t> LgLogState::_number{0};
@@ -84,24 +121,26 @@ bool LgLogState::isBlocking() noexcept
 std::shared_ptr<LgKeptRings> LgLogState::getKeptRings(std::uint32_t sessionNumber)
 {
     const std::lock_guard<std::mutex> lock(state().pointer);
-    return _number == sessionNumber ? state().session->getKeptRings() : nullptr;
+    LgSession* const session = _number == sessionNumber ? findSession() : nullptr;
+    return session != nullptr ? session->getKeptRings() : nullptr;
 }
 
 bool LgLogState::addQueue(std::uint32_t sessionNumber, const std::shared_ptr<LgQueue>& queue)
 {
     const std::lock_guard<std::mutex> lock(state().pointer);
-    if (_number != sessionNumber)
-        return false;
-    state().session->getRegistry().addQueue(queue);
-    return true;
+    LgSession* const session = _number == sessionNumber ? findSession() : nullptr;
+    if (session != nullptr)
+        session->getRegistry().addQueue(queue);
+    return session != nullptr;
 }
 
 bool LgLogState::addRing(std::uint32_t sessionNumber, const std::shared_ptr<LgSpanRing>& ring)
 {
     const std::lock_guard<std::mutex> lock(state().pointer);
-    if (_number != sessionNumber || state().session->getTimeline() == nullptr)
+    LgSession* const session = _number == sessionNumber ? state().session.load() : nullptr;
+    if (session == nullptr || session->getTimeline() == nullptr)
         return false;
-    state().session->getTimeline()->addRing(ring);
+    session->getTimeline()->addRing(ring);
     return true;
 }
 
@@ -149,6 +188,7 @@ void LgLogState::start(std::unique_ptr<LgSession> session)
     state().mainThread = ProcessIdentity::getThreadId();
     keepSpares(*session);
     state().session = session.release();
+    state().forkedFrom = nullptr;
     _number = ++state().lastNumber;
 }
 
@@ -160,12 +200,13 @@ void LgLogState::stop()
     {
         const std::lock_guard<std::mutex> lock(state().pointer);
         _number = 0;
+        findSession();
     }
-    if (state().session == nullptr)
-        return;
     state().readerThread.stop();
     const std::lock_guard<std::mutex> draining(state().draining);
-    state().session->getRegistry().leaveQueues();
+    if (state().session == nullptr)
+        return tellOnErrorStream();
+    state().session.load()->getRegistry().leaveQueues();
     drainSession(LgDrain::toSystem);
     drainSession(LgDrain::toSystem);
     LgSpareQueues::get().clear();
@@ -180,21 +221,23 @@ void LgLogState::stop()
 std::uint64_t LgLogState::getLostCount()
 {
     const std::lock_guard<std::mutex> lock(state().pointer);
-    const std::uint64_t inSession =
-        state().session != nullptr ? state().session->getLostCount() : 0;
-    return LgLosses::getTotal() + inSession;
+    const LgSession* const session = state().session;
+    return LgLosses::getTotal() + (session != nullptr ? session->getLostCount() : 0);
 }
 
 std::uint64_t LgLogState::getCutCount()
 {
     const std::lock_guard<std::mutex> lock(state().pointer);
-    return state().cut + (state().session != nullptr ? state().session->getCutCount() : 0);
+    const LgSession* const session = state().session;
+    return state().cut + (session != nullptr ? session->getCutCount() : 0);
 }
 
 LgSettings LgLogState::getSettings()
 {
     const std::lock_guard<std::mutex> lock(state().pointer);
-    return state().session != nullptr ? state().session->getSettings() : LgSettings();
+    const LgSession* const session =
+        state().forkedFrom != nullptr ? state().forkedFrom : state().session.load();
+    return session != nullptr ? session->getSettings() : LgSettings();
 }
 
 /// A thread that forks inside the logger's output holds the first lock already.
@@ -215,28 +258,23 @@ void LgLogState::unlockAfterFork() noexcept
         state().draining.unlock();
 }
 
-/// The parent's reader thread is not there, so nothing of it can be destroyed. Without memory for
-/// a session the child logs nothing.
+/// The parent's reader thread is not there, so nothing of it can be destroyed.
 void LgLogState::beginForkedSession(bool isMainThread) noexcept
 {
     ::new (&state().readerThread) LgReaderThread(drainToBuffers);
     if (isMainThread)
         state().mainThread = ProcessIdentity::getThreadId();
-    if (state().session == nullptr)
+    LgSession* const parent = state().session.exchange(nullptr);
+    if (parent == nullptr && state().forkedFrom == nullptr)
         return;
-    state().session->getRegistry().leaveQueues();
-    LgSpareQueues::get().clear();
-    try
+    if (parent != nullptr)
     {
-        state().session = LgSession::forFork(state().session);
-        keepSpares(*state().session);
-        _number = ++state().lastNumber;
+        parent->getRegistry().leaveQueues();
+        LgSpareQueues::get().clear();
+        state().forkedFrom = parent;
     }
-    catch (const std::exception&)
-    {
-        state().session = nullptr;
-        _number = 0;
-    }
+    _number = ++state().lastNumber;
+    findSession();
 }
 
 } // namespace Kr

@@ -11,6 +11,7 @@ namespace
 
 std::atomic<std::uint64_t> total{0};
 std::array<std::atomic<std::uint32_t>, LgTypes::NUM_LEVELS> untold = {};
+std::atomic<std::uint32_t> untoldSpans{0};
 
 } // namespace
 
@@ -32,6 +33,16 @@ LgQueue::Counts LgLosses::takeUntold() noexcept
         if (untold[level].load(std::memory_order_relaxed) != 0)
             counts[level] = untold[level].exchange(0, std::memory_order_relaxed);
     return counts;
+}
+
+void LgLosses::countSpans(std::uint32_t spans) noexcept
+{
+    untoldSpans.fetch_add(spans, std::memory_order_relaxed);
+}
+
+std::uint32_t LgLosses::takeUntoldSpans() noexcept
+{
+    return untoldSpans.exchange(0, std::memory_order_relaxed);
 }
 
 std::uint64_t LgLosses::getTotal() noexcept

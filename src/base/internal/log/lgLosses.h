@@ -22,7 +22,11 @@ void countForWantOfMemory(LgTypes::Level level) noexcept;
 /// What the log has to tell of since the last call, by level.
 LgQueue::Counts takeUntold() noexcept;
 
-/// The sum of what was counted since the process began.
+/// Counts a span for which there is no ring. The timeline will tell of it.
+void countSpans(std::uint32_t spans) noexcept;
+std::uint32_t takeUntoldSpans() noexcept;
+
+/// The sum of the messages that were counted since the process began.
 std::uint64_t getTotal() noexcept;
 
 } // namespace LgLosses

@@ -42,7 +42,8 @@ LgOutput::~LgOutput()
     close();
 }
 
-/// Where the waiting lines find no room, the record that counts them may.
+/// Where the waiting lines find no room, the record that counts them may. Those of which the file
+/// has not told whether they are there count, too.
 void LgOutput::close() noexcept
 {
     flush(true);
@@ -54,7 +55,7 @@ void LgOutput::close() noexcept
     reportLoss();
     if (isTorn)
         lgTry([this] { _waiting.insert(0, 1, '\n'); });
-    if (untold == 0 || writeWaiting())
+    if (untold == 0 || (_file->getPending() == 0 && writeWaiting()))
         return;
     lgTry(
         [&]
@@ -95,7 +96,7 @@ void LgOutput::append(const LgRecord& record)
 /// Returns whether there was one.
 bool LgOutput::makeRoom()
 {
-    const std::size_t begin = getRestOfLine();
+    const std::size_t begin = getFixed();
     if (begin == _waiting.size())
         return false;
     const std::size_t excess = _waiting.size() - maxWaiting;
@@ -168,8 +169,9 @@ bool LgOutput::writeWaiting()
 /// Returns whether something was written.
 bool LgOutput::writeBatch(std::size_t limit)
 {
-    const std::size_t begin = getRestOfLine();
-    const std::size_t size = begin + (begin < _waiting.size() ? nextBatch(begin, limit) : 0);
+    const std::size_t begin = getFixed();
+    const bool takesMore = begin < _waiting.size() && _file->getPending() == 0;
+    const std::size_t size = begin + (takesMore ? nextBatch(begin, limit) : 0);
     const std::size_t taken = _file->append(_waiting.data(), size);
     if (taken != 0)
         _isMidLine = _waiting[taken - 1] != '\n';
@@ -200,10 +202,12 @@ std::size_t LgOutput::nextBatch(std::size_t begin, std::size_t limit) const
     return (last != std::string::npos ? last : text.find('\n')) + 1;
 }
 
-/// The size of the part of a line that the buffer begins with.
-std::size_t LgOutput::getRestOfLine() const
+/// The size of what the buffer begins with and must go on to begin with: what is being written, or
+/// a part of a line. When the output is closed, nothing is.
+std::size_t LgOutput::getFixed() const
 {
-    return _isMidLine ? _waiting.find('\n') + 1 : 0;
+    const std::size_t restOfLine = _isMidLine ? _waiting.find('\n') + 1 : 0;
+    return std::min(std::max(restOfLine, _file->getPending()), _waiting.size());
 }
 
 void LgOutput::beginOutage()
@@ -243,7 +247,7 @@ void LgOutput::insertReport(const LgRecord& record)
 {
     std::string line;
     _format.append(line, record);
-    const std::size_t begin = getRestOfLine();
+    const std::size_t begin = getFixed();
     _reports.reserve(_reports.size() + 1);
     _waiting.insert(begin, line);
     for (Report& report : _reports)

@@ -9,7 +9,8 @@
 /// file can be written again, a record tells how many were lost, and the waiting lines follow. What
 /// no record has told by the end stands on the standard error stream.
 ///
-/// A stream may take a part of a line: the rest of it stays in front of the buffer.
+/// A stream may take a part of a line: the rest of it stays in front of the buffer. So does what a
+/// file is writing that has not answered yet.
 ///
 /// Used by one thread at a time, but for `getLostCount`.
 
@@ -75,7 +76,7 @@ private:
     bool writeWaiting();
     bool writeBatch(std::size_t limit);
     std::size_t nextBatch(std::size_t begin, std::size_t limit) const;
-    std::size_t getRestOfLine() const;
+    std::size_t getFixed() const;
     void takeOut(std::size_t begin, std::size_t end);
     void beginOutage();
     void complainOfOutage();

@@ -1,6 +1,7 @@
 #include <base/internal/log/lgOutputs.h>
 
 #include <base/internal/log/lgStandardStream.h>
+#include <base/internal/log/lgTimedFile.h>
 
 #include <algorithm>
 
@@ -16,7 +17,7 @@ bool isSame(const LgDestination& a, const LgDestination& b)
 }
 
 std::shared_ptr<LgOutput> makeFile(const std::string& path, const LgSettings& settings,
-                                   LgLineFormat& format)
+                                   LgLineFormat& format, const std::shared_ptr<LgHelper>& helper)
 {
     LgFileSettings file;
     file.path = path;
@@ -26,23 +27,30 @@ std::shared_ptr<LgOutput> makeFile(const std::string& path, const LgSettings& se
     file.isLocked = settings.isLockedBetweenProcesses;
     const std::uint64_t maxBatch = file.maxSize != 0 ? file.maxSize : LgOutput::batchSize;
     return std::make_shared<LgOutput>(
-        LgFile::create(file), path, format,
+        LgTimedFile::create(file, helper), path, format,
         static_cast<std::size_t>(std::min<std::uint64_t>(maxBatch, LgOutput::batchSize)));
 }
 
+std::shared_ptr<LgOutput> makeStream(std::FILE* stream, const char* name, LgLineFormat& format,
+                                     const std::shared_ptr<LgHelper>& helper)
+{
+    return std::make_shared<LgOutput>(
+        std::make_unique<LgTimedFile>(std::make_unique<LgStandardStream>(stream), helper,
+                                      LgStandardStream::patience),
+        name, format);
+}
+
 std::shared_ptr<LgOutput> makeOutput(const LgDestination& destination, const LgSettings& settings,
-                                     LgLineFormat& format)
+                                     LgLineFormat& format, const std::shared_ptr<LgHelper>& helper)
 {
     switch (destination.kind)
     {
     case LgDestination::standardOutput:
-        return std::make_shared<LgOutput>(std::make_unique<LgStandardStream>(stdout),
-                                          "the standard output", format);
+        return makeStream(stdout, "the standard output", format, helper);
     case LgDestination::standardError:
-        return std::make_shared<LgOutput>(std::make_unique<LgStandardStream>(stderr),
-                                          "the standard error stream", format);
+        return makeStream(stderr, "the standard error stream", format, helper);
     case LgDestination::file:
-        return makeFile(destination.path, settings, format);
+        return makeFile(destination.path, settings, format, helper);
     case LgDestination::none:
         break;
     }
@@ -61,7 +69,8 @@ void LgOutputs::open(const LgSettings& settings, LgLineFormat& format)
                          [&](const LgDestination& each) { return isSame(each, destinations[i]); });
         const auto first = static_cast<std::size_t>(same - destinations.begin());
         setOutput(static_cast<LgTypes::Level>(i),
-                  first == i ? makeOutput(destinations[i], settings, format) : _outputs[first]);
+                  first == i ? makeOutput(destinations[i], settings, format, _helper)
+                             : _outputs[first]);
     }
 }
 

@@ -5,6 +5,7 @@
 ///
 /// Used by one thread at a time, but for `getLostCount`.
 
+#include <base/internal/log/lgHelper.h>
 #include <base/internal/log/lgLineFormat.h>
 #include <base/internal/log/lgOutput.h>
 #include <base/internal/log/lgRecord.h>
@@ -30,6 +31,9 @@ public:
     /// must outlive the outputs.
     void open(const LgSettings& settings, LgLineFormat& format);
 
+    /// Makes the calls to their files, and may make others.
+    const std::shared_ptr<LgHelper>& getHelper() const { return _helper; }
+
     /// Levels may share an output; null, the initial state: the level's records are discarded.
     void setOutput(LgTypes::Level level, std::shared_ptr<LgOutput> output);
 
@@ -49,6 +53,7 @@ public:
     std::uint64_t getLostCount() const;
 
 private:
+    const std::shared_ptr<LgHelper> _helper = std::make_shared<LgHelper>();
     std::array<std::shared_ptr<LgOutput>, LgTypes::NUM_LEVELS> _outputs;
     std::vector<LgOutput*> _distinctOutputs;
 };

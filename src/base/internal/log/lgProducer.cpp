@@ -297,6 +297,8 @@ void LgTimeline::addSpan(const char* name, unsigned long long start,
     LgSpanRing* ring = caller != nullptr ? caller->getRing() : nullptr;
     if (ring != nullptr)
         ring->add(name, start, end);
+    else if (LgLogState::isAvailable())
+        LgLosses::countSpans(1);
 }
 
 } // namespace Kr

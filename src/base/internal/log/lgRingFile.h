@@ -25,7 +25,8 @@ namespace Kr
 class LgRingFile
 {
 public:
-    /// Makes a file in the log directory, with that; null, and the reason, if that fails.
+    /// Makes a file in the log directory, with that. If that fails, gives the reason and null, or an
+    /// object without chunks that has still to remove the file.
     static std::unique_ptr<LgRingFile> create(const LgSettings& settings, std::string& problem);
 
     LgRingFile(const LgRingFile&) = delete;
@@ -49,7 +50,7 @@ private:
     LgRingFile() = default;
 
     bool make(const LgSettings& settings);
-    bool open(const std::string& path) noexcept;
+    bool open(std::string path) noexcept;
     void close() noexcept;
 
     std::string _path;      ///< empty: removed, or the parent's

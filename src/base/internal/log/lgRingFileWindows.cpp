@@ -3,6 +3,7 @@
 #include <base/internal/errors/processIdentity.h>
 #include <base/internal/log/lgFolder.h>
 #include <base/internal/log/lgProblem.h>
+#include <base/internal/log/lgTry.h>
 
 #include <platform/logFile.h>
 #include <platform/platform.h>
@@ -69,8 +70,8 @@ std::unique_ptr<LgRingFile> LgRingFile::create(const LgSettings& settings, std::
         return file;
     LgProblem reason;
     reason.take();
-    problem = reason.getText();
-    return nullptr;
+    lgTry([&] { problem = reason.getText(); });
+    return file->_path.empty() ? nullptr : std::move(file);
 }
 
 /// Takes the first name that is free. No other process makes files of this one's number.
@@ -94,17 +95,17 @@ bool LgRingFile::make(const LgSettings& settings)
 
 /// The file is nobody's between its making and the lock: who finds it then finds it empty, and
 /// leaves it alone. It is made as a log is, for the same readers.
-bool LgRingFile::open(const std::string& path) noexcept
+bool LgRingFile::open(std::string path) noexcept
 {
     KrLogFile made;
     if (!made.open(path.c_str(), false))
         return false;
     made.close();
-    _path = path;
-    const HANDLE owner = openFile(path);
+    _path = std::move(path);
+    const HANDLE owner = openFile(_path);
     if (owner != INVALID_HANDLE_VALUE)
         _owner = owner;
-    const HANDLE file = _owner != nullptr && lock(_owner) ? openFile(path) : INVALID_HANDLE_VALUE;
+    const HANDLE file = _owner != nullptr && lock(_owner) ? openFile(_path) : INVALID_HANDLE_VALUE;
     if (file != INVALID_HANDLE_VALUE)
     {
         _file = file;

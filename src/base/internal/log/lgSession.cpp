@@ -1,8 +1,8 @@
 #include <base/internal/log/lgSession.h>
 
 #include <base/internal/log/lgColumnFormat.h>
-#include <base/internal/log/lgFile.h>
 #include <base/internal/log/lgJsonFormat.h>
+#include <base/internal/log/lgTimedFile.h>
 #include <base/lgListener.h>
 #include <base/lgTimeline.h>
 
@@ -83,11 +83,11 @@ std::uint64_t LgSession::getLostCount() const
 
 LgSession* LgSession::forFork(LgSession* parent)
 {
-    LgSettings settings = parent->_settings;
-    settings.timelinePath.clear();
     LgTimeline::_enabled = false;
     if (parent->_keptRings != nullptr)
         parent->_keptRings->abandon();
+    LgSettings settings = parent->_settings;
+    settings.timelinePath.clear();
     return new LgSession(settings, parent);
 }
 
@@ -119,7 +119,8 @@ void LgSession::openTimeline()
     file.path = _settings.timelinePath;
     file.privateFolder = _settings.getPrivateFolder(file.path);
     file.isExclusive = true;
-    _timeline = std::make_unique<LgTimelineFile>(LgFile::create(file), file.path, _clock);
+    _timeline = std::make_unique<LgTimelineFile>(LgTimedFile::create(file, _outputs.getHelper()),
+                                                 file.path, _clock);
     LgTimeline::_enabled = true;
 }
 

@@ -57,7 +57,7 @@ public:
     std::uint64_t getCutCount() const { return _reader.getCutCount(); }
 
     /// Makes the session that goes on in a forked process: the same settings, files of its own, and
-    /// no timeline, which stays the parent's.
+    /// no timeline, which stays the parent's. What the parent's holds is let go of in any case.
     static LgSession* forFork(LgSession* parent);
 
 private:

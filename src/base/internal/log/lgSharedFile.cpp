@@ -110,6 +110,12 @@ void LgSharedFile::comeBack() noexcept
     _hasNews = true;
 }
 
+/// Both stand in one folder.
+bool LgSharedFile::isFar() const noexcept
+{
+    return _shared.isFar();
+}
+
 bool LgSharedFile::sync() noexcept
 {
     const bool isSharedDone = _shared.sync();

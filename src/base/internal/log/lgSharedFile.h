@@ -30,6 +30,7 @@ public:
     ~LgSharedFile() override;
 
     std::size_t append(const char* text, std::size_t size) noexcept override;
+    bool isFar() const noexcept override;
     bool sync() noexcept override;
     void rest() noexcept override;
     std::string getProblem() const override;

@@ -3,6 +3,7 @@
 #include <base/hwCounter.h>
 #include <base/internal/errors/processIdentity.h>
 #include <base/internal/log/lgJson.h>
+#include <base/internal/log/lgLosses.h>
 #include <base/internal/log/lgProgram.h>
 #include <base/internal/log/lgStandardStream.h>
 #include <base/internal/log/lgTimeText.h>
@@ -12,6 +13,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <new>
+#include <utility>
 
 namespace Kr
 {
@@ -26,14 +28,19 @@ constexpr std::string_view separator = ",\n";
 constexpr char ending[] = "\n]\n";
 constexpr std::size_t endingSize = sizeof ending - 1;
 
-/// Those that tell something: names are told again.
+std::uint64_t countIn(std::string_view text, std::string_view part)
+{
+    std::uint64_t count = 0;
+    for (std::size_t at = text.find(part); at != text.npos; at = text.find(part, at + 1))
+        ++count;
+    return count;
+}
+
+/// Those that tell something: names, and what time it is, are told again.
 std::uint64_t countEvents(std::string_view text)
 {
-    constexpr std::string_view begin = ",\n{\"ph\":\"";
-    std::uint64_t count = 0;
-    for (std::size_t at = text.find(begin); at != text.npos; at = text.find(begin, at + 1))
-        count += text[at + begin.size()] != 'M' ? 1 : 0;
-    return count;
+    return countIn(text, ",\n{\"ph\":\"") - countIn(text, ",\n{\"ph\":\"M") -
+           countIn(text, "\"cat\":\"clock\"");
 }
 
 } // namespace
@@ -54,7 +61,7 @@ LgTimelineFile::~LgTimelineFile()
 {
     drain();
     flush(true);
-    _lost += countEvents(_waiting);
+    _lost += countEvents(_waiting) - (_reportSize != 0 ? 1 : 0) + LgLosses::takeUntoldSpans();
     if (_lost == 0)
         return;
     lgTry(
@@ -111,6 +118,25 @@ void LgTimelineFile::drain() noexcept
     lgTry([this] { LgCounters::ask(&addCounter, this); });
     takeNewRings();
     lgTry([this] { drainRings(); });
+    tellSpansWithoutRing();
+}
+
+/// Of threads that had no memory for a ring, or were at their end.
+void LgTimelineFile::tellSpansWithoutRing()
+{
+    const std::uint32_t lost = LgLosses::takeUntoldSpans();
+    if (lost == 0)
+        return;
+    const std::size_t before = _waiting.size();
+    const auto tell = [&]
+    {
+        const std::string text = std::to_string(lost) + " spans lost: no ring for their thread";
+        performAddMessage({LgTypes::Warning, HwCounter::timeStamp(), 0, {}, text, 0});
+    };
+    if (lgTry(tell))
+        return;
+    _waiting.resize(before);
+    LgLosses::countSpans(lost);
 }
 
 /// Threads that have ended are let go; their end is looked at before their ring.
@@ -131,35 +157,57 @@ void LgTimelineFile::flush(bool now) noexcept
         return;
     if (!_isFailing || now || std::chrono::steady_clock::now() >= _nextTry)
     {
-        const std::size_t reportSize = insertLossReport();
-        if (!_waiting.empty() && write())
+        if (writeWaiting())
             return;
-        _waiting.erase(0, reportSize);
         beginOutage();
     }
     if (_waiting.size() > maxWaiting)
         makeRoom();
 }
 
+bool LgTimelineFile::writeWaiting()
+{
+    do
+    {
+        if (getFixed() == 0)
+            insertLossReport();
+        if (_waiting.empty() || !write())
+        {
+            if (getFixed() == 0)
+                takeOutLossReport();
+            return false;
+        }
+    } while (!_waiting.empty());
+    _isFailing = false;
+    return true;
+}
+
 /// The file is whole afterwards: the bracket at its end makes way for what follows. Each event
 /// brings the comma before it.
 bool LgTimelineFile::write()
 {
+    const std::size_t fixed = getFixed();
     if (!_isStarted)
         _waiting.front() = '[';
     _waiting += ending;
     const std::size_t removed = _isStarted ? endingSize : 0;
-    if (_file->replaceEnd(removed, _waiting.data(), _waiting.size()))
-    {
-        _waiting.clear();
-        _isStarted = true;
-        _isFailing = false;
-        _lost = 0;
-        return true;
-    }
+    const bool isDone = _file->replaceEnd(removed, _waiting.data(), _waiting.size());
     _waiting.resize(_waiting.size() - endingSize);
     _waiting.front() = separator.front();
-    return false;
+    if (!isDone)
+        return false;
+    _waiting.erase(0, fixed != 0 ? fixed : _waiting.size());
+    _isStarted = true;
+    _lost -= std::exchange(_reported, 0);
+    _reportSize = 0;
+    return true;
+}
+
+/// The size of what is being written, and not known to be there yet.
+std::size_t LgTimelineFile::getFixed() const
+{
+    const std::size_t pending = _file->getPending();
+    return pending != 0 ? pending - endingSize : 0;
 }
 
 void LgTimelineFile::sync() noexcept
@@ -168,11 +216,11 @@ void LgTimelineFile::sync() noexcept
         beginOutage();
 }
 
-/// The event that tells of those that were lost, where they would have stood. Returns its size.
-std::size_t LgTimelineFile::insertLossReport()
+/// The event that tells of those that were lost, where they would have stood.
+void LgTimelineFile::insertLossReport()
 {
     if (_lost == 0)
-        return 0;
+        return;
     const std::size_t before = _waiting.size();
     startEvent("i", 0); // within what is reserved
     appendTime("ts", _clock.getElapsed(HwCounter::timeStamp()));
@@ -181,15 +229,24 @@ std::size_t LgTimelineFile::insertLossReport()
     _waiting += " events were lost: the timeline could not be written\"}";
     std::rotate(_waiting.begin(), _waiting.begin() + static_cast<std::ptrdiff_t>(before),
                 _waiting.end());
-    return _waiting.size() - before;
+    _reportSize = _waiting.size() - before;
+    _reported = _lost;
+}
+
+void LgTimelineFile::takeOutLossReport()
+{
+    _waiting.erase(0, _reportSize);
+    _reportSize = 0;
+    _reported = 0;
 }
 
 /// Drops the oldest events. The names of threads may be among them, so they are told again.
 void LgTimelineFile::makeRoom()
 {
-    const std::size_t end = std::min(_waiting.find(separator, batchSize), _waiting.size());
-    _lost += countEvents(std::string_view(_waiting).substr(0, end));
-    _waiting.erase(0, end);
+    const std::size_t begin = getFixed();
+    const std::size_t end = std::min(_waiting.find(separator, begin + batchSize), _waiting.size());
+    _lost += countEvents(std::string_view(_waiting).substr(begin, end - begin));
+    _waiting.erase(begin, end - begin);
     _hasHeader = false;
     _shownNames.clear();
 }

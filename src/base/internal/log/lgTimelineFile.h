@@ -48,10 +48,14 @@ public:
     void sync() noexcept;
 
 private:
+    bool writeWaiting();
     bool write();
-    std::size_t insertLossReport();
+    std::size_t getFixed() const;
+    void insertLossReport();
+    void takeOutLossReport();
     void performAddMessage(const LgRecord& record);
     void drainRings();
+    void tellSpansWithoutRing();
     void makeRoom();
     void beginOutage();
     void addHeader();
@@ -80,7 +84,9 @@ private:
     bool _isFailing = false;
     bool _hasComplained = false;
     std::chrono::steady_clock::time_point _nextTry;
-    std::uint64_t _lost = 0; ///< events of which the file does not tell
+    std::uint64_t _lost = 0;     ///< events of which the file does not tell
+    std::uint64_t _reported = 0; ///< so many of them are told by what waits first
+    std::size_t _reportSize = 0; ///< of that; 0: there is none
 
     std::mutex _mutex; // guards what producers add
     std::list<std::shared_ptr<LgSpanRing>> _newRings;
