@@ -6,26 +6,19 @@
 #include <base/inInitGuard.h>
 #include <base/lgRecovery.h>
 #include <base/log.h>
+#include <base/osProcess.h>
 
 #include <logTestFiles.h>
+#include <twoProcesses.h>
 
-#include <array>
-#include <atomic>
 #include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <functional>
 #include <map>
-#include <new>
 #include <random>
 #include <string>
 #include <thread>
 #include <vector>
-
-#include <sys/mman.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace
 {
@@ -34,51 +27,55 @@ constexpr int numThreads = 3;
 constexpr int rounds = 200;
 constexpr std::chrono::seconds patience(75); // where a sanitizer or a busy machine makes them slow
 
-/// What a process tells its parent, which outlives it: how many statements have returned.
-using Counts = std::array<std::atomic<int>, numThreads>;
+std::string ownPath;
 
-Counts& makeCounts()
+// --- the programs ------------------------------------------------------------------------------
+
+// Of the command line: where to log, in which round, and where the numbers are.
+std::vector<std::string> words;
+
+std::vector<std::string> makeSettings()
 {
-    void* const memory =
-        ::mmap(nullptr, sizeof(Counts), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    return *new (memory) Counts{};
-}
-
-std::vector<std::string> settings;
-
-void setUp(const std::string& folder, int round)
-{
-    settings = {"program", "--logger.survive", "--logger.maxFiles=999",
-                "--logger.groups=Test=Profiling", "--logger.directory=" + folder};
+    const int round = std::atoi(words[1].c_str());
+    std::vector<std::string> settings = {"program", "--logger.survive", "--logger.maxFiles=999",
+                                         "--logger.groups=Test=Profiling",
+                                         "--logger.directory=" + words[0]};
     if (round % 2 == 0)
         settings.emplace_back("--logger.blocking");
     if (round % 3 == 0)
         settings.emplace_back("--logger.format=json");
     if (round % 4 == 0)
         settings.emplace_back("--logger.maxSize=100K");
+    return settings;
 }
 
 struct Library
 {
-    static std::vector<const char*> getWords()
+    const std::vector<std::string> settings = makeSettings();
+    const std::vector<const char*> arguments = [this]
     {
-        std::vector<const char*> words;
-        for (const std::string& word : settings)
-            words.push_back(word.c_str());
-        return words;
-    }
-
-    std::vector<const char*> words = getWords();
-    int argc = static_cast<int>(words.size());
-    const char* const* argv = words.data();
+        std::vector<const char*> pointers;
+        for (const std::string& each : settings)
+            pointers.push_back(each.c_str());
+        return pointers;
+    }();
+    int argc = static_cast<int>(arguments.size());
+    const char* const* argv = arguments.data();
     const Kr::InInitGuard guard{argc, argv};
     const Kr::LgMinorGroup group{Kr::LgMajorGroup::getInstanceForName("Test"), "Flood"};
 };
 
-/// Threads that log until they are killed, into two logs.
-[[noreturn]] void flood(Counts& counts)
+void recoverOthers()
 {
     const Library library;
+}
+
+/// Threads that log until they are killed, into two logs. The numbers tell how many of their
+/// statements have returned.
+void flood()
+{
+    const Library library;
+    SharedNumbers counts(words[2]);
     std::vector<std::thread> threads;
     for (int t = 0; t < numThreads; ++t)
         threads.emplace_back(
@@ -95,8 +92,43 @@ struct Library
             });
     for (std::thread& thread : threads)
         thread.join();
-    std::abort();
 }
+
+void await(const std::atomic<int>& count)
+{
+    while (count == 0)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
+/// Logs and lives on, and so does its child, until the last number is set.
+void logAndFork()
+{
+    const Library library;
+    SharedNumbers states(words[2]);
+    KR_LOG(library.group, Warning) << "~0:0.";
+    if (isForkedChild())
+    {
+        KR_LOG(library.group, Warning) << "~1:0.";
+        Kr::LgLog::flush();
+        states[1] = 1;
+        await(states[3]);
+        std::_Exit(0);
+    }
+    if (processesOfAFork == 2)
+        await(states[1]);
+    KR_LOG(library.group, Warning) << "~0:1.";
+    states[0] = 1;
+    await(states[3]);
+}
+
+void logAndEnd()
+{
+    const Library library;
+    for (int i = 0; i < 3000; ++i)
+        KR_LOG(library.group, Warning) << "~1:" << i << '.';
+}
+
+// --- the cases ---------------------------------------------------------------------------------
 
 /// What stands in all logs of a folder.
 struct Found
@@ -130,7 +162,7 @@ struct Found
 
 /// Every message whose statement had returned is there once, or counted; at most one of each thread
 /// was complete and had not returned.
-void checkFound(const Found& found, const Counts& counts, bool isBlocking)
+void checkFound(const Found& found, SharedNumbers& counts, bool isBlocking)
 {
     int returned = 0;
     int missing = 0;
@@ -150,42 +182,46 @@ void checkFound(const Found& found, const Counts& counts, bool isBlocking)
     SCENARIO_CHECK(isBlocking ? missing == 0 && found.lost == 0 : missing <= found.lost);
 }
 
-/// Starts what runs in a process of its own.
-pid_t start(const std::function<void()>& run)
+/// Where the programs log, and what they tell.
+struct Place
 {
-    const pid_t child = ::fork();
-    if (child == 0)
+    const LogTest::Folder logs;
+    const LogTest::Folder beside;
+    const std::string path = beside / "numbers";
+    SharedNumbers numbers{path};
+
+    Kr::OsProcess start(const char* program, int round) const
     {
-        run();
-        std::_Exit(0);
+        return Kr::OsProcess(
+            Kr::OsCommand(ownPath, {"run", program, logs.getPath(), std::to_string(round), path}));
     }
-    return child;
-}
+};
 
-void await(const std::atomic<int>& count)
+void kill(Kr::OsProcess& process)
 {
-    while (count == 0)
-        std::this_thread::yield();
-}
-
-void kill(pid_t process)
-{
-    int status = 0;
-    SCENARIO_CHECK(::kill(process, SIGKILL) == 0);
-    SCENARIO_CHECK(::waitpid(process, &status, 0) == process && WIFSIGNALED(status));
+    SCENARIO_CHECK(process.isRunning());
+    process.terminate();
+    process.wait();
 }
 
 /// Where the next process that starts recovers, and where `kr-log` does.
-void recover(const std::string& folder, bool byNextProcess)
+void recover(const Place& place, bool byNextProcess)
 {
-    int status = -1;
-    if (!byNextProcess)
-        SCENARIO_CHECK(Kr::LgRecovery::recover(folder.c_str()).problems.empty());
+    const std::string folder = place.logs.getPath();
+    if (byNextProcess)
+        SCENARIO_CHECK(place.start("recoverOthers", 0).wait().isSuccess());
     else
-        SCENARIO_CHECK(::waitpid(start([] { const Library library; }), &status, 0) > 0 &&
-                       status == 0);
+        SCENARIO_CHECK(Kr::LgRecovery::recover(folder.c_str()).problems.empty());
     const Kr::LgRecovery::Result rest = Kr::LgRecovery::recover(folder.c_str());
     SCENARIO_CHECK(rest.processes == 0 && rest.problems.empty());
+}
+
+int countRings(const Place& place)
+{
+    int rings = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(place.logs.getPath()))
+        rings += entry.path().extension() == ".rings" ? 1 : 0;
+    return rings;
 }
 
 void killed()
@@ -198,18 +234,17 @@ void killed()
          round < rounds && Scenario::failures() == 0 && std::chrono::steady_clock::now() < deadline;
          ++round)
     {
-        const LogTest::Folder folder;
-        setUp(folder.getPath(), round);
-        Counts& counts = makeCounts();
-        const pid_t process = start([&] { flood(counts); });
-        await(counts[0]);
+        Place place;
+        Kr::OsProcess process = place.start("flood", round);
+        while (place.numbers[0] == 0)
+            std::this_thread::yield();
         std::this_thread::sleep_for(std::chrono::microseconds(moment(random)));
         kill(process);
-        recover(folder.getPath(), round % 5 == 0);
-        checkFound(Found(folder.getPath()), counts, round % 2 == 0);
+        recover(place, round % 5 == 0);
+        checkFound(Found(place.logs.getPath()), place.numbers, round % 2 == 0);
+        SCENARIO_CHECK(countRings(place) == 0);
         if (Scenario::failures() != 0)
             std::fprintf(stderr, "in round %d\n", round);
-        ::munmap(&counts, sizeof counts);
     }
     std::printf("killed %d times\n", round);
     SCENARIO_CHECK(round >= 20);
@@ -218,72 +253,47 @@ void killed()
 /// What lives is left alone, and a forked child does not keep its parent's alive.
 void alive()
 {
-    const LogTest::Folder folder;
-    setUp(folder.getPath(), 2);
-    Counts& counts = makeCounts();
-    const pid_t process = start(
-        [&]
-        {
-            const Library library;
-            KR_LOG(library.group, Warning) << "~0:0.";
-            if (::fork() == 0)
-            {
-                KR_LOG(library.group, Warning) << "~1:0.";
-                Kr::LgLog::flush();
-                counts[1] = ::getpid();
-                for (;;)
-                    ::pause();
-            }
-            await(counts[1]);
-            KR_LOG(library.group, Warning) << "~0:1.";
-            counts[0] = 1;
-            for (;;)
-                ::pause();
-        });
-    await(counts[0]);
-    const Kr::LgRecovery::Result result = Kr::LgRecovery::recover(folder.getPath().c_str());
+    Place place;
+    Kr::OsProcess process = place.start("logAndFork", 2);
+    await(place.numbers[0]);
+    const std::string folder = place.logs.getPath();
+    const Kr::LgRecovery::Result result = Kr::LgRecovery::recover(folder.c_str());
     SCENARIO_CHECK(result.processes == 0 && result.problems.empty());
-    const auto countRings = [&folder]
-    {
-        int rings = 0;
-        for (const auto& entry : std::filesystem::directory_iterator(folder.getPath()))
-            rings += entry.path().extension() == ".rings" ? 1 : 0;
-        return rings;
-    };
-    SCENARIO_CHECK(countRings() == 2);
+    SCENARIO_CHECK(countRings(place) == processesOfAFork);
     kill(process);
-    recover(folder.getPath(), false);
-    SCENARIO_CHECK(countRings() == 1); // the child's
-    SCENARIO_CHECK(::kill(counts[1], SIGKILL) == 0);
-    const Found found(folder.getPath());
-    SCENARIO_CHECK(found.times.size() == 3);
+    recover(place, false);
+    SCENARIO_CHECK(countRings(place) == processesOfAFork - 1); // the child's
+    place.numbers[3] = 1;
+    const Found found(folder);
+    SCENARIO_CHECK(found.times.size() == static_cast<std::size_t>(processesOfAFork + 1));
     for (const auto& [message, times] : found.times)
         SCENARIO_CHECK(times == 1);
 }
 
-/// A program that ends in the normal way leaves nothing, however often it starts and whoever forks.
+/// A program that ends in the normal way leaves nothing.
 void ended()
 {
-    const LogTest::Folder folder;
-    setUp(folder.getPath(), 2);
-    int status = -1;
-    const pid_t process = start(
-        []
-        {
-            const Library library;
-            for (int i = 0; i < 3000; ++i)
-                KR_LOG(library.group, Warning) << "~1:" << i << '.';
-        });
-    SCENARIO_CHECK(::waitpid(process, &status, 0) == process && status == 0);
-    SCENARIO_CHECK(Found(folder.getPath()).times.size() == 3000);
-    for (const auto& entry : std::filesystem::directory_iterator(folder.getPath()))
-        SCENARIO_CHECK(entry.path().extension() != ".rings");
+    const Place place;
+    SCENARIO_CHECK(place.start("logAndEnd", 2).wait().isSuccess());
+    SCENARIO_CHECK(Found(place.logs.getPath()).times.size() == 3000);
+    SCENARIO_CHECK(countRings(place) == 0);
 }
+
+constexpr Scenario::Case programs[] = {{"flood", flood},
+                                       {"recoverOthers", recoverOthers},
+                                       {"logAndFork", logAndFork},
+                                       {"logAndEnd", logAndEnd}};
 
 } // namespace
 
 int main(int argc, char** argv)
 {
+    ownPath = argv[0];
+    if (argc == 6 && std::strcmp(argv[1], "run") == 0)
+    {
+        words.assign(argv + 3, argv + 6);
+        return Scenario::run(programs, argc - 1, argv + 1);
+    }
     const Scenario::Case cases[] = {{"killed", killed}, {"alive", alive}, {"ended", ended}};
     return Scenario::run(cases, argc, argv);
 }
