@@ -25,14 +25,14 @@ TEST(Elementary, ErrorsAreWithinTheirBounds)
 {
     std::mt19937_64 random(1);
     std::uniform_real_distribution<double> unit(0, 1), wide(-700, 700), near(0.5, 2),
-        digits(-40, -4);
+        exponent(-40, -4);
     const long double turn = 2 * std::acos(-1.L);
     double logError = 0, expError = 0, cubeError = 0, sinError = 0;
     for (int i = 0; i < 300000; ++i)
     {
         const double u = unit(random);
         for (const double x : {u, near(random), std::exp(wide(random)),
-                               1 + std::exp2(digits(random)), 1 - std::exp2(digits(random))})
+                               1 + std::exp2(exponent(random)), 1 - std::exp2(exponent(random))})
             logError = std::max(
                 logError, getError(Elementary::log(x), std::log(static_cast<long double>(x))));
         for (const double x : {-u, wide(random)})

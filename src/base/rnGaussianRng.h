@@ -54,6 +54,7 @@ public:
     char const* getName() const override;
 
 private:
+    T eval();
     T makePair();
     void makePairs(unsigned int n, T* array);
 

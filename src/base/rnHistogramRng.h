@@ -90,7 +90,7 @@ public:
     /// @throws ExInternalError if the source is null
     /// @throws RnEx::BadHistogram if the histogram has no weight
     RnHistogramBiRng(RnRng<T>* uniRng, const RnBiHistogram<T>& histogram);
-    /// By the inverse, of pairs in the unit square. Borrows the source.
+    /// By the inverse, of pairs in the unit square. Borrows the source; throws the same.
     RnHistogramBiRng(RnBiRng<T>* uniRng, const RnBiHistogram<T>& histogram);
     RnHistogramBiRng(const RnHistogramBiRng&) = delete;
     RnHistogramBiRng& operator=(const RnHistogramBiRng&) = delete;

@@ -17,7 +17,6 @@
 /// its values are joined, and those at the end of a range that is no power of two are thrown away.
 /// The samples are the same on every system.
 
-#include <base/assert.h>
 #include <base/rnUnitRng.h>
 
 #include <cstdint>
@@ -36,6 +35,8 @@ public:
 protected:
     /// The lowest bits, as many as T has digits, as a fraction.
     static T getFraction(std::uint64_t bits);
+    /// @throws ExInternalError if it is null and not empty
+    static void checkArray(unsigned int n, const T* array);
 };
 
 extern template class KR_BASE_API RnStdEngineRngBase<float>;
@@ -54,6 +55,7 @@ public:
 
     using RnUnitRng<T>::operator();
     T operator()() override;
+    /// @throws ExInternalError if `array` is null and `n` is not 0
     void getSequence(unsigned int n, T* array) override;
     void restart() override { _engine = _start; }
     const Engine& getEngine() const { return _engine; }
@@ -114,7 +116,7 @@ T RnStdEngineRng<T, Engine>::operator()()
 template <class T, class Engine>
 void RnStdEngineRng<T, Engine>::getSequence(unsigned int n, T* array)
 {
-    KR_ASSERT(array != nullptr || n == 0);
+    RnStdEngineRngBase<T>::checkArray(n, array);
     for (unsigned int i = 0; i < n; ++i)
         array[i] = (*this)();
 }

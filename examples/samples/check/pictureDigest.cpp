@@ -1,5 +1,4 @@
-// Prints the size and a digest of the pixels of PNG pictures, read by another library than the one
-// that wrote them.
+// Prints the size of PNG pictures and a digest of their pixels, as any viewer would read them.
 
 #define STB_IMAGE_IMPLEMENTATION
 #define STB_IMAGE_STATIC
