@@ -135,6 +135,14 @@ private:
     std::size_t _length = 0;
 };
 
+/// The name of one place. A local constant would do, but in templates one compiler puts it into
+/// sections of different kinds, which cannot be linked.
+template <class Path>
+struct SourceNameOf
+{
+    static constexpr SourceName<sizeof(Path::get())> value{Path::get(), Path::getRoot()};
+};
+
 } // namespace Kr
 
 #ifndef KR_SOURCE_ROOT
@@ -150,7 +158,11 @@ private:
 #define KR_HERE_AT(line)                                                                           \
     []() noexcept                                                                                  \
     {                                                                                              \
-        static constexpr ::Kr::SourceName krSourceName(__FILE__, KR_SOURCE_ROOT);                  \
-        return krSourceName.getChars();                                                            \
+        struct KrPath                                                                              \
+        {                                                                                          \
+            static constexpr auto& get() noexcept { return __FILE__; }                             \
+            static constexpr auto& getRoot() noexcept { return KR_SOURCE_ROOT; }                   \
+        };                                                                                         \
+        return ::Kr::SourceNameOf<KrPath>::value.getChars();                                       \
     }(),                                                                                           \
         (line)
