@@ -79,6 +79,10 @@ TEST(RegistryFiles, AreTextsThatPeopleCanRead)
     EXPECT_EQ(key.getInteger32("Width"), 7);
     const std::string rewritten = FileFolder::read(folderOf(scratch) / "@values");
     EXPECT_EQ(rewritten.substr(rewritten.find("\"a\" raw")), raw + "end\n");
+    // So are the permissions of a file that several people write.
+    fs::permissions(folderOf(scratch) / "@values", fs::perms(0666));
+    key.setInteger32("width", 8);
+    EXPECT_EQ(fs::status(folderOf(scratch) / "@values").permissions(), fs::perms(0666));
 }
 
 TEST(RegistryFiles, LeavesWhatIsDamagedAlone)

@@ -11,8 +11,10 @@
 /// frame.setCounters(&machine);
 /// while (nextFrame())
 /// {
-///     const Kr::ProfCycle cycle(frame);
+///     frame.start();
 ///     render();
+///     frame.stop();
+///     frame.endCycle();
 ///     machine.sample();
 /// }
 /// std::cout << frame; // the table ends in the counters

@@ -2,6 +2,7 @@
 #include <platform/posix/handle.h>
 #include <platform/posix/performanceCounters.h>
 #include <platform/posix/performanceTables.h>
+#include <platform/posix/sameName.h>
 
 #include <algorithm>
 #include <charconv>

@@ -153,11 +153,6 @@ constexpr KrCounterDefinition definitions[] = {
     {"System", "Threads", Source::processList, plain, takeThreads},
 };
 
-char toSmall(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 } // namespace
 
 const std::vector<KrCounterDefinition>& krCounterDefinitions()
@@ -198,12 +193,6 @@ DWORD krFormatCounter(DWORD type, const KrCounterSample& previous, const KrCount
     value = factor * static_cast<double>(latest.value - previous.value) /
             static_cast<double>(latest.base - previous.base);
     return PDH_CSTATUS_VALID_DATA;
-}
-
-bool krIsSameName(std::string_view a, std::string_view b)
-{
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return toSmall(x) == toSmall(y); });
 }
 
 std::string krToInstanceName(std::string name)

@@ -64,9 +64,6 @@ bool krHasInstances(KrCounterSource source);
 DWORD krFormatCounter(DWORD type, const KrCounterSample& previous, const KrCounterSample& latest,
                       double& value);
 
-/// In any case of the 26 letters.
-bool krIsSameName(std::string_view a, std::string_view b);
-
 /// A name as it stands in paths: what has a meaning there, or cannot be shown, is replaced.
 std::string krToInstanceName(std::string name);
 

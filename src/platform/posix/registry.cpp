@@ -1,6 +1,7 @@
 #include <platform/posix/handle.h>
 #include <platform/posix/registryFolder.h>
 #include <platform/posix/registryText.h>
+#include <platform/posix/sameName.h>
 #include <platform/posix/wideText.h>
 
 #include <algorithm>
@@ -170,7 +171,7 @@ DWORD Key::changeValues(Change change)
 
 auto isNamed(const std::string& name)
 {
-    return [&](const KrRegistryValue& value) { return krIsSameRegistryName(value.name, name); };
+    return [&](const KrRegistryValue& value) { return krIsSameName(value.name, name); };
 }
 
 template <class Values>

@@ -1,6 +1,6 @@
 #include <platform/posix/registryFolder.h>
 
-#include <platform/posix/registryText.h>
+#include <platform/posix/sameName.h>
 
 #include <cerrno>
 #include <charconv>
@@ -143,7 +143,7 @@ std::string findFolder(int base, const std::string& key)
     visitFolders(base,
                  [&](const char* name)
                  {
-                     const bool isSame = krIsSameRegistryName(name, encoded);
+                     const bool isSame = krIsSameName(name, encoded);
                      if (isSame)
                          encoded = name;
                      return !isSame;
@@ -343,7 +343,7 @@ DWORD krReplaceFile(int folder, const char* name, const std::string& text, mode_
         ::openat(folder, newFile, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode));
     if (!file.isOpen())
         return lastStatus();
-    if (writeAll(file.get(), text) && ::fsync(file.get()) == 0 &&
+    if (::fchmod(file.get(), mode) == 0 && writeAll(file.get(), text) && ::fsync(file.get()) == 0 &&
         ::renameat(folder, newFile, folder, name) == 0)
         return ERROR_SUCCESS;
     const DWORD status = lastStatus();

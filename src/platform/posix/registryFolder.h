@@ -91,6 +91,7 @@ DWORD krRemoveKeyFolder(const KrRegistryRoot& root, int base, const KrRegistryPa
 DWORD krCheckChangeable(int folder);
 
 /// Puts a text in the place of a file's in one step, or leaves the file as it is.
+/// @param mode the permissions it then has, whatever the process leaves out of those of new files
 DWORD krReplaceFile(int folder, const char* name, const std::string& text, mode_t mode);
 
 /// Opens a file of a folder for reading, and reads it.

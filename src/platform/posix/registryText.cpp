@@ -281,10 +281,3 @@ std::string krFormatRegistry(const KrRegistryValues& values)
     }
     return text.append(footer);
 }
-
-bool krIsSameRegistryName(std::string_view left, std::string_view right)
-{
-    const auto fold = [](char c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c; };
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [&](char a, char b) { return fold(a) == fold(b); });
-}

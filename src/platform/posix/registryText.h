@@ -36,6 +36,3 @@ using KrRegistryValues = std::vector<KrRegistryValue>;
 /// Reads a file's text. Returns 0, or the number of the first line that is malformed.
 std::size_t krParseRegistry(std::string_view text, KrRegistryValues& values);
 std::string krFormatRegistry(const KrRegistryValues& values);
-
-/// Whether the names are the same but for the case of the letters A to Z.
-bool krIsSameRegistryName(std::string_view left, std::string_view right);

@@ -13,7 +13,8 @@ namespace
 
 HMODULE loadLibrary() noexcept
 {
-    if (const HMODULE loaded = GetModuleHandleA("pdh.dll"))
+    HMODULE loaded = nullptr;
+    if (GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_PIN, "pdh.dll", &loaded) != 0)
         return loaded;
     char path[MAX_PATH + sizeof "\\pdh.dll"];
     const UINT length = GetSystemDirectoryA(path, MAX_PATH);
@@ -133,6 +134,8 @@ PDH_STATUS WINAPI PdhLookupPerfNameByIndexA(LPCSTR machine, DWORD index, LPSTR n
 namespace
 {
 
+constexpr int mostTries = 8; ///< to get a list that grows between the question for its size and it
+
 /// A list as the system gives it: texts one after the other, an empty one at the end.
 std::vector<std::string> split(const std::string& list)
 {
@@ -152,7 +155,9 @@ std::string readEnglishList()
     std::string list;
     DWORD size = 0;
     LSTATUS status = ERROR_MORE_DATA;
-    while (status == ERROR_MORE_DATA || (status == ERROR_SUCCESS && size > list.size()))
+    const auto isIncomplete = [&]
+    { return status == ERROR_MORE_DATA || (status == ERROR_SUCCESS && size > list.size()); };
+    for (int i = 0; i < mostTries && isIncomplete(); ++i)
     {
         list.resize(size);
         status = RegGetValueA(HKEY_LOCAL_MACHINE, key, "Counter", RRF_RT_REG_MULTI_SZ, nullptr,
@@ -210,8 +215,6 @@ public:
 private:
     const std::map<DWORD, std::string> _english;
 };
-
-constexpr int mostTries = 8;
 
 /// Tries anew when objects have come between the question how many there are and the answer.
 PDH_STATUS enumerateObjects(std::string& objects)
