@@ -71,7 +71,7 @@ bool isOwner(PSID owner)
 }
 
 /// Only files that another machine serves have a protocol for that.
-bool isFar(HANDLE file)
+bool isServed(HANDLE file)
 {
     FILE_REMOTE_PROTOCOL_INFO protocol = {};
     return GetFileType(file) != FILE_TYPE_DISK ||
@@ -103,7 +103,7 @@ bool KrLogFile::open(const char* path, bool, bool isAlone) noexcept
         return false;
     _handle = reinterpret_cast<std::intptr_t>(file);
     _isStream = GetFileType(file) != FILE_TYPE_DISK;
-    _isFar = isFar(file);
+    _isFar = isServed(file);
     return true;
 }
 
@@ -283,7 +283,7 @@ std::size_t krWriteStandard(std::FILE* stream, const char* text, std::size_t siz
 
 bool krIsFarStandard(std::FILE* stream) noexcept
 {
-    return isFar(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream))));
+    return isServed(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream))));
 }
 
 bool krIsLastThread() noexcept
