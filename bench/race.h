@@ -48,15 +48,3 @@ inline void race(
         state.counters[competitors[i].name] = *middle * benchmark::GetTimeUnitMultiplier(unit);
     }
 }
-
-constexpr std::size_t transferSize = 65536;
-
-/// What competitors read into and write from: memory that lies that far behind the start of a page.
-/// Some processors take several times as long to copy from one page to a place some bytes further
-/// in another.
-inline char* getTransferBlock(std::size_t offset = 64)
-{
-    constexpr std::size_t pageSize = 4096;
-    alignas(pageSize) static char memory[pageSize + transferSize];
-    return memory + offset;
-}
