@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <csignal>
 #include <ctime>
 #include <mutex>
@@ -298,7 +297,16 @@ struct KrOpenLocks
 
     /// A call on a lock's file that does not come back, in a file system that is out of reach, does
     /// not keep the process from forking: what it opens is not open yet.
-    static void beforeFork() { get().isLocked = get().mutex.try_lock_for(forkPatience); }
+    static void beforeFork()
+    {
+        bool isLocked = get().mutex.try_lock();
+        for (int waited = 0; !isLocked && waited < forkPatience; ++waited)
+        {
+            Sleep(1);
+            isLocked = get().mutex.try_lock();
+        }
+        get().isLocked = isLocked;
+    }
 
     static void inParent()
     {
@@ -317,7 +325,7 @@ struct KrOpenLocks
         if (get().isLocked)
             get().mutex.unlock();
         else
-            ::new (&get().mutex) std::timed_mutex;
+            ::new (&get().mutex) std::mutex;
     }
 
     void add(KrFileLock* lock)
@@ -335,9 +343,9 @@ struct KrOpenLocks
             *link = lock->_next;
     }
 
-    static constexpr std::chrono::seconds forkPatience{1};
+    static constexpr int forkPatience = 1000; // milliseconds
 
-    std::timed_mutex mutex;
+    std::mutex mutex;
     bool isLocked = false; ///< by the thread that forks
     KrFileLock* first = nullptr;
 };
@@ -389,7 +397,7 @@ KrFileLock::Outcome KrFileLock::openFile() noexcept
 {
     if (_handle != none)
         return Outcome::held;
-    const std::lock_guard<std::timed_mutex> guard(KrOpenLocks::get().mutex);
+    const std::lock_guard<std::mutex> guard(KrOpenLocks::get().mutex);
     std::string storage;
     struct stat status = {};
     const char* hostPath = krHostPath(_path.c_str(), storage);
@@ -425,7 +433,7 @@ void KrFileLock::remove() noexcept
 
 void KrFileLock::close() noexcept
 {
-    const std::lock_guard<std::timed_mutex> guard(KrOpenLocks::get().mutex);
+    const std::lock_guard<std::mutex> guard(KrOpenLocks::get().mutex);
     if (_handle == none)
         return;
     KrOpenLocks::get().remove(this);
