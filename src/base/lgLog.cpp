@@ -61,6 +61,7 @@ void LgLog::init(Lookup lookup)
 void LgLog::destroy()
 {
     LgLogState::stop();
+    LgProducer::endWithSession();
     LgTermination::remove();
     LgMajorGroup::finalize();
 }

@@ -106,6 +106,12 @@ void LgProducer::end() noexcept
     producer = nullptr;
 }
 
+void LgProducer::endWithSession() noexcept
+{
+    if (producer != nullptr && !producer->isWriting())
+        end();
+}
+
 /// Joins the calling thread to the session of that number; null if memory is short.
 LgProducer* LgProducer::joinCaller(std::uint32_t sessionNumber) noexcept
 {

@@ -30,6 +30,9 @@ public:
     /// Lets go of the calling thread's producer: what it has logged stays for the reader.
     static void end() noexcept;
 
+    /// The same when the session has ended, unless a message is being written.
+    static void endWithSession() noexcept;
+
     /// The first queue, in which the thread stays from then on, however full it is. Null if the
     /// session has ended or memory is short.
     LgQueue* shareQueue() noexcept;

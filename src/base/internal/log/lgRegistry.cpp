@@ -85,9 +85,11 @@ void LgRegistry::dropFinishedQueues() noexcept
         { return !queue->isCreatorAlive() && queue->isEmpty() && !becomesSpare(queue); });
 }
 
+/// One that somebody else observes or suppresses does not.
 bool LgRegistry::becomesSpare(const std::shared_ptr<LgQueue>& queue) const noexcept
 {
-    if (LgSpareQueues::get().count() >= _spares)
+    const bool isPlain = queue->_detours.load(std::memory_order_relaxed) == 0;
+    if (!isPlain || LgSpareQueues::get().count() >= _spares)
         return false;
     queue->retire();
     return LgSpareQueues::get().put(queue);

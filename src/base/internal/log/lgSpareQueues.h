@@ -17,7 +17,7 @@ namespace Kr
 class LgSpareQueues
 {
 public:
-    static constexpr std::size_t maxSize = 64;
+    static constexpr std::size_t maxSize = 128;
 
     /// Those of the process.
     static LgSpareQueues& get() noexcept;
