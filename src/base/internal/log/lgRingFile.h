@@ -25,8 +25,8 @@ namespace Kr
 class LgRingFile
 {
 public:
-    /// Makes a file in the log directory, with that. If that fails, gives the reason and null, or an
-    /// object without chunks that has still to remove the file.
+    /// Makes a file in the log directory, with that. If that fails, gives the reason and null, or
+    /// an object without chunks that has still to remove the file.
     static std::unique_ptr<LgRingFile> create(const LgSettings& settings, std::string& problem);
 
     LgRingFile(const LgRingFile&) = delete;
