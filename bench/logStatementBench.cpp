@@ -3,6 +3,7 @@
 // are lost, by the rate at which they come.
 
 #include "logBench.h"
+#include "race.h"
 
 #include <base/hwCounter.h>
 #include <base/log.h>
@@ -20,6 +21,7 @@
 #include <random>
 #include <string>
 #include <thread>
+#include <type_traits>
 #include <vector>
 
 namespace
@@ -82,18 +84,6 @@ private:
     const TemporaryFolder _folder;
 };
 
-template <class Produce>
-void measure(benchmark::State& state, Produce produce)
-{
-    LogBench::measureBursts(state, burst, produce,
-                            [] { std::this_thread::sleep_for(pauseBehindBurst); });
-}
-
-void manual(benchmark::internal::Benchmark* bench)
-{
-    bench->UseManualTime()->Iterations(200);
-}
-
 template <class Message>
 void writeTo(Kr::LgQueue& queue, int i)
 {
@@ -103,41 +93,61 @@ void writeTo(Kr::LgQueue& queue, int i)
     queue.addEntry();
 }
 
-/// The queue alone, which another thread drains once a millisecond.
 template <class Message>
-void BM_LgQueue(benchmark::State& state)
+void logTo(const Kr::LgMinorGroup& group, int i)
 {
-    Kr::LgQueue queue(0);
-    std::atomic<bool> isStopping{false};
-    std::thread reader(
-        [&]
-        {
-            std::vector<char> buffer(Kr::LgStream::getMaxSize() + 1);
-            while (!isStopping || !queue.isEmpty())
-            {
-                for (; !queue.isEmpty(); queue.removeEntry())
-                    if (!queue.readEntry().isOverflowEntry())
-                        queue.getStream() >> buffer.data();
-                std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            }
-        });
-    measure(state, [&queue](int i) { writeTo<Message>(queue, i); });
-    isStopping = true;
-    reader.join();
+    if constexpr (std::is_same_v<Message, Constant>)
+        KR_LOG(group, Informational) << constantText;
+    else
+        KR_LOG(group, Informational) << "cycle " << i << " took " << everydayNumber(i);
 }
-BENCHMARK_TEMPLATE(BM_LgQueue, Constant)->Apply(manual);
-BENCHMARK_TEMPLATE(BM_LgQueue, IntAndDouble)->Apply(manual);
 
-/// The queue alone, which the logger drains to its file as it does for statements.
-template <class Message>
-void BM_queueOfLogger(benchmark::State& state)
+/// A queue that another thread drains once a millisecond, and what it takes goes nowhere.
+class DrainedQueue
 {
-    const Logger logger;
-    Kr::LgQueue& queue = *Kr::LgLog::getQueue();
-    measure(state, [&queue](int i) { writeTo<Message>(queue, i); });
-}
-BENCHMARK_TEMPLATE(BM_queueOfLogger, Constant)->Apply(manual);
-BENCHMARK_TEMPLATE(BM_queueOfLogger, IntAndDouble)->Apply(manual);
+public:
+    DrainedQueue()
+        : queue(0)
+        , _reader([this] { drain(); })
+    {
+    }
+    DrainedQueue(const DrainedQueue&) = delete;
+    DrainedQueue& operator=(const DrainedQueue&) = delete;
+    ~DrainedQueue()
+    {
+        _isStopping = true;
+        _reader.join();
+    }
+
+    Kr::LgQueue queue;
+
+private:
+    void drain()
+    {
+        std::vector<char> buffer(Kr::LgStream::getMaxSize() + 1);
+        while (!_isStopping || !queue.isEmpty())
+        {
+            for (; !queue.isEmpty(); queue.removeEntry())
+                if (!queue.readEntry().isOverflowEntry())
+                    queue.getStream() >> buffer.data();
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    }
+
+    std::atomic<bool> _isStopping{false};
+    std::thread _reader;
+};
+
+/// The logger of the peer, with a file of its own.
+struct Peer
+{
+    const TemporaryFolder folder;
+    const std::shared_ptr<spdlog::details::thread_pool> pool =
+        std::make_shared<spdlog::details::thread_pool>(8192, 1);
+    const std::shared_ptr<spdlog::async_logger> logger = std::make_shared<spdlog::async_logger>(
+        "peer", std::make_shared<spdlog::sinks::basic_file_sink_st>(folder.path + "/peer.log"),
+        pool, spdlog::async_overflow_policy::overrun_oldest);
+};
 
 enum class Queues
 {
@@ -145,41 +155,37 @@ enum class Queues
     file ///< they survive a kill of the process
 };
 
-template <Queues queues>
-void BM_statementConstant(benchmark::State& state)
+/// Bursts in turns; the counters are nanoseconds for each message, from the median burst.
+template <Queues queues, class Message>
+void BM_statement(benchmark::State& state)
 {
     const Logger logger(queues == Queues::file);
-    measure(state, [&group = *logger.group](int) { KR_LOG(group, Informational) << constantText; });
+    DrainedQueue alone;
+    Kr::LgQueue& own = *Kr::LgLog::getQueue(); // into which the statements go, too
+    const Peer peer;
+    const auto repeat = [](auto produce)
+    {
+        return [produce]
+        {
+            for (int i = 0; i < burst; ++i)
+                produce(i);
+        };
+    };
+    race(state, benchmark::kNanosecond,
+         {{"queue", repeat([&](int i) { writeTo<Message>(alone.queue, i); })},
+          {"queueOfLogger", repeat([&](int i) { writeTo<Message>(own, i); })},
+          {"statement", repeat([&](int i) { logTo<Message>(*logger.group, i); })},
+          {"spdlog", repeat([&](int i) { LogBench::logToSpdlog<Message>(*peer.logger, i); })}},
+         [] { std::this_thread::sleep_for(pauseBehindBurst); });
+    for (auto& counter : state.counters)
+        counter.second.value /= burst;
     if (Kr::LgLog::getLostCount() != 0)
         state.SkipWithError("messages were lost");
 }
-BENCHMARK_TEMPLATE(BM_statementConstant, Queues::memory)->Apply(manual);
-BENCHMARK_TEMPLATE(BM_statementConstant, Queues::file)->Apply(manual);
-
-template <Queues queues>
-void BM_statementIntAndDouble(benchmark::State& state)
-{
-    const Logger logger(queues == Queues::file);
-    measure(state, [&group = *logger.group](int i)
-            { KR_LOG(group, Informational) << "cycle " << i << " took " << everydayNumber(i); });
-    if (Kr::LgLog::getLostCount() != 0)
-        state.SkipWithError("messages were lost");
-}
-BENCHMARK_TEMPLATE(BM_statementIntAndDouble, Queues::memory)->Apply(manual);
-BENCHMARK_TEMPLATE(BM_statementIntAndDouble, Queues::file)->Apply(manual);
-
-template <class Message>
-void BM_spdlogAsync(benchmark::State& state)
-{
-    const TemporaryFolder folder;
-    const auto pool = std::make_shared<spdlog::details::thread_pool>(8192, 1);
-    const auto logger = std::make_shared<spdlog::async_logger>(
-        "peer", std::make_shared<spdlog::sinks::basic_file_sink_st>(folder.path + "/peer.log"),
-        pool, spdlog::async_overflow_policy::overrun_oldest);
-    measure(state, [&](int i) { LogBench::logToSpdlog<Message>(*logger, i); });
-}
-BENCHMARK_TEMPLATE(BM_spdlogAsync, Constant)->Apply(manual);
-BENCHMARK_TEMPLATE(BM_spdlogAsync, IntAndDouble)->Apply(manual);
+BENCHMARK_TEMPLATE(BM_statement, Queues::memory, Constant)->Iterations(200);
+BENCHMARK_TEMPLATE(BM_statement, Queues::memory, IntAndDouble)->Iterations(200);
+BENCHMARK_TEMPLATE(BM_statement, Queues::file, Constant)->Iterations(200);
+BENCHMARK_TEMPLATE(BM_statement, Queues::file, IntAndDouble)->Iterations(200);
 
 /// One thread logs messages a fixed time apart; "lost" is how many of them.
 /// @param state its first argument: how many; its second: nanoseconds from one to the next
