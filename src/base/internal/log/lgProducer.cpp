@@ -13,6 +13,7 @@
 #include <exception>
 #include <new>
 #include <thread>
+#include <utility>
 
 namespace Kr
 {
@@ -188,25 +189,32 @@ LgQueue* LgProducer::open(std::uint16_t group, LgTypes::Level level) noexcept
         queue->waitForSpace(1);
     const LgTypes::Level rank = mayWait ? LgTypes::InternalError : level;
     if (queue->isFullFor(rank))
-        queue = goOn(depth);
+    {
+        if (!goOn(depth))
+        {
+            queue->countLoss(level);
+            return nullptr;
+        }
+        queue = _queues[depth].get();
+    }
     return queue->reserve(level, group, rank) ? queue : nullptr;
 }
 
 /// Goes on in a spare queue, if there is one: the full one is left to the reader. One whose address
 /// has been given away stays.
-LgQueue* LgProducer::goOn(std::size_t depth) noexcept
+bool LgProducer::goOn(std::size_t depth) noexcept
 {
     std::shared_ptr<LgQueue>& queue = _queues[depth];
     const bool mayLeave = !(depth == 0 && _isQueueShared);
-    const std::shared_ptr<LgQueue> spare = mayLeave ? LgSpareQueues::get().take() : nullptr;
+    std::shared_ptr<LgQueue> spare = mayLeave ? LgSpareQueues::get().take() : nullptr;
     if (spare == nullptr)
-        return queue.get();
+        return false;
     spare->succeed(*queue);
     queue->creatorExit();
-    queue = spare;
+    queue = std::move(spare);
     if (depth == 0)
         showQueue();
-    return queue.get();
+    return true;
 }
 
 /// There was no memory for a queue, or the session has just ended.

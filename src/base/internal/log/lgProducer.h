@@ -58,7 +58,7 @@ private:
     void leave() noexcept;
     LgQueue* getQueue(std::size_t depth) noexcept;
     std::size_t findFreeDepth() noexcept;
-    LgQueue* goOn(std::size_t depth) noexcept;
+    bool goOn(std::size_t depth) noexcept;
     void countUnqueued(LgTypes::Level level) const noexcept;
     void showQueue() noexcept;
     bool isWriting() const noexcept;

@@ -4,8 +4,6 @@
 #include <base/internal/log/lgSpareQueues.h>
 #include <base/internal/log/lgTry.h>
 
-#include <algorithm>
-
 namespace Kr
 {
 

@@ -2,7 +2,6 @@
 
 #include <base/internal/errors/immortal.h>
 
-#include <algorithm>
 #include <utility>
 
 namespace Kr
@@ -16,9 +15,12 @@ LgSpareQueues& LgSpareQueues::get() noexcept
 
 std::shared_ptr<LgQueue> LgSpareQueues::take() noexcept
 {
+    if (count() == 0)
+        return nullptr;
     for (Place& place : _places)
         if (place.change(State::full, State::busy))
         {
+            _count.fetch_sub(1, std::memory_order_relaxed);
             std::shared_ptr<LgQueue> queue = std::move(place.queue);
             place.state.store(State::empty, std::memory_order_release);
             return queue;
@@ -32,18 +34,11 @@ bool LgSpareQueues::put(const std::shared_ptr<LgQueue>& queue) noexcept
         if (place.change(State::empty, State::busy))
         {
             place.queue = queue;
+            _count.fetch_add(1, std::memory_order_relaxed);
             place.state.store(State::full, std::memory_order_release);
             return true;
         }
     return false;
-}
-
-std::size_t LgSpareQueues::count() const noexcept
-{
-    return static_cast<std::size_t>(
-        std::count_if(_places.begin(), _places.end(),
-                      [](const Place& place)
-                      { return place.state.load(std::memory_order_relaxed) == State::full; }));
 }
 
 void LgSpareQueues::clear() noexcept

@@ -26,12 +26,12 @@ public:
     LgSpareQueues(const LgSpareQueues&) = delete;
     LgSpareQueues& operator=(const LgSpareQueues&) = delete;
 
-    /// Null if none is at hand. May be called by any thread.
+    /// Null if none is at hand, which one load tells. May be called by any thread.
     std::shared_ptr<LgQueue> take() noexcept;
 
     /// False if there is no place for it. For the reader, as is what follows.
     bool put(const std::shared_ptr<LgQueue>& queue) noexcept;
-    std::size_t count() const noexcept;
+    std::size_t count() const noexcept { return _count.load(std::memory_order_relaxed); }
     void clear() noexcept;
 
 private:
@@ -55,6 +55,7 @@ private:
     };
 
     std::array<Place, maxSize> _places;
+    std::atomic<std::size_t> _count{0}; // of those that are full
 };
 
 } // namespace Kr
